@@ -1,0 +1,45 @@
+# One place for what every target has in common.
+
+add_library(kelpix_options INTERFACE)
+target_compile_features(kelpix_options INTERFACE cxx_std_20)
+# The scene's arithmetic is fixed to the bit. Contraction would fuse products with sums, and g++ 12
+# packs neighbouring double-float-double statements without the rounding in between.
+target_compile_options(kelpix_options INTERFACE -ffp-contract=off)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    target_compile_options(kelpix_options INTERFACE -fno-tree-slp-vectorize)
+endif()
+target_compile_options(kelpix_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion)
+if(KELPIX_WERROR)
+    target_compile_options(kelpix_options INTERFACE -Werror)
+endif()
+if(KELPIX_SANITIZE)
+    target_compile_options(kelpix_options INTERFACE
+        -O1 -fsanitize=address,undefined -fno-sanitize-recover=undefined -fsized-deallocation)
+    target_link_options(kelpix_options INTERFACE -fsanitize=address,undefined)
+endif()
+
+# kelpix_library(NAME SOURCES file... HEADERS file... [PUBLIC target...] [PRIVATE target...])
+# Makes the static library kelpix::NAME of the calling folder. Its headers are included by base
+# name; the target all_verify_interface_header_sets compiles each of them alone.
+function(kelpix_library name)
+    cmake_parse_arguments(PARSE_ARGV 1 lib "" "" "SOURCES;HEADERS;PUBLIC;PRIVATE")
+    add_library(kelpix_${name} STATIC ${lib_SOURCES})
+    add_library(kelpix::${name} ALIAS kelpix_${name})
+    target_sources(kelpix_${name} PUBLIC FILE_SET HEADERS FILES ${lib_HEADERS})
+    target_link_libraries(kelpix_${name}
+        PUBLIC ${lib_PUBLIC}
+        PRIVATE ${lib_PRIVATE} $<BUILD_INTERFACE:kelpix_options>)
+    target_compile_features(kelpix_${name} PUBLIC cxx_std_20)
+    set_target_properties(kelpix_${name} PROPERTIES
+        EXPORT_NAME ${name}
+        CXX_EXTENSIONS OFF
+        VERIFY_INTERFACE_HEADER_SETS ON)
+endfunction()
+
+# kelpix_program(NAME SOURCES file... [LIBRARIES target...])
+function(kelpix_program name)
+    cmake_parse_arguments(PARSE_ARGV 1 prog "" "" "SOURCES;LIBRARIES")
+    add_executable(${name} ${prog_SOURCES})
+    target_link_libraries(${name} PRIVATE ${prog_LIBRARIES} $<BUILD_INTERFACE:kelpix_options>)
+    set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF)
+endfunction()

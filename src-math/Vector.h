@@ -1,0 +1,109 @@
+#pragma once
+
+#include <bit>
+#include <cmath>
+#include <cstdint>
+
+/// Radians per degree as the steering and the body geometry use it: 3.14159 / 180 in single
+/// precision, slightly below pi / 180. The shortened value is deliberate, the scene was tuned to
+/// it.
+inline constexpr float DEG2RAD = static_cast<float>(3.14159 / 180);
+static_assert(std::bit_cast<std::uint32_t>(DEG2RAD) == 0x3C8EFA2D);
+
+/// Three single-precision components: a position, velocity or orientation of the scene.
+///
+/// Arithmetic is in single precision unless an operation says otherwise. Some operations are
+/// deliberately not the textbook ones (limit, rotate, MinCompDist): the constants of the steering
+/// were tuned against them. Nothing here fails; bad numbers give infinities or NaN.
+class Vec3 {
+public:
+    float x = 0;
+    float y = 0;
+    float z = 0;
+
+    /// (0, 0, 0)
+    Vec3() = default;
+    Vec3(float x_, float y_, float z_) : x(x_), y(y_), z(z_) {}
+    Vec3(const Vec3& v) = default;
+    Vec3& operator=(const Vec3& v) = default;
+
+    Vec3 operator+(const Vec3& v) const { return {x + v.x, y + v.y, z + v.z}; }
+    Vec3 operator-(const Vec3& v) const { return {x - v.x, y - v.y, z - v.z}; }
+    Vec3 operator-() const { return {-x, -y, -z}; }
+    Vec3 operator*(float t) const { return {x * t, y * t, z * t}; }
+    /// Divides each component by \p t, unchecked: 0 gives infinities or NaN.
+    Vec3 operator/(float t) const { return {x / t, y / t, z / t}; }
+
+    /// The Euclidean length: the sum of squares in single, its root in double precision.
+    float length() const
+    {
+        return static_cast<float>(std::sqrt(static_cast<double>(x * x + y * y + z * z)));
+    }
+
+    /// Divides the vector by its length; one of length 0 stays as it is.
+    void normalize();
+
+    /// Takes the components of \p v.
+    void copy(const Vec3& v) { *this = v; }
+
+    void set(float x_, float y_, float z_)
+    {
+        x = x_;
+        y = y_;
+        z = z_;
+    }
+
+    /// Bounds the largest absolute component (not the length) to \p lim, keeping the direction.
+    void limit(float lim);
+
+    /// Truncates each component to a 32-bit integer and shifts it right, keeping the sign.
+    /// Components beyond that range saturate, NaN counts as 0. \p n of 0 or less does not shift,
+    /// 32 or more leaves only the sign.
+    void rshift(int n);
+
+    /// The same with a shift to the left; bits that leave the 32 are lost.
+    void lshift(int n);
+
+    /// True when a component differs from 0 (-0 does not).
+    bool isnonzero() const { return x != 0 || y != 0 || z != 0; }
+
+    /// Turns the vector in the x-y plane by \p alpha degrees. The new y is computed from the new
+    /// x, not from the old one: deliberate, so this is no exact rotation and changes the length.
+    void rotate(float alpha);
+
+    /// True when all three components are exactly equal.
+    static bool Equal(const Vec3& a, const Vec3& b)
+    {
+        return a.x == b.x && a.y == b.y && a.z == b.z;
+    }
+
+    static float DotProduct(const Vec3& a, const Vec3& b)
+    {
+        return a.x * b.x + a.y * b.y + a.z * b.z;
+    }
+
+    /// The right-handed cross product a x b.
+    static Vec3 CrossProduct(const Vec3& a, const Vec3& b)
+    {
+        return {a.y * b.z - b.y * a.z, a.z * b.x - b.z * a.x, a.x * b.y - b.x * a.y};
+    }
+
+    /// The distance of two points: the difference in single precision, its squares, their sum and
+    /// the root in double.
+    static float EuclDistance(const Vec3& a, const Vec3& b)
+    {
+        const Vec3 d = a - b;
+        const double dx = static_cast<double>(d.x);
+        const double dy = static_cast<double>(d.y);
+        const double dz = static_cast<double>(d.z);
+        return static_cast<float>(std::sqrt(dx * dx + dy * dy + dz * dz));
+    }
+
+    /// The largest (despite its name) absolute difference of a component: the Chebyshev distance.
+    static float MinCompDist(const Vec3& a, const Vec3& b);
+
+    /// The angle between two vectors in radians. Neither clamped nor checked: a vector of length 0
+    /// gives NaN, and so does rounding that pushes the cosine beyond 1, which steering reads as
+    /// "do not turn".
+    static float AngleBetween(const Vec3& a, const Vec3& b);
+};
