@@ -1,0 +1,120 @@
+#pragma once
+
+#include "BBox.h"
+#include "Node.h"
+#include "Vector.h"
+
+#include <vector>
+
+class Boider;
+class Bucket;
+
+enum BOID_TYPE { BOID_FISH, BOID_BUBBLE };
+enum BOID_MODE { NOMODE, MOVE_TO_SENSOR };
+enum BOID_COLLISION_MODE { HARDBOUNCE, BOUNCE, SOFT };
+
+/// One fish or one bubble in the unit square of an Environment, its parent.
+///
+/// Each update it finds its neighbours through the environment's grid and steers: cohesion and
+/// alignment with them, away from the walls, a kick away from the closest one, towards the closest
+/// sensor (a bubble very near is thrown away from it), and for a bubble up and out through the top.
+/// After Craig Reynolds, "Flocks, Herds, and Schools: A Distributed Behavioral Model" (SIGGRAPH
+/// 1987), with constants tuned by eye. A boid that leaves the grid dies.
+///
+/// Positions are in world units (0..1). The boid's transform is scaled by 0.001, so its velocity
+/// counts thousandths of the world per update. Random numbers come from rand(); how many are drawn,
+/// and in which order, is part of the behaviour.
+class Boid final : public Node {
+public:
+    Vec3 pos;                 ///< world units, from the transform at the start of each update
+    Vec3 vel;                 ///< units of the boid's scaled frame per update
+    Vec3 orientation;         ///< velocity of the last update, not normalised: what the sprite shows
+    Vec3 flockCenter;         ///< last centre of the flockmates, world units
+    std::vector<Node*>* obstacleList = nullptr; ///< not used
+    std::vector<Node*>* sensorList = nullptr;   ///< borrows; Sensors, set by the creator
+    BOID_TYPE type = BOID_FISH;                 ///< set by the creator
+    BBox bbox;                                  ///< not used
+    bool initialized = false;
+    float searchRadius = 0;     ///< how far a neighbour may be, world units
+    int boidId = 0;             ///< fish 0..99, every bubble 10; set by the creator
+    Bucket* myBucket = nullptr; ///< borrows; the grid cell it is registered in, or null
+    Boider* boider = nullptr;   ///< owns; the sprite, also its child
+    BOID_MODE mode = NOMODE;    ///< not read: the pull of the sensors is always on
+    bool outOfBound = false;    ///< it has left the grid
+    Texture* bubbleTex = nullptr; ///< borrows; the sprite's texture, of fish and bubbles alike
+    int counter = 0;              ///< phase of the bubble's outline, advanced by draw
+
+    /// A boid without a sprite that does not move.
+    Boid() = default;
+
+    /// A boid with a random velocity, from two numbers of rand(): y first, then x.
+    /// \param blt  texture of its sprite, borrowed
+    explicit Boid(Texture* blt);
+
+    /// Only notes that it was called.
+    void initialize();
+
+    void setId(int id) { boidId = id; }
+    int getId() const { return boidId; }
+
+    /// Draws it and returns 1 if its position is in view, else -1. Needs: current GL context.
+    int cull() override;
+
+    /// Draws a bubble's pulsing outline; nothing for a fish, whose sprite is its child.
+    /// Needs: current GL context. Changes: colour, blend function; disables blending.
+    void draw() override;
+
+    /// One step: registers in the grid, steers, turns the sprite and moves, or dies outside.
+    /// Does nothing without a parent.
+    void doupdate() override;
+
+    void drawBBox() override {}
+    RTTI_NODE_TYPE getType() const override { return RTTI_PARTICLE; }
+    void userEvent(UserEvent*) override {}
+    void addTexture(Texture*) override {}
+    Texture* getTexture() override { return nullptr; }
+    void computeBBox() override {}
+    BBox* getBBox() override { return nullptr; }
+    void addGeometry(Geometry*) override {}
+    Geometry* getGeometry() override { return nullptr; }
+    void print() override {}
+
+    /// Deletes the sprite. Needs: current GL context if the sprite was drawn.
+    void cleanup() override;
+
+    /// Compares the cell it is registered in, \p a, with the cell it is in now, \p b (either may be
+    /// null).
+    /// \return 4 already out of bounds, 3 left the grid, 2 first registration, 1 same cell,
+    ///         -1 moved to another cell
+    int checkBucket(Bucket* a, Bucket* b);
+
+    /// Steers and moves by one step.
+    /// \param all         borrows; the boids to avoid
+    /// \param flockmates  borrows; the boids to swim with
+    void move(std::vector<Boid*>* all, std::vector<Boid*>* flockmates);
+
+    void updateFlockingCenter(const Vec3& center) { flockCenter = center; }
+
+    /// Kicks the velocity away from the closest of \p all, if that is near.
+    void doBoidCollision(std::vector<Boid*>* all);
+
+    /// \return the closest of \p neighbors, the earlier one of two equally close; null for none
+    Boid* getClosest(std::vector<Boid*>* neighbors);
+
+    /// Writes a repulsion away from \p boid: the separation times random factors from three numbers
+    /// of rand(). Leaves \p avoid untouched when the boid is not within 0.03.
+    void getAvoidVector(Vec3& avoid, Boid* boid, BOID_COLLISION_MODE mode);
+
+    /// \return the closest Sensor of sensorList, the earlier one of two; null for none
+    Node* getClosestSensor();
+
+    /// Changes the velocity towards (or for a bubble within 0.1 away from) the closest sensor, if
+    /// that is within 0.25. Prints "sensor not found\n" when there is none.
+    void moveToClosestSensor();
+
+private:
+    void enterGrid(Bucket* bucket);
+    void flock(const std::vector<Boid*>& flockmates);
+    void avoidWalls();
+    void turnSprite();
+};

@@ -1,0 +1,105 @@
+#include "BucketIndex.h"
+
+#include "Boid.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+int idOf(Node* node)
+{
+    return static_cast<Boid*>(node)->getId();
+}
+
+/// Truncates towards zero. Far outside every grid the exact value does not matter.
+int truncate(float value)
+{
+    if (std::isnan(value)) {
+        return 0;
+    }
+    return static_cast<int>(std::clamp(value, -1e6f, 1e6f));
+}
+
+} // namespace
+
+void Bucket::add(Node* node)
+{
+    if (nullboids.size() > 0) {
+        boidList[static_cast<std::size_t>(nullboids.pop())] = node;
+    } else {
+        boidList.push_back(node);
+    }
+}
+
+void Bucket::remove(Node* node)
+{
+    const int id = idOf(node);
+    for (std::size_t i = 0; i < boidList.size(); ++i) {
+        if (boidList[i] && idOf(boidList[i]) == id) {
+            nullboids.push(static_cast<int>(i));
+            boidList[i] = nullptr;
+        }
+    }
+}
+
+BucketIndex::~BucketIndex()
+{
+    release();
+}
+
+void BucketIndex::release()
+{
+    const int cells = static_cast<int>(extents[2]) * static_cast<int>(extents[3]);
+    std::for_each(index, index + cells, [](Bucket* bucket) { delete bucket; });
+    delete[] index;
+    index = nullptr;
+}
+
+void BucketIndex::initialize(int c, int r, Environment*)
+{
+    release();
+    const int columns = std::max(c, 0);
+    const int rows = std::max(r, 0);
+    index = new Bucket*[static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows)];
+    Bucket** next = index;
+    for (int j = 0; j < rows; ++j) {
+        for (int i = 0; i < columns; ++i) {
+            *next++ = new Bucket(i, j);
+        }
+    }
+    extents[0] = 0;
+    extents[1] = 0;
+    extents[2] = static_cast<float>(columns);
+    extents[3] = static_cast<float>(rows);
+}
+
+Bucket* BucketIndex::cell(int column, int row)
+{
+    const int rows = static_cast<int>(extents[3]);
+    const int number = rows * row + column;
+    return number < static_cast<int>(extents[2]) * rows ? index[number] : nullptr;
+}
+
+Bucket* BucketIndex::query(float x, float y)
+{
+    if (!(x >= extents[0] && extents[2] >= x && y >= extents[1] && extents[3] >= y)) {
+        return nullptr;
+    }
+    return cell(truncate(x), truncate(y));
+}
+
+void BucketIndex::query(std::vector<Bucket*>* blist, float x0, float y0, float x1, float y1)
+{
+    const int c0 = std::max(truncate(x0), 0);
+    const int r0 = std::max(truncate(y0), 0);
+    const int c1 = std::min(truncate(x1), static_cast<int>(extents[2]));
+    const int r1 = std::min(truncate(y1), static_cast<int>(extents[3]));
+    for (int i = c0; i < c1; ++i) {
+        for (int j = r0; j < r1; ++j) {
+            if (Bucket* bucket = cell(i, j)) {
+                blist->push_back(bucket);
+            }
+        }
+    }
+}

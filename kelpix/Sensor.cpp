@@ -1,0 +1,131 @@
+#include "Sensor.h"
+
+#include "MoCap.h"
+#include "SensorRep.h"
+
+#include <cstdlib>
+
+namespace {
+
+constexpr float SPEED_LIMIT = 0.15f;
+constexpr float TILT_STEP = 5; // degrees
+
+/// A random start velocity, -0.005 to 0.0049.
+float randomVelocity()
+{
+    return static_cast<float>((std::rand() % 100 - 50) / 10000.0);
+}
+
+/// Adds in double precision and rounds once: positions depend on it in their last bit.
+void shift(float& coordinate, double by)
+{
+    coordinate = static_cast<float>(static_cast<double>(coordinate) + by);
+}
+
+/// Limits one component of the velocity; a node that would move faster stays where it was.
+void limitComponent(float& velocity, float& coordinate, float previous)
+{
+    if (velocity > SPEED_LIMIT) {
+        coordinate = previous;
+        velocity = SPEED_LIMIT;
+    } else if (velocity < -SPEED_LIMIT) {
+        coordinate = previous;
+        velocity = -SPEED_LIMIT;
+    }
+}
+
+} // namespace
+
+Sensor::Sensor() : tilt{-35, 35}, rep(new SensorRep)
+{
+    pos.set(transformmat[12], transformmat[13], 0);
+    const float a = randomVelocity();
+    const float b = randomVelocity();
+    vel.set(a, b, 0);
+    orientation.set(0, 1, 0);
+    rep->pos = &pos;
+    rep->vel = &vel;
+    attachChild(rep);
+}
+
+void Sensor::initialize()
+{
+    initialized = true;
+}
+
+int Sensor::cull()
+{
+    if (!initialized) {
+        initialize();
+    }
+    draw();
+    return 1;
+}
+
+void Sensor::doupdate()
+{
+    if (!mocap) {
+        return;
+    }
+    Vec3* recorded = recordedPosition();
+    if (!recorded) {
+        std::exit(1);
+    }
+    *recorded = *recorded * 0.45f;
+    const float prevX = transformmat[12];
+    const float prevY = transformmat[13];
+    place(*recorded);
+    limitSpeed(prevX, prevY);
+    pos_old = pos;
+    tiltBody();
+}
+
+/// The recorded position of the current step, in the recording; null beyond its end.
+Vec3* Sensor::recordedPosition()
+{
+    const auto& list = mocap->sensorDataList;
+    if (sensorId < 0 || static_cast<std::size_t>(sensorId) >= list.size()) {
+        return nullptr;
+    }
+    const auto& series = list[static_cast<std::size_t>(sensorId)]->pos;
+    const int step = mocap->step;
+    if (step < 0 || static_cast<std::size_t>(step) >= series.size()) {
+        return nullptr;
+    }
+    return series[static_cast<std::size_t>(step)];
+}
+
+void Sensor::place(const Vec3& recorded)
+{
+    transformmat[12] = recorded.x;
+    transformmat[13] = recorded.y;
+    transformmat[14] = 0;
+    if (sensorId == 0) {
+        shift(transformmat[12], 0.05);
+    }
+    if (sensorId == 2) {
+        shift(transformmat[12], -0.05);
+    }
+    shift(transformmat[13], -0.1);
+    shift(transformmat[12], 0.55);
+    pos.set(transformmat[12], transformmat[13], transformmat[14]);
+}
+
+void Sensor::limitSpeed(float prevX, float prevY)
+{
+    vel.set(pos.x - pos_old.x, pos.y - pos_old.y, 0);
+    limitComponent(vel.x, transformmat[12], prevX);
+    limitComponent(vel.y, transformmat[13], prevY);
+}
+
+void Sensor::tiltBody()
+{
+    // The test comes before the step: the tilt can go one step beyond each limit.
+    if (vel.x < 0 && tilt[1] >= current_tilt) {
+        rep->rotate(0, 0, 1, TILT_STEP);
+        current_tilt += TILT_STEP;
+    } else if (vel.x > 0 && current_tilt >= tilt[0]) {
+        rep->rotate(0, 0, 1, -TILT_STEP);
+        current_tilt -= TILT_STEP;
+    }
+}

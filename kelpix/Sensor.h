@@ -1,0 +1,62 @@
+#pragma once
+
+#include "Node.h"
+#include "Vector.h"
+
+class MoCap;
+class SensorRep;
+
+/// A figure that follows one tracked sensor of a recording in the plane of its parent. It draws
+/// nothing itself: its only child, a SensorRep, is the body that it tilts the way it moves.
+///
+/// A recorded position p appears at (0.45 p.x + 0.55, 0.45 p.y - 0.1), sensor 0 another 0.05 to the
+/// right, sensor 2 to the left. Lengths are world units.
+class Sensor final : public Node {
+public:
+    Vec3 pos;                ///< position of this update, before the speed limit
+    Vec3 pos_old;            ///< pos of the update before
+    Vec3 vel;                ///< movement since then, each component within 0.15
+    Vec3 orientation;        ///< (0, 1, 0), not used
+    MoCap* mocap = nullptr;  ///< borrows; set by the creator
+    int sensorId = 0;        ///< which of the recording's series, 0, 1 or 2; set by the creator
+    float tilt[2];           ///< lower and upper limit of the tilt, degrees
+    float current_tilt = 0;  ///< tilt of the body, degrees; one step beyond a limit at most
+    bool initialized = false;
+    SensorRep* rep;          ///< the body, also its child, which owns it
+
+    /// Makes the body, and a small random velocity from two numbers of rand().
+    Sensor();
+
+    /// Only notes that it was called.
+    void initialize();
+
+    /// Returns 1: it is never culled.
+    int cull() override;
+    void draw() override {}
+
+    /// Moves to the recorded position of the current step.
+    /// The recorded position is scaled in the recording itself, so a step that is met again shrinks
+    /// again. Deliberate: recordings are made for it.
+    /// A step beyond the recording (the voice has come to its end) ends the process with status 1.
+    void doupdate() override;
+
+    void drawBBox() override {}
+
+    /// Shared with SensorRep.
+    RTTI_NODE_TYPE getType() const override { return RTTI_USER1; }
+    void userEvent(UserEvent*) override {}
+    void addTexture(Texture*) override {}
+    Texture* getTexture() override { return nullptr; }
+    void computeBBox() override {}
+    BBox* getBBox() override { return nullptr; }
+    void addGeometry(Geometry*) override {}
+    Geometry* getGeometry() override { return nullptr; }
+    void print() override {}
+    void cleanup() override {}
+
+private:
+    Vec3* recordedPosition();
+    void place(const Vec3& recorded);
+    void limitSpeed(float prevX, float prevY);
+    void tiltBody();
+};

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "Node.h"
+#include "Vector.h"
+
+#include <list>
+
+/// One point of a tentacle: a scaled velocity of its sensor, in the representation's frame.
+struct Vertex {
+    float x, y;
+};
+
+/// The drawn body of a Sensor: a translucent, pulsating body of 240 precomputed frames and three
+/// tentacles, line strips that hold the sensor's last 24 velocities. Lengths are world units.
+class SensorRep final : public Node {
+public:
+    Vec3* pos = nullptr;     ///< borrows; the sensor's position, set by the sensor
+    Vec3* vel = nullptr;     ///< borrows; the sensor's velocity, set by the sensor
+    unsigned sensorGeom = 0; ///< display list of a small square, made but not drawn
+    bool initialized = false;
+    float degree = 0;              ///< phase of the tentacles' wave, 0 to below 360 degrees
+    std::list<Vertex*> tentacle;   ///< owns; newest first, at most 24
+    std::list<float> cos_curve;    ///< the wave at the time each point was added
+    std::list<float> sin_curve;    ///< likewise; the three lists have the same length
+    int baseAnimFrames = 0;        ///< frames of the body: 240
+    int counter = 0;               ///< the next frame to draw, 0..239
+    unsigned* baseAnim = nullptr;  ///< owns; the display list of each frame
+    float pre_angle = 0;           ///< not used
+
+    SensorRep() = default;
+
+    /// Frees the points; the display lists stay until the GL context goes.
+    ~SensorRep();
+
+    /// Makes all display lists, drawing rand() in a fixed order. Needs: current GL context.
+    void initialize();
+
+    /// Draws and returns 1. Needs: current GL context.
+    int cull() override;
+
+    /// Draws body and tentacles. Needs: current GL context, initialize, pos and vel.
+    /// Changes: colour, blend function; disables blending and the client's vertex array. The body
+    /// has texture coordinates and is drawn with whatever texture state is current.
+    void draw() override;
+
+    /// Adds the current velocity to the tentacles and advances their wave. Needs: vel.
+    void doupdate() override;
+
+    void drawBBox() override {}
+
+    /// Shared with Sensor.
+    RTTI_NODE_TYPE getType() const override { return RTTI_USER1; }
+    void userEvent(UserEvent*) override {}
+    void addTexture(Texture*) override {}
+    Texture* getTexture() override { return nullptr; }
+    void computeBBox() override {}
+    BBox* getBBox() override { return nullptr; }
+    void addGeometry(Geometry*) override {}
+    Geometry* getGeometry() override { return nullptr; }
+    void print() override {}
+    void cleanup() override {}
+
+    /// Compiles the 240 frames of the body and picks the frame to start with.
+    /// Prints "-- Generate %d frames of base animation.\n". Needs: current GL context.
+    void genBaseAnim();
+
+    /// A point of the unit sphere on a grid of 16 by 16.
+    /// \param i  0..16, from the top (0, 1, 0) to the bottom
+    /// \param j  0..16, once around the y axis
+    Vec3 get_p(int i, int j);
+
+    /// Deforms a point of the unit sphere for one frame of the body. Frame 0 divides by zero: its x
+    /// and z are not finite, and it is never shown.
+    /// \param frame  0..239
+    Vec3 get_mod_p(float x, float y, float z, int frame);
+};

@@ -1,0 +1,120 @@
+#include "AppManager.h"
+#include "Environment.h"
+#include "FreeType.h"
+#include "MediaFolder.h"
+#include "OggSound.h"
+#include "PivotNode.h"
+#include "RootNode.h"
+#include "SceneGraph.h"
+#include "Window.h"
+
+#include <AL/alc.h>
+#include <FL/Fl.H>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <exception>
+#include <stdexcept>
+
+namespace {
+
+freetype::font_data our_font;
+
+void drawCallback(Window*) {}
+
+OggSound* loadSound(const char* path)
+{
+    auto* sound = new OggSound;
+    std::puts("loading ogg file...");
+    sound->load(path);
+    std::puts("done.");
+    return sound;
+}
+
+/// Stands in for the toolkit's own handler, which would end the process without unwinding: no
+/// display is the failure that people meet.
+[[noreturn]] void onToolkitFailure(const char* format, ...)
+{
+    char text[256];
+    va_list arguments;
+    va_start(arguments, format);
+    std::vsnprintf(text, sizeof text, format, arguments);
+    va_end(arguments);
+    throw std::runtime_error(std::string("kelpix: no window: ") + text +
+                             "\nStart it in a graphical session, or set DISPLAY to an X server.");
+}
+
+/// Builds the scene, shows it, and returns when its window has been closed.
+int runScene(int argc, char** argv)
+{
+    std::srand(static_cast<unsigned>(std::time(nullptr)));
+    OggSound::initAL(&argc, argv);
+    if (!alcGetCurrentContext()) {
+        std::fprintf(stderr, "kelpix: no sound device: the scene is silent and its figures rest. "
+                             "ALSOFT_DRIVERS=null plays to nowhere and lets them move.\n");
+    }
+
+    SceneGraph sceneGraph;
+    auto* root = new RootNode;
+    root->setName("root");
+    auto* pivot = new PivotNode;
+    pivot->setName("pivot");
+
+    OggSound* voice = loadSound("sound/magpie_vocal.ogg");
+    OggSound* bubbles = loadSound("sound/bubbles_sound.ogg");
+    voice->setVolume(1.5f);
+    bubbles->setVolume(0.2f);
+
+    Node* water = new Environment(voice);
+    water->scale(1.2f, 1.2f, 1.0f);
+    water->translate(-0.5f, -0.5f, 0.0f);
+    water->setName("water");
+    root->attachChild(pivot);
+    pivot->attachChild(water);
+    sceneGraph.setRootNode(root);
+    sceneGraph.setPivotNode(pivot);
+
+    auto* manager = new AppManager;
+    auto* window = new Window(1, 0, 0, 740, 740);
+    window->getRender()->getCamera()->setProjType(1);
+    window->setOffset(0, 0);
+    window->border(1);
+    window->end();
+    window->setFont(&our_font);
+    window->setDrawCallback(drawCallback);
+    window->getRender()->setSG(&sceneGraph);
+    manager->addWindow(window);
+    manager->addTimeouts(40, 40);
+    if (!window->shown()) {
+        throw std::runtime_error("kelpix: no window: the display offers no OpenGL with double "
+                                 "buffering, accumulation, alpha and depth.");
+    }
+
+    voice->play();
+    bubbles->loopyPlay();
+    while (window->shown()) {
+        Fl::wait();
+    }
+
+    // The nodes, the window and the bubbles' sound live until the process ends.
+    delete voice;
+    OggSound::exitAL();
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    // Messages reach a log while the scene runs, in order with those on standard error.
+    std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
+    Fl::fatal = onToolkitFailure;
+    MediaFolder::reportMissingFiles();
+    try {
+        return runScene(argc, argv);
+    } catch (const std::exception& failure) {
+        std::fprintf(stderr, "%s\n", failure.what());
+        return 1;
+    }
+}

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <vector>
+
+/// A rectangle of a window with a projection offset, for tiled displays.
+struct Viewport {
+    float x, y, w, h; ///< pixels, origin at the bottom left
+    float offset[2];  ///< fractions of the window, as Camera::ortho2D takes them
+};
+
+/// A position in a window, in pixels, or in the scene.
+struct Point2 {
+    float x, y;
+};
+
+/// Sets up GL's viewport, scissor box, projection and view transform. The view transform stays in
+/// the modelview matrix from frame to frame: SceneGraph's walks leave that matrix as they found it.
+class Camera {
+public:
+    std::vector<Viewport*> viewportList; ///< borrows; parts of a tiled display, not used here
+    int projType = -1;                   ///< -1 undefined, 0 orthographic, else perspective
+    int view[2] = {};                    ///< width and height of the GL viewport, pixels
+    float eye[3] = {0, 0, 0};            ///< scene units; every set-up rewrites z: 1 or 0 (ortho)
+    float center[3] = {0, 0, -1};        ///< point looked at, scene units
+    float up[3] = {0, 1, 0};
+
+    void setProjType(int type) { projType = type; }
+
+    /// The set-up for a new GL context. Perspective: 60 degrees vertically, planes at 0.01 and 100,
+    /// eye at z = 1. Orthographic: -w..w, -h..h, -100..100, eye at z = 0. Then moves the scene by
+    /// -offset times the window's size, counted in scene units of the eye frame.
+    /// \param x,y     ignored
+    /// \param w,h     window size in pixels; a height of 0 gives no usable projection
+    /// \param offset  float[2], fractions of w and h
+    /// Needs: current GL context. Leaves the modelview matrix selected.
+    /// An undefined projection type prints "Please define camera projection type." and ends the
+    /// process with status 0.
+    void ortho2D(int x, int y, int w, int h, const float* offset);
+
+    /// The set-up after a resize: as ortho2D, but it neither stores the size in view nor applies an
+    /// offset, and an undefined type counts as perspective. Deliberate: after the first resize a
+    /// tile shows the whole scene.
+    void reshape(int x, int y, int w, int h);
+
+    /// \return pointers to the three float[3] fields
+    float* getEye() { return eye; }
+    float* getCenter() { return center; }
+    float* getUp() { return up; }
+
+    /// Maps a window position to the frame of a node, on the near plane.
+    /// \param out    receives x and y in that frame; (0, 0) when the matrices cannot be inverted
+    /// \param in     window position in pixels, origin at the top left
+    /// \param model  float[16], column-major: frame of the node to the frame of the current
+    ///               modelview matrix
+    /// \return \p out
+    /// Needs: current GL context with the modelview matrix selected. Restores: matrix stack.
+    Point2* unproject(Point2* out, const Point2* in, const float* model);
+
+private:
+    void setProjection(int w, int h);
+    void setView();
+};

@@ -1,0 +1,54 @@
+#include "Node.h"
+
+#include "Matrix.h"
+
+Node::Node()
+{
+    Matrix::load_identity(transformmat);
+}
+
+void Node::translate(float x, float y, float z)
+{
+    float m[16];
+    Matrix::location(m, x, y, z);
+    multiply(m);
+}
+
+void Node::scale(float x, float y, float z)
+{
+    float m[16];
+    Matrix::scale(m, x, y, z);
+    multiply(m);
+}
+
+void Node::rotate(float x, float y, float z, float angle)
+{
+    float m[16];
+    Matrix::rotation(m, x, y, z, angle);
+    multiply(m);
+}
+
+void Node::multiply(const float* elementary)
+{
+    float product[16];
+    Matrix::do_multiply(product, transformmat, elementary);
+    Matrix::dump_matrix(transformmat, product);
+}
+
+void Node::attachChild(Node* child)
+{
+    if (!child) {
+        return;
+    }
+    children.push_back(child);
+    child->setParent(this);
+}
+
+void Node::update()
+{
+    if (updateptr) {
+        updateptr(this);
+    } else {
+        doupdate();
+    }
+}

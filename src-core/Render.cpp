@@ -1,0 +1,13 @@
+#include "Render.h"
+
+#include "SceneGraph.h"
+
+void Render::frame()
+{
+    sg->draw();
+}
+
+void Render::idleFrame()
+{
+    sg->update();
+}

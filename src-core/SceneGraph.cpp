@@ -1,0 +1,118 @@
+#include "SceneGraph.h"
+
+#include "Node.h"
+#include "UserEvent.h"
+
+#include <GL/glew.h>
+#include <new>
+
+namespace {
+
+/// Multiplies the node's transform into the modelview matrix and notes the result in the node.
+void enterFrame(Node* node)
+{
+    glPushMatrix();
+    glMultMatrixf(node->glTransform());
+    glGetFloatv(GL_MODELVIEW_MATRIX, node->glWorldMatrix());
+}
+
+void drawAlone(Node* node)
+{
+    enterFrame(node);
+    node->cull();
+    glPopMatrix();
+}
+
+bool isDead(Node* node)
+{
+    return node && !node->isAlive();
+}
+
+/// Deletes a dead node. Its destructor is not virtual and only Node's is run, so the size of the
+/// storage is not known here: it goes back through the unsized operator delete.
+void bury(Node* node)
+{
+    node->cleanup();
+    node->Node::~Node();
+    ::operator delete(static_cast<void*>(node));
+}
+
+} // namespace
+
+void SceneGraph::draw()
+{
+    glMatrixMode(GL_MODELVIEW);
+    if (envNode) {
+        drawAlone(envNode);
+    }
+    for (Node* light : listOfLights) {
+        if (light) {
+            drawAlone(light);
+        }
+    }
+    node_count = 0;
+    if (rootNode) {
+        drawScene(rootNode);
+    }
+    glFlush();
+}
+
+void SceneGraph::drawScene(Node* node)
+{
+    if (!node) {
+        return;
+    }
+    enterFrame(node);
+    if (node->cull() == -1) {
+        glPopMatrix();
+        return;
+    }
+    ++node_count;
+    std::list<Node*>& children = *node->getChildList();
+    for (auto child = children.begin(); child != children.end();) {
+        glPushMatrix();
+        if (isDead(*child)) {
+            bury(*child);
+            *child = nullptr;
+            child = children.erase(child);
+        } else {
+            drawScene(*child);
+            ++child;
+        }
+        glPopMatrix();
+    }
+    glPopMatrix();
+}
+
+void SceneGraph::update()
+{
+    updateScene(rootNode);
+}
+
+void SceneGraph::updateScene(Node* node)
+{
+    if (!node) {
+        return;
+    }
+    node->update();
+    for (Node* child : *node->getChildList()) {
+        updateScene(child);
+    }
+}
+
+void SceneGraph::event(UserEvent* ev)
+{
+    eventScene(rootNode, ev);
+    delete ev;
+}
+
+void SceneGraph::eventScene(Node* node, UserEvent* ev)
+{
+    if (!node) {
+        return;
+    }
+    node->userEvent(ev);
+    for (Node* child : *node->getChildList()) {
+        eventScene(child, ev);
+    }
+}

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <vector>
+
+class Node;
+class UserEvent;
+
+/// The entry points of a scene and the three walks over its tree: drawing, updating, events.
+/// Owns no node. All walks run on one thread, never one within another.
+class SceneGraph {
+public:
+    Node* pivotNode = nullptr;       ///< borrows; what the mouse turns, not used by the walks
+    Node* rootNode = nullptr;        ///< borrows; where every walk starts
+    Node* envNode = nullptr;         ///< borrows; drawn alone before the tree, without its children
+    std::vector<Node*> listOfLights; ///< borrows; drawn before the tree, in this order
+    int node_count = 0;              ///< nodes found visible in the tree by the last draw
+
+    void setRootNode(Node* node) { rootNode = node; }
+    Node* getRootNode() { return rootNode; }
+    void setPivotNode(Node* node) { pivotNode = node; }
+    Node* getPivotNode() { return pivotNode; }
+    void setEnvNode(Node* node) { envNode = node; }
+    void addLight(Node* node) { listOfLights.push_back(node); }
+
+    /// Draws one frame: the environment node, the lights, then the tree; deletes dead children on
+    /// the way (see Node), and flushes GL.
+    /// Needs: current GL context with the view transform in the modelview matrix.
+    /// Changes: selects the modelview matrix, and what the nodes change. Restores: matrix stack.
+    void draw();
+
+    /// Updates every node of the tree once, parents before children. Dead nodes are updated too.
+    void update();
+
+    /// Hands \p ev to every node of the tree, visible or not, parents before children.
+    /// Takes the event (made with new) and frees it.
+    void event(UserEvent* ev);
+
+    /// The walks behind draw, update and event, from any node; a null node is skipped.
+    void drawScene(Node* node);
+    void updateScene(Node* node);
+    void eventScene(Node* node, UserEvent* ev);
+};

@@ -1,0 +1,31 @@
+#pragma once
+
+/// Kinds of input that nodes can receive. The window sends MOUSE_CLICK only; the others are for
+/// nodes' own use.
+enum USER_EVENT {
+    MOUSE_MOVE,
+    MOUSE_DRAG,
+    MOUSE_CLICK,
+    MOUSE_WHEEL,
+};
+
+/// An input event on its way through the scene graph.
+class UserEvent {
+public:
+    USER_EVENT eventType;
+
+    /// For MOUSE_CLICK: [0] x and [1] y of the pointer in window pixels, origin at the top left,
+    /// [2] the window's zoom factor. The other elements are not set.
+    float eventData[10];
+
+    /// Sets nothing.
+    UserEvent() = default;
+
+    /// Sets the kind only.
+    explicit UserEvent(USER_EVENT type) : eventType(type) {}
+
+    USER_EVENT getEventType() const { return eventType; }
+
+    /// \return a pointer to the ten floats
+    float* getEventData() { return eventData; }
+};
