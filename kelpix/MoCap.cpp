@@ -9,6 +9,7 @@
 #include <cstring>
 #include <filesystem>
 #include <limits>
+#include <new>
 
 namespace {
 
@@ -83,6 +84,12 @@ Vec3 readVector(std::FILE* file, Word& word)
     return {x, y, z};
 }
 
+[[noreturn]] void stop(const char* message)
+{
+    std::puts(message);
+    std::exit(0);
+}
+
 /// Reads all records of a data file into the series from \p list[first] on; what has no entry in
 /// the list is dropped.
 /// \return the number of records, at least 1
@@ -139,8 +146,7 @@ int MoCap::read(const char* indexPath)
     Word word{};
     readWord(index, word);
     if (std::strcmp(word.data(), "MOCAP") != 0) {
-        std::puts("No MOCAP specified!");
-        std::exit(0);
+        stop("No MOCAP specified!");
     }
 
     int numFiles = 0;
@@ -155,13 +161,17 @@ int MoCap::read(const char* indexPath)
         std::printf("Loading mocap file %d, %s\n", f, path.data());
         std::FILE* const file = openFile(path.data());
         if (file == nullptr) {
-            std::printf("Couldn't read file.\n");
-            std::exit(0);
+            stop("Couldn't read file.");
         }
-        for (std::size_t k = 0; k < kept; ++k) {
-            sensorDataList.push_back(new SensorData);
+        int records = 0;
+        try {
+            for (std::size_t k = 0; k < kept; ++k) {
+                sensorDataList.push_back(new SensorData);
+            }
+            records = readRecords(file, sensorDataList, kept * static_cast<std::size_t>(f));
+        } catch (const std::bad_alloc&) {
+            stop("Couldn't read file.");
         }
-        const int records = readRecords(file, sensorDataList, kept * static_cast<std::size_t>(f));
         std::printf("File %s has %d lines.\n", path.data(), records);
         std::fclose(file);
     }

@@ -48,7 +48,7 @@ std::size_t expectedBytes(const char* path, ogg_int64_t samples, int channels)
 }
 
 /// Appends the whole stream to \p out.
-/// \return false when the stream is damaged or memory runs out
+/// \return false when the stream is damaged
 bool decode(OggVorbis_File& file, std::vector<char>& out)
 {
     constexpr int LITTLE_ENDIAN_ORDER = 0;
@@ -62,11 +62,7 @@ bool decode(OggVorbis_File& file, std::vector<char>& out)
         if (count <= 0) {
             return count == 0;
         }
-        try {
-            out.insert(out.end(), chunk, chunk + count);
-        } catch (const std::bad_alloc&) {
-            return false;
-        }
+        out.insert(out.end(), chunk, chunk + count);
     }
 }
 
@@ -139,8 +135,13 @@ void OggSound::loadOGG(const char* path, std::vector<char>& out, int& format, un
     format = channels == 1 ? AL_FORMAT_MONO16 : AL_FORMAT_STEREO16;
     freq = info == nullptr ? 0 : static_cast<unsigned>(info->rate);
 
-    out.reserve(out.size() + expectedBytes(path, numSamples, channels));
-    const bool complete = decode(vorbisFile, out);
+    bool complete = false;
+    try {
+        out.reserve(out.size() + expectedBytes(path, numSamples, channels));
+        complete = decode(vorbisFile, out);
+    } catch (const std::bad_alloc&) {
+        // A track that memory cannot hold ends like a damaged one.
+    }
     ov_clear(&vorbisFile);
     if (!complete) {
         fail("Error decoding ", path, "...");
