@@ -1,0 +1,207 @@
+#include "MoCap.h"
+
+#include <FL/Fl.H>
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <limits>
+#include <new>
+
+namespace {
+
+constexpr int MAX_SENSORS_PER_FILE = 4096;
+
+/// A word of a file, terminated. It fits every path that can be opened.
+using Word = std::array<char, 4096>;
+
+/// Opens \p path for reading. Null for a pipe or a device, which might keep its reader waiting; a
+/// directory opens and reads as an empty file.
+std::FILE* openFile(const char* path)
+{
+    std::error_code error;
+    const std::filesystem::file_status status = std::filesystem::status(path, error);
+    if (!is_regular_file(status) && !is_directory(status)) {
+        return nullptr;
+    }
+    return std::fopen(path, "r");
+}
+
+bool isSpace(int c)
+{
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+/// Skips white space. \return the first character after it, or EOF
+int skipSpace(std::FILE* file)
+{
+    int c = getc_unlocked(file);
+    while (isSpace(c)) {
+        c = getc_unlocked(file);
+    }
+    return c;
+}
+
+/// Reads as fscanf(file, "%s\n", word) does, but keeps only what fits: one word, then all white
+/// space that follows, so that the file is at its end right after its last word. At the end of the
+/// file (a null one too) the word stays as it was.
+/// \return whether there was a word
+bool readWord(std::FILE* file, Word& word)
+{
+    if (file == nullptr) {
+        return false;
+    }
+    int c = skipSpace(file);
+    if (c == EOF) {
+        return false;
+    }
+    std::size_t length = 0;
+    while (c != EOF && !isSpace(c)) {
+        if (length < word.size() - 1) {
+            word[length++] = static_cast<char>(c);
+        }
+        c = getc_unlocked(file);
+    }
+    word[length] = '\0';
+    std::ungetc(skipSpace(file), file);
+    return true;
+}
+
+float readNumber(std::FILE* file, Word& word)
+{
+    readWord(file, word);
+    return static_cast<float>(std::atof(word.data()));
+}
+
+Vec3 readVector(std::FILE* file, Word& word)
+{
+    const float x = readNumber(file, word);
+    const float y = readNumber(file, word);
+    const float z = readNumber(file, word);
+    return {x, y, z};
+}
+
+[[noreturn]] void stop(const char* message)
+{
+    std::puts(message);
+    std::exit(0);
+}
+
+/// Reads all records of a data file into the series from \p list[first] on; what has no entry in
+/// the list is dropped.
+/// \return the number of records, at least 1
+int readRecords(std::FILE* file, const std::vector<SensorData*>& list, std::size_t first)
+{
+    // Every record has three sensors, whatever the index says.
+    constexpr std::size_t RECORDED_SENSORS = 3;
+    constexpr int IGNORED_WORDS = 6;
+    Word word{};
+    int records = 0;
+    while (std::feof(file) == 0 && std::ferror(file) == 0) {
+        const float time = readNumber(file, word);
+        for (std::size_t k = 0; k < RECORDED_SENSORS; ++k) {
+            const Vec3 pos = readVector(file, word);
+            const Vec3 ori = readVector(file, word);
+            if (first + k < list.size()) {
+                SensorData& series = *list[first + k];
+                series.timestep.push_back(time);
+                series.pos.push_back(new Vec3(pos));
+                series.ori.push_back(new Vec3(ori));
+            }
+        }
+        for (int i = 0; i < IGNORED_WORDS; ++i) {
+            readWord(file, word);
+        }
+        ++records;
+    }
+    return records;
+}
+
+} // namespace
+
+SensorData::~SensorData()
+{
+    for (const Vec3* v : pos) {
+        delete v;
+    }
+    for (const Vec3* v : ori) {
+        delete v;
+    }
+}
+
+MoCap::~MoCap()
+{
+    Fl::remove_timeout(dataTimer, this);
+    for (const SensorData* series : sensorDataList) {
+        delete series;
+    }
+}
+
+int MoCap::read(const char* indexPath)
+{
+    std::FILE* const index = indexPath == nullptr ? nullptr : openFile(indexPath);
+    Word word{};
+    readWord(index, word);
+    if (std::strcmp(word.data(), "MOCAP") != 0) {
+        stop("No MOCAP specified!");
+    }
+
+    int numFiles = 0;
+    int sensorsPerFile = 0;
+    std::fscanf(index, "%d %d\n", &numFiles, &sensorsPerFile);
+    std::printf("%d mocap datafile, picking %d sensors only.\n", numFiles, sensorsPerFile);
+    const auto kept = static_cast<std::size_t>(std::clamp(sensorsPerFile, 0, MAX_SENSORS_PER_FILE));
+
+    for (int f = 0; f < numFiles; ++f) {
+        Word path{};
+        readWord(index, path);
+        std::printf("Loading mocap file %d, %s\n", f, path.data());
+        std::FILE* const file = openFile(path.data());
+        if (file == nullptr) {
+            stop("Couldn't read file.");
+        }
+        int records = 0;
+        try {
+            for (std::size_t k = 0; k < kept; ++k) {
+                sensorDataList.push_back(new SensorData);
+            }
+            records = readRecords(file, sensorDataList, kept * static_cast<std::size_t>(f));
+        } catch (const std::bad_alloc&) {
+            stop("Couldn't read file.");
+        }
+        std::printf("File %s has %d lines.\n", path.data(), records);
+        std::fclose(file);
+    }
+    std::fclose(index);
+
+    step = 0;
+    numSteps = sensorDataList.empty() ? 0 : std::numeric_limits<int>::max();
+    for (const SensorData* series : sensorDataList) {
+        numSteps = std::min(numSteps, static_cast<int>(series->pos.size()));
+    }
+    // The message names the list and gives the steps: deliberate, readers of the log know it so.
+    std::printf("\n\nsize of sensorDataList = %d\n\n", numSteps);
+    return 1;
+}
+
+int MoCap::stepAt(int numSteps, float fraction)
+{
+    const float position = static_cast<float>(numSteps) * fraction;
+    const double rounded = std::ceil(static_cast<double>(position));
+    const bool fits =
+        rounded >= std::numeric_limits<int>::min() && rounded <= std::numeric_limits<int>::max();
+    return fits ? static_cast<int>(rounded) : 0;
+}
+
+void dataTimer(void* arg)
+{
+    if (arg != nullptr) {
+        MoCap& mocap = *static_cast<MoCap*>(arg);
+        const float fraction = mocap.sound == nullptr ? 0 : mocap.sound->getPlaybackOffset();
+        mocap.step = MoCap::stepAt(mocap.numSteps, fraction);
+    }
+    Fl::repeat_timeout(1.0 / 90.0, dataTimer, arg);
+}

@@ -1,0 +1,195 @@
+#include "TileConfig.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <deque>
+#include <filesystem>
+#include <unistd.h>
+
+namespace {
+
+/// Holds every record that was ever read. Records are never freed, since users keep pointers to
+/// them; a deque leaves its elements where they are as it grows.
+struct Records {
+    std::deque<Cluster> clusters;
+    std::deque<ClusterNode> nodes;
+    std::deque<WindowEntity> windows;
+    std::deque<CameraEntity> cameras;
+};
+
+Records& records()
+{
+    static auto* const all = new Records;
+    return *all;
+}
+
+/// Opens \p path for reading. Null for anything but a regular file: a pipe or a device might keep
+/// its reader waiting.
+std::FILE* openFile(const char* path)
+{
+    std::error_code error;
+    if (path == nullptr || !std::filesystem::is_regular_file(path, error)) {
+        return nullptr;
+    }
+    return std::fopen(path, "r");
+}
+
+bool isSpace(int c)
+{
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+/// Reads one word as fscanf's "%s" does, but keeps only its first 31 characters. Without a word
+/// \p word stays as it was.
+/// \return whether there was a word
+bool readWord(std::FILE* file, char (&word)[32])
+{
+    int c = std::getc(file);
+    while (isSpace(c)) {
+        c = std::getc(file);
+    }
+    if (c == EOF) {
+        return false;
+    }
+    std::size_t length = 0;
+    while (c != EOF && !isSpace(c)) {
+        if (length < sizeof word - 1) {
+            word[length++] = static_cast<char>(c);
+        }
+        c = std::getc(file);
+    }
+    word[length] = '\0';
+    return true;
+}
+
+bool readKeyword(std::FILE* file, const char* keyword)
+{
+    char word[32];
+    return readWord(file, word) && std::strcmp(word, keyword) == 0;
+}
+
+bool readNumber(std::FILE* file, int& value)
+{
+    return std::fscanf(file, "%d", &value) == 1;
+}
+
+bool readNumber(std::FILE* file, float& value)
+{
+    return std::fscanf(file, "%f", &value) == 1;
+}
+
+/// Reads a keyword and the numbers after it. Numbers that cannot be read stay as they were.
+/// \return false when the keyword is wrong or missing; so do all functions below
+template<typename Number, std::size_t COUNT>
+bool readField(std::FILE* file, const char* keyword, Number (&values)[COUNT])
+{
+    if (!readKeyword(file, keyword)) {
+        return false;
+    }
+    for (std::size_t i = 0; i < COUNT && readNumber(file, values[i]); ++i) {
+    }
+    return true;
+}
+
+bool readCamera(std::FILE* file, CameraEntity& camera)
+{
+    return readField(file, "Rectangle", camera.rectangle) &&
+           readField(file, "Offset", camera.offset);
+}
+
+bool readWindow(std::FILE* file, WindowEntity& window)
+{
+    int count[1] = {};
+    if (!readField(file, "Map", window.mapping) || !readField(file, "Location", window.location) ||
+        !readField(file, "Cameras", count)) {
+        return false;
+    }
+    for (int i = 0; i < count[0]; ++i) {
+        CameraEntity& camera = records().cameras.emplace_back();
+        if (!readCamera(file, camera)) {
+            return false;
+        }
+        window.cList.push_back(&camera);
+    }
+    return true;
+}
+
+bool readNode(std::FILE* file, ClusterNode& node)
+{
+    int count[1] = {};
+    if (!readKeyword(file, "Node") || !readKeyword(file, "Hostname") ||
+        !readWord(file, node.hostname) || !readField(file, "Windows", count)) {
+        return false;
+    }
+    for (int i = 0; i < count[0]; ++i) {
+        WindowEntity& window = records().windows.emplace_back();
+        if (!readWindow(file, window)) {
+            return false;
+        }
+        node.wList.push_back(&window);
+    }
+    return true;
+}
+
+/// Reads all that follows the word "Cluster".
+bool readCluster(std::FILE* file, Cluster& cluster)
+{
+    int count[1] = {};
+    if (!readField(file, "TileMap", cluster.tilemap) ||
+        !readField(file, "Mullions", cluster.mullions) || !readField(file, "Nodes", count)) {
+        return false;
+    }
+    for (int i = 0; i < count[0]; ++i) {
+        ClusterNode& node = records().nodes.emplace_back();
+        if (!readNode(file, node)) {
+            return false;
+        }
+        cluster.nList.push_back(&node);
+    }
+    return true;
+}
+
+} // namespace
+
+int TileConfig::readDisplayCfg(const char* path)
+{
+    std::FILE* const file = openFile(path);
+    if (file == nullptr) {
+        return -1;
+    }
+    bool complete = false;
+    if (readKeyword(file, "Cluster")) {
+        cluster = &records().clusters.emplace_back();
+        complete = readCluster(file, *cluster);
+    }
+    std::fclose(file);
+    if (!complete) {
+        return -1;
+    }
+    cfgNode();
+    return 0;
+}
+
+void TileConfig::cfgNode()
+{
+    thisNode = nullptr;
+    char name[32] = {};
+    gethostname(name, sizeof name);
+    name[sizeof name - 1] = '\0';
+    std::printf("This node's hostname: %s\n", name);
+
+    if (cluster != nullptr) {
+        for (ClusterNode* node : cluster->nList) {
+            if (std::strcmp(node->hostname, name) == 0) {
+                thisNode = node;
+                break;
+            }
+        }
+    }
+    if (thisNode == nullptr) {
+        std::printf("No information for this node!\n");
+        std::exit(0);
+    }
+    std::printf("cfg for %s identified!\n", name);
+}
