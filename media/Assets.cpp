@@ -1,0 +1,31 @@
+#include "Assets.h"
+
+#include "Bubble.h"
+#include "Bubbles.h"
+#include "Cube.h"
+#include "Dance.h"
+#include "Fish.h"
+#include "Font.h"
+#include "Squid.h"
+#include "Voice.h"
+#include "Water.h"
+
+namespace media {
+
+const std::vector<Asset>& assets()
+{
+    static const std::vector<Asset> table = {
+        {"voice", "sound/magpie_vocal.ogg, the song and the scene's clock", makeVoice},
+        {"water", "data/underwater.jpg, the picture behind everything", makeWater},
+        {"bubbles", "sound/bubbles_sound.ogg, the loop beneath the song", makeBubbles},
+        {"dance", "data/mocap.txt and its two recordings, the figures' paths", makeDance},
+        {"squid", "data/squid.png, the creature's picture", makeSquid},
+        {"fish", "data/fish0.png, the sprite of every fish", makeFish},
+        {"bubble", "data/bubble.png, the sprite of every bubble", makeBubble},
+        {"cube", "data/cube.obj, its materials and its map", makeCube},
+        {"font", "fonts/ChalkboardBold.ttf and its licence", makeFont},
+    };
+    return table;
+}
+
+} // namespace media

@@ -1,0 +1,42 @@
+#include "Cube.h"
+
+#include "Encode.h"
+
+namespace media {
+
+namespace {
+
+constexpr const char* OBJ = "# a cube of edge 1 around the origin\n"
+                            "mtllib cube.mtl\n"
+                            "v -0.5 -0.5 0.5\nv 0.5 -0.5 0.5\nv 0.5 0.5 0.5\nv -0.5 0.5 0.5\n"
+                            "v -0.5 -0.5 -0.5\nv 0.5 -0.5 -0.5\nv 0.5 0.5 -0.5\nv -0.5 0.5 -0.5\n"
+                            "vt 0 0\nvt 1 0\nvt 1 1\nvt 0 1\n"
+                            "vn 0 0 1\nvn 0 0 -1\nvn 1 0 0\nvn -1 0 0\nvn 0 1 0\nvn 0 -1 0\n"
+                            "usemtl coral\n"
+                            "f 1/1/1 2/2/1 3/3/1 4/4/1\n"
+                            "f 6/1/2 5/2/2 8/3/2 7/4/2\n"
+                            "f 2/1/3 6/2/3 7/3/3 3/4/3\n"
+                            "f 5/1/4 1/2/4 4/3/4 8/4/4\n"
+                            "f 4/1/5 3/2/5 7/3/5 8/4/5\n"
+                            "f 5/1/6 6/2/6 2/3/6 1/4/6\n";
+
+// The reader goes on until the end of a map's line, so nothing may follow the file name.
+constexpr const char* MTL = "newmtl coral\n"
+                            "Ka 0.2 0.2 0.2\n"
+                            "Kd 0.9 0.9 0.9\n"
+                            "Ks 0.3 0.3 0.3\n"
+                            "Ns 16\n"
+                            "map_Kd cube.png\n";
+
+} // namespace
+
+std::vector<File> makeCube(const Request&)
+{
+    Canvas canvas(64, 64);
+    canvas.paint(4, [](Point p) { return mix(rgb(255, 120, 90), rgb(255, 210, 160), p.y); });
+    return {{"data/cube.obj", OBJ, "6 faces"},
+            {"data/cube.mtl", MTL, "1 material"},
+            {"data/cube.png", encodePng(canvas.toRgb()), "64 x 64"}};
+}
+
+} // namespace media

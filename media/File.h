@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace media {
+
+/// What the user asked for. The defaults make the set that the scene plays.
+struct Request {
+    std::uint64_t seed = 1;
+    int waterSize = 1024; ///< pixels, a power of two
+    int seconds = 120;    ///< the length of the voice and of the dance
+    std::filesystem::path font;
+    std::filesystem::path fontLicense;
+};
+
+/// One file of the set, finished in memory. What an asset makes depends on its request alone.
+struct File {
+    std::string name;    ///< below the set's folder, "data/fish0.png"
+    std::string bytes;   ///< the whole content
+    std::string summary; ///< a few words for the progress line
+};
+
+} // namespace media

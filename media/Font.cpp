@@ -1,0 +1,35 @@
+#include "Font.h"
+
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+
+namespace media {
+
+namespace {
+
+std::string readFile(const std::filesystem::path& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream content;
+    if (!file || !(content << file.rdbuf())) {
+        throw std::runtime_error("cannot read " + path.string());
+    }
+    return content.str();
+}
+
+} // namespace
+
+std::vector<File> makeFont(const Request& request)
+{
+    // FreeType looks at the content, so an OpenType font may bear the name that the scene opens.
+    std::vector<File> files{
+        {"fonts/ChalkboardBold.ttf", readFile(request.font), request.font.filename().string()}};
+    if (!request.fontLicense.empty()) {
+        files.push_back({"fonts/ChalkboardBold.LICENSE.txt", readFile(request.fontLicense),
+                         "the font's licence"});
+    }
+    return files;
+}
+
+} // namespace media
