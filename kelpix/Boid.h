@@ -26,21 +26,21 @@ enum BOID_COLLISION_MODE { HARDBOUNCE, BOUNCE, SOFT };
 /// and in which order, is part of the behaviour.
 class Boid final : public Node {
 public:
-    Vec3 pos;                 ///< world units, from the transform at the start of each update
-    Vec3 vel;                 ///< units of the boid's scaled frame per update
-    Vec3 orientation;         ///< velocity of the last update, not normalised: what the sprite shows
-    Vec3 flockCenter;         ///< last centre of the flockmates, world units
+    Vec3 pos;         ///< world units, from the transform at the start of each update
+    Vec3 vel;         ///< units of the boid's scaled frame per update
+    Vec3 orientation; ///< velocity of the last update, not normalised: what the sprite shows
+    Vec3 flockCenter; ///< last centre of the flockmates, world units
     std::vector<Node*>* obstacleList = nullptr; ///< not used
     std::vector<Node*>* sensorList = nullptr;   ///< borrows; Sensors, set by the creator
     BOID_TYPE type = BOID_FISH;                 ///< set by the creator
     BBox bbox;                                  ///< not used
     bool initialized = false;
-    float searchRadius = 0;     ///< how far a neighbour may be, world units
-    int boidId = 0;             ///< fish 0..99, every bubble 10; set by the creator
-    Bucket* myBucket = nullptr; ///< borrows; the grid cell it is registered in, or null
-    Boider* boider = nullptr;   ///< owns; the sprite, also its child
-    BOID_MODE mode = NOMODE;    ///< not read: the pull of the sensors is always on
-    bool outOfBound = false;    ///< it has left the grid
+    float searchRadius = 0;       ///< how far a neighbour may be, world units
+    int boidId = 0;               ///< fish 0..99, every bubble 10; set by the creator
+    Bucket* myBucket = nullptr;   ///< borrows; the grid cell it is registered in, or null
+    Boider* boider = nullptr;     ///< owns; the sprite, also its child
+    BOID_MODE mode = NOMODE;      ///< not read: the pull of the sensors is always on
+    bool outOfBound = false;      ///< it has left the grid
     Texture* bubbleTex = nullptr; ///< borrows; the sprite's texture, of fish and bubbles alike
     int counter = 0;              ///< phase of the bubble's outline, advanced by draw
 

@@ -10,9 +10,10 @@ class Node;
 /// One cell of the grid: the boids that are in it now.
 class Bucket {
 public:
-    int index[2] = {};          ///< column and row of this cell
-    std::vector<Node*> boidList; ///< borrows Boids; a vacated slot holds null, the list never shrinks
-    NodeStack nullboids;        ///< vacated slots of boidList, which add fills again
+    int index[2] = {}; ///< column and row of this cell
+    std::vector<Node*>
+        boidList;        ///< borrows Boids; a vacated slot holds null, the list never shrinks
+    NodeStack nullboids; ///< vacated slots of boidList, which add fills again
 
     Bucket() = default;
     Bucket(int x, int y) : index{x, y} {}
@@ -36,8 +37,9 @@ public:
 /// are world coordinates times 10.
 class BucketIndex {
 public:
-    float extents[4] = {};    ///< min x, min y, max x, max y in cells: 0, 0, columns, rows
-    Bucket** index = nullptr; ///< owns columns * rows cells; column c of row r at r * extents[3] + c
+    float extents[4] = {}; ///< min x, min y, max x, max y in cells: 0, 0, columns, rows
+    Bucket** index =
+        nullptr; ///< owns columns * rows cells; column c of row r at r * extents[3] + c
 
     BucketIndex() = default;
     BucketIndex(const BucketIndex&) = delete;

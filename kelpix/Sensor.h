@@ -13,16 +13,16 @@ class SensorRep;
 /// right, sensor 2 to the left. Lengths are world units.
 class Sensor final : public Node {
 public:
-    Vec3 pos;                ///< position of this update, before the speed limit
-    Vec3 pos_old;            ///< pos of the update before
-    Vec3 vel;                ///< movement since then, each component within 0.15
-    Vec3 orientation;        ///< (0, 1, 0), not used
-    MoCap* mocap = nullptr;  ///< borrows; set by the creator
-    int sensorId = 0;        ///< which of the recording's series, 0, 1 or 2; set by the creator
-    float tilt[2];           ///< lower and upper limit of the tilt, degrees
-    float current_tilt = 0;  ///< tilt of the body, degrees; one step beyond a limit at most
+    Vec3 pos;               ///< position of this update, before the speed limit
+    Vec3 pos_old;           ///< pos of the update before
+    Vec3 vel;               ///< movement since then, each component within 0.15
+    Vec3 orientation;       ///< (0, 1, 0), not used
+    MoCap* mocap = nullptr; ///< borrows; set by the creator
+    int sensorId = 0;       ///< which of the recording's series, 0, 1 or 2; set by the creator
+    float tilt[2];          ///< lower and upper limit of the tilt, degrees
+    float current_tilt = 0; ///< tilt of the body, degrees; one step beyond a limit at most
     bool initialized = false;
-    SensorRep* rep;          ///< the body, also its child, which owns it
+    SensorRep* rep; ///< the body, also its child, which owns it
 
     /// Makes the body, and a small random velocity from two numbers of rand().
     Sensor();

@@ -214,8 +214,7 @@ void SensorRep::doupdate()
     }
     const double vx = static_cast<double>(vel->x);
     const double vy = static_cast<double>(vel->y);
-    tentacle.push_front(
-        new Vertex{static_cast<float>(-0.2 * vx), static_cast<float>(-0.05 * vy)});
+    tentacle.push_front(new Vertex{static_cast<float>(-0.2 * vx), static_cast<float>(-0.05 * vy)});
     cos_curve.push_front(static_cast<float>(0.025 * std::cos(rad)));
     sin_curve.push_front(static_cast<float>(0.025 * std::sin(rad)));
 

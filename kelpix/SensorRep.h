@@ -18,14 +18,14 @@ public:
     Vec3* vel = nullptr;     ///< borrows; the sensor's velocity, set by the sensor
     unsigned sensorGeom = 0; ///< display list of a small square, made but not drawn
     bool initialized = false;
-    float degree = 0;              ///< phase of the tentacles' wave, 0 to below 360 degrees
-    std::list<Vertex*> tentacle;   ///< owns; newest first, at most 24
-    std::list<float> cos_curve;    ///< the wave at the time each point was added
-    std::list<float> sin_curve;    ///< likewise; the three lists have the same length
-    int baseAnimFrames = 0;        ///< frames of the body: 240
-    int counter = 0;               ///< the next frame to draw, 0..239
-    unsigned* baseAnim = nullptr;  ///< owns; the display list of each frame
-    float pre_angle = 0;           ///< not used
+    float degree = 0;             ///< phase of the tentacles' wave, 0 to below 360 degrees
+    std::list<Vertex*> tentacle;  ///< owns; newest first, at most 24
+    std::list<float> cos_curve;   ///< the wave at the time each point was added
+    std::list<float> sin_curve;   ///< likewise; the three lists have the same length
+    int baseAnimFrames = 0;       ///< frames of the body: 240
+    int counter = 0;              ///< the next frame to draw, 0..239
+    unsigned* baseAnim = nullptr; ///< owns; the display list of each frame
+    float pre_angle = 0;          ///< not used
 
     SensorRep() = default;
 

@@ -21,7 +21,9 @@ namespace {
 
 freetype::font_data our_font;
 
-void drawCallback(Window*) {}
+void drawCallback(Window*)
+{
+}
 
 OggSound* loadSound(const char* path)
 {

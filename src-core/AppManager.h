@@ -35,5 +35,6 @@ public:
 /// Timer callback: Window::idle of the Window \p w (null: nothing), then re-arms itself.
 void timerIdle(void* w);
 
-/// Timer callback: asks the toolkit to repaint the Window \p w (null: nothing), then re-arms itself.
+/// Timer callback: asks the toolkit to repaint the Window \p w (null: nothing), then re-arms
+/// itself.
 void timerRedraw(void* w);

@@ -30,9 +30,9 @@ enum RTTI_NODE_TYPE {
 
 /// The base of everything that lives in the scene.
 ///
-/// A node has a local transform (object frame to its parent's frame; column-major, see Matrix.h), an
-/// ordered list of children and a life flag. SceneGraph walks the tree from the root: each frame it
-/// multiplies the node's transform into GL's modelview matrix and calls cull, in which a visible
+/// A node has a local transform (object frame to its parent's frame; column-major, see Matrix.h),
+/// an ordered list of children and a life flag. SceneGraph walks the tree from the root: each frame
+/// it multiplies the node's transform into GL's modelview matrix and calls cull, in which a visible
 /// node draws itself; each tick it calls update; each input event goes to userEvent.
 ///
 /// Nodes are made with new and belong to nobody, until they call die: the next draw walk that

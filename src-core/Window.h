@@ -19,18 +19,18 @@ struct font_data;
 /// to be current; the toolkit sees to that.
 class Window : public Fl_Gl_Window {
 public:
-    int frames = 0;                            ///< frames drawn since the last sample
-    float fps = 0;                             ///< frames drawn in the last whole second
-    float offset[2] = {};                      ///< projection offset, see Camera::ortho2D
-    float pscale = 1;                          ///< zoom factor of the view, 1 = unzoomed
-    freetype::font_data* our_font = nullptr;   ///< borrows; made ready together with the GL context
-    int MOUSE[2] = {};                         ///< last pointer position, window pixels, top left 0
-    Render render;                             ///< the scene shown and the camera
-    int windowId;                              ///< only window 1 updates its scene
-    int height;                                ///< pixels, at construction
-    int width;                                 ///< pixels, at construction
-    int origin[2];                             ///< x and y on the screen, at construction
-    void (*drawcallback)(Window*) = nullptr;   ///< called after each frame unless null
+    int frames = 0;                          ///< frames drawn since the last sample
+    float fps = 0;                           ///< frames drawn in the last whole second
+    float offset[2] = {};                    ///< projection offset, see Camera::ortho2D
+    float pscale = 1;                        ///< zoom factor of the view, 1 = unzoomed
+    freetype::font_data* our_font = nullptr; ///< borrows; made ready together with the GL context
+    int MOUSE[2] = {};                       ///< last pointer position, window pixels, top left 0
+    Render render;                           ///< the scene shown and the camera
+    int windowId;                            ///< only window 1 updates its scene
+    int height;                              ///< pixels, at construction
+    int width;                               ///< pixels, at construction
+    int origin[2];                           ///< x and y on the screen, at construction
+    void (*drawcallback)(Window*) = nullptr; ///< called after each frame unless null
 
     /// Makes the window without showing it; prints "Loading...\n" and starts the frame-rate timer.
     /// \param id   1 for the window that updates the scene
