@@ -40,7 +40,9 @@ void Camera::setProjection(int w, int h)
         gluPerspective(60, static_cast<double>(aspect), 0.01, 100);
     } else {
         eye[2] = 0;
-        glOrtho(-w, w, -h, h, -100, 100);
+        const double right = w;
+        const double top = h;
+        glOrtho(-right, right, -top, top, -100, 100);
     }
 }
 
