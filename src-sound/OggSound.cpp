@@ -96,6 +96,8 @@ void OggSound::initAL(int* argc, char** argv)
 
 void OggSound::exitAL()
 {
+    // alutExit closes nothing while an error is pending, and cleanUp leaves one behind.
+    alGetError();
     alutExit();
 }
 
