@@ -322,7 +322,7 @@ TEST(ImageJPEGTest, AnErrorBehindThePixelsKeepsThem)
     const Bytes expected = readJpeg(path).bottomUp();
     Bytes file = path.read();
     // A second frame header where the end of the picture should be.
-    file.resize(file.size() - 2);
+    file.erase(file.end() - 2, file.end());
     const Bytes frame = {0xFF, 0xC0, 0, 11, 8, 0, 4, 0, 5, 1, 1, 0x11, 0};
     file.insert(file.end(), frame.begin(), frame.end());
     path.write(file);

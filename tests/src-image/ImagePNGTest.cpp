@@ -165,7 +165,7 @@ TEST(ImagePNGTest, ThePixelsAreCheckedBeforeTheColourType)
     const TempPath path(".png");
     writePng(path, 2, 2, PNG_COLOR_TYPE_PALETTE, 8, {0, 1, 2, 3});
     Bytes file = path.read();
-    file.resize(file.size() - 12); // without the end chunk
+    file.erase(file.end() - 12, file.end()); // the end chunk
     path.write(file);
     ImagePNG image;
     const Outcome outcome = read(image, path.name());
