@@ -85,10 +85,10 @@ std::vector<Touch> Stroke::touch(int width, int height, float softness) const
                 const float half = mix(a.halfWidth, b.halfWidth, t);
                 Nearest& known = at(x, y);
                 if (away - half < known.outside) {
-                    const float side = way.x * from.y - way.y * from.x > 0 ? 1.0f : -1.0f;
+                    const float aside = (way.x * from.y - way.y * from.x) / std::sqrt(square);
                     known = {away - half,
                              (static_cast<float>(i) + t) / static_cast<float>(segments),
-                             side * std::min(away / std::max(half, 1e-6f), 1.0f)};
+                             std::clamp(aside / std::max(half, 1e-6f), -1.0f, 1.0f)};
                 }
             }
         }
