@@ -38,9 +38,9 @@ protected:
     /// A texture lives until the program ends, and so does what it loads.
     static Texture* newTexture(const char* name, IMAGE_TYPE format)
     {
-        static std::vector<Texture*> textures;
-        textures.push_back(new Texture(name, format));
-        return textures.back();
+        static auto* const textures = new std::vector<Texture*>;
+        textures->push_back(new Texture(name, format));
+        return textures->back();
     }
 
     static Loaded load(const char* name, IMAGE_TYPE format)
