@@ -39,7 +39,7 @@ Color Light::water(Point p) const
     const float side = std::abs(p.x - SUN.x);
     c = lit(c, 1.0f - 0.55f * smoothstep(0.1f, 0.75f, side) * smoothstep(1.0f, 0.1f, p.y) -
                    0.10f * side);
-    return screen(c, Color{0.14f, 0.50f, 0.44f, 0} * glow);
+    return screen(c, Color{0.04f, 0.50f, 0.44f, 0} * glow);
 }
 
 float Light::shafts(Point p) const
@@ -82,7 +82,7 @@ Color Light::surface(Point p) const
     const float near = smoothstep(0.01f, 0.10f, height);
     const float sun = 0.35f + 0.65f * bump(p.x, SUN.x, 0.42f);
     const float strength = near * sun;
-    return Color{0.16f, 0.46f, 0.42f, 0} *
+    return Color{0.08f, 0.52f, 0.48f, 0} *
                (strength * (net * 0.9f + smoothstep(0.4f, 0.8f, swell) * 0.55f)) +
            Color{0.05f, 0.22f, 0.22f, 0} * (-0.6f * strength * smoothstep(0.55f, 0.25f, swell));
 }
