@@ -48,8 +48,8 @@ Color bubbleAt(Point q)
     c = cover(c, {WARM, 0.85f * far});
     // The sun itself, and its mirror image inside.
     const Point sun = turned(q - Point{-0.42f, -0.49f}, -0.72f);
-    c = cover(c,
-              {rgb(255, 255, 255), 1.25f * bump(length({sun.x * 0.70f, sun.y * 1.35f}), 0, 0.155f)});
+    c = cover(
+        c, {rgb(255, 255, 255), 1.25f * bump(length({sun.x * 0.70f, sun.y * 1.35f}), 0, 0.155f)});
     c = cover(c, {rgb(255, 255, 255), 0.95f * bump(length(q - Point{0.34f, 0.50f}), 0, 0.085f)});
     return c;
 }
