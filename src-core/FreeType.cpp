@@ -247,8 +247,7 @@ void make_dlist(FT_Face face, char ch, GLuint list_base, const GLuint* tex_base)
     const auto rows = static_cast<int>(bitmap.rows);
     const int width = next_p2(columns);
     const int height = next_p2(rows);
-    const std::vector<unsigned char> coverage = coverageOf(face->glyph->library, bitmap);
-    uploadGlyph(tex_base[character], expand_bitmap(coverage.data(), columns, rows), width, height);
+    uploadGlyph(tex_base[character], expand_bitmap(face->glyph->library, bitmap), width, height);
 
     glNewList(list_base + character, GL_COMPILE);
     glBindTexture(GL_TEXTURE_2D, tex_base[character]);
@@ -264,18 +263,18 @@ void make_dlist(FT_Face face, char ch, GLuint list_base, const GLuint* tex_base)
     glEndList();
 }
 
-std::vector<unsigned char> expand_bitmap(const unsigned char* bitmap, int width, int rows)
+std::vector<unsigned char> expand_bitmap(FT_Library library, const FT_Bitmap& bitmap)
 {
-    const auto columns = static_cast<std::size_t>(std::max(width, 0));
-    const auto textureWidth = static_cast<std::size_t>(next_p2(width));
-    const auto textureHeight = static_cast<std::size_t>(next_p2(rows));
-    std::vector<unsigned char> image(2 * textureWidth * textureHeight);
-    for (int j = 0; j < rows; ++j) {
-        const unsigned char* in = bitmap + columns * static_cast<std::size_t>(j);
-        unsigned char* out = image.data() + 2 * textureWidth * static_cast<std::size_t>(j);
-        for (std::size_t i = 0; i < columns; ++i) {
-            out[2 * i] = in[i];
-            out[2 * i + 1] = in[i];
+    const std::vector<unsigned char> coverage = coverageOf(library, bitmap);
+    const auto width = static_cast<std::size_t>(next_p2(static_cast<int>(bitmap.width)));
+    const auto height = static_cast<std::size_t>(next_p2(static_cast<int>(bitmap.rows)));
+    std::vector<unsigned char> image(2 * width * height);
+    auto in = coverage.begin();
+    for (std::size_t j = 0; j < bitmap.rows; ++j) {
+        unsigned char* texel = image.data() + 2 * width * j;
+        for (std::size_t i = 0; i < bitmap.width; ++i) {
+            *texel++ = *in;
+            *texel++ = *in++;
         }
     }
     return image;

@@ -4,7 +4,10 @@
 
 #include <vector>
 
-struct FT_FaceRec_; // what FreeType's FT_Face points to
+// What FreeType's FT_Face, FT_Library and FT_Bitmap stand for.
+struct FT_FaceRec_;
+struct FT_LibraryRec_;
+struct FT_Bitmap_;
 
 /// Text in a font file's glyphs: one GL texture and one display list for each 7-bit character.
 ///
@@ -74,11 +77,16 @@ int next_p2(int a);
 /// \throws std::runtime_error as font_data::init
 void make_dlist(FT_FaceRec_* face, char ch, GLuint list_base, const GLuint* tex_base);
 
-/// The image of a glyph's texture: the bitmap in the corner of an image whose sides are powers of
-/// two, two bytes to a texel (luminance, alpha), both the coverage; the rest is 0. Row order stays.
-/// \param bitmap  width * rows bytes of coverage, rows not padded
+/// The image of a glyph's texture: the bitmap in the first corner of an image whose sides are
+/// powers of two, two bytes to a texel (luminance, alpha), both the coverage; the rest is 0. Row
+/// order stays: the first row is the top of the glyph. Needs no GL context.
+/// \param library  FreeType's FT_Library
+/// \param bitmap   FreeType's FT_Bitmap. Of 8-bit grey with the first row first, the rows are
+///                 taken as if they were not padded, whatever the pitch: deliberate, FreeType
+///                 renders without padding. Other kinds are converted.
 /// \return 2 * next_p2(width) * next_p2(rows) bytes
-std::vector<unsigned char> expand_bitmap(const unsigned char* bitmap, int width, int rows);
+/// \throws std::runtime_error "FT_Bitmap_Convert failed"
+std::vector<unsigned char> expand_bitmap(FT_LibraryRec_* library, const FT_Bitmap_& bitmap);
 
 /// Pushes the projection matrix and sets one of pixels: the viewport's x to its width and its y to
 /// its height (which is the viewport when that starts at the origin). Needs: current GL context.

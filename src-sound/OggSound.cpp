@@ -96,8 +96,7 @@ void OggSound::initAL(int* argc, char** argv)
 
 void OggSound::exitAL()
 {
-    // ALUT leaves the device open while an error is pending, and deleting a buffer that a source
-    // still holds, as cleanUp does, is one.
+    // alutExit closes nothing while an error is pending, and cleanUp leaves one behind.
     alGetError();
     alutExit();
 }

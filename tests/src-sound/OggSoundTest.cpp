@@ -1,8 +1,10 @@
 #include "OggSound.h"
 
+#include "EarlyExit.h"
 #include "OggFiles.h"
 #include "TempDirectory.h"
 
+#include <AL/alc.h>
 #include <chrono>
 #include <cstring>
 #include <gmock/gmock.h>
@@ -528,6 +530,21 @@ TEST_F(OggSoundTest, CleanUpLeavesAnEmptySound)
     EXPECT_EQ(alGetError(), AL_NO_ERROR);
     EXPECT_EQ(sound.getState(), 0);
     EXPECT_EQ(sound.getPlaybackOffset(), 0);
+}
+
+TEST_F(OggSoundTest, TheDeviceIsClosedAfterSoundsWereDestroyedAndForgotten)
+{
+    auto* const voice = new OggSound;
+    OggSound bubbles;
+    load(*voice, {.samples = 441000});
+    load(bubbles, {.samples = 441000});
+    voice->play();
+    bubbles.loopyPlay();
+    delete voice;
+    OggSound::exitAL();
+    EXPECT_EQ(alcGetCurrentContext(), nullptr);
+    EXPECT_EQ(bubbles.getPlaybackOffset(), 0);
+    SetUpTestSuite();
 }
 
 TEST_F(OggSoundTest, CleaningUpASoundThatWasNeverLoadedIsNoError)

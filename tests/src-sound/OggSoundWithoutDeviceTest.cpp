@@ -1,5 +1,6 @@
 #include "OggSound.h"
 
+#include "EarlyExit.h"
 #include "OggFiles.h"
 #include "TempDirectory.h"
 
