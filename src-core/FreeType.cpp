@@ -93,7 +93,7 @@ GlyphHandle renderGlyph(FT_Face face, unsigned char character)
 std::vector<unsigned char> coverageOf(FT_Library library, const FT_Bitmap& bitmap)
 {
     const std::size_t size = std::size_t{bitmap.width} * bitmap.rows;
-    if (bitmap.pixel_mode == FT_PIXEL_MODE_GRAY && bitmap.pitch >= 0) {
+    if (size == 0 || (bitmap.pixel_mode == FT_PIXEL_MODE_GRAY && bitmap.pitch >= 0)) {
         return {bitmap.buffer, bitmap.buffer + size};
     }
     const GreyBitmap grey(library, bitmap);
