@@ -93,7 +93,7 @@ GlyphHandle renderGlyph(FT_Face face, unsigned char character)
 std::vector<unsigned char> coverageOf(FT_Library library, const FT_Bitmap& bitmap)
 {
     const std::size_t size = std::size_t{bitmap.width} * bitmap.rows;
-    if (bitmap.pixel_mode == FT_PIXEL_MODE_GRAY && bitmap.pitch >= 0) {
+    if (size == 0 || (bitmap.pixel_mode == FT_PIXEL_MODE_GRAY && bitmap.pitch >= 0)) {
         return {bitmap.buffer, bitmap.buffer + size};
     }
     const GreyBitmap grey(library, bitmap);
@@ -159,8 +159,9 @@ namespace freetype {
 
 void font_data::init(const char* fname, unsigned int height)
 {
+    auto* names = new GLuint[CHARACTERS]{};
     delete[] textures;
-    textures = new GLuint[CHARACTERS]{};
+    textures = names;
     h = static_cast<float>(height);
 
     const LibraryHandle library = openLibrary();

@@ -20,11 +20,16 @@ Handle open(const char* name)
 unsigned char* allocate(std::size_t width, std::size_t height, std::size_t components,
                         std::size_t readable)
 {
-    const std::size_t bytes = width * height * std::max(components, readable);
+    const std::size_t pixels = width * height * components;
+    const std::size_t bytes = std::max(pixels, width * height * readable);
     if (bytes > MAX_BYTES) {
         return nullptr;
     }
-    return new (std::nothrow) unsigned char[bytes]();
+    auto* buffer = new (std::nothrow) unsigned char[bytes];
+    if (buffer != nullptr) {
+        std::fill(buffer + pixels, buffer + bytes, static_cast<unsigned char>(0));
+    }
+    return buffer;
 }
 
 char* copyName(const char* name)

@@ -23,9 +23,10 @@ inline constexpr std::size_t MAX_BYTES = std::size_t{1} << 30;
 ///         directory has no bytes and a pipe would block
 Handle open(const char* name);
 
-/// Allocates a pixel buffer of \p width * \p height * \p components bytes, all 0. Behind them the
-/// buffer stays readable, as zeros, up to \p readable bytes per pixel: a texture upload reads the
-/// pixels in a format that does not ask how many components there are.
+/// Allocates a pixel buffer of \p width * \p height * \p components bytes, which the reader sets:
+/// writing large pictures twice is what a reader's time would go to. Behind them the buffer stays
+/// readable, as zeros, up to \p readable bytes per pixel: a texture upload reads the pixels in a
+/// format that does not ask how many components there are.
 /// \return to be released with delete[]; null when it is larger than MAX_BYTES or memory runs out
 unsigned char* allocate(std::size_t width, std::size_t height, std::size_t components,
                         std::size_t readable);

@@ -2,6 +2,7 @@
 
 #include "ImageFile.h"
 
+#include <algorithm>
 #include <csetjmp>
 #include <cstddef>
 #include <cstdio>
@@ -59,6 +60,7 @@ struct Decompressor {
     my_error_mgr errors = {};
     jpeg_progress_mgr progress = {};
     jpeg_decompress_struct jpeg = {};
+    std::size_t unread = 0; ///< bytes at the start of the pixel buffer that no row has reached
 
     Decompressor()
     {
@@ -99,19 +101,24 @@ bool decode(Decompressor& decompressor, std::FILE* file, ImageJPEG& image)
     const std::size_t width = jpeg.output_width;
     const std::size_t height = jpeg.output_height;
     const auto components = static_cast<std::size_t>(jpeg.output_components);
-    image.w = static_cast<int>(width);
-    image.h = static_cast<int>(height);
-    image.c = static_cast<int>(components);
     image.freeBuffer();
+    image.w = image.h = image.c = 0;
     image.buffer = ImageFile::allocate(width, height, components, UPLOADED_COMPONENTS);
     if (image.buffer == nullptr) {
         ERREXIT2(&jpeg, PICTURE_TOO_LARGE, static_cast<int>(width), static_cast<int>(height));
     }
+    image.w = static_cast<int>(width);
+    image.h = static_cast<int>(height);
+    image.c = static_cast<int>(components);
 
+    // Rows go where they belong at once, the file's first row to the end of the buffer.
     const std::size_t rowStride = width * components;
+    decompressor.unread = rowStride * height;
     while (jpeg.output_scanline < height) {
-        JSAMPROW row = image.buffer + rowStride * (height - 1 - jpeg.output_scanline);
+        const std::size_t offset = decompressor.unread - rowStride;
+        JSAMPROW row = image.buffer + offset;
         jpeg_read_scanlines(&jpeg, &row, 1);
+        decompressor.unread = offset;
     }
     jpeg_finish_decompress(&jpeg);
     return true;
@@ -165,6 +172,7 @@ int ImageJPEG::read(const char* filename)
     }
     Decompressor decompressor;
     if (!decode(decompressor, file.get(), *this)) {
+        std::fill_n(buffer, decompressor.unread, static_cast<unsigned char>(0));
         return 0;
     }
     delete[] sourceFile;

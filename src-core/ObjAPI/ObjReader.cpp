@@ -116,7 +116,7 @@ int to_index(int number, int count)
 /// \return false at the end of the line or when the word is no corner, which ends the face
 bool read_poly_indices(const char*& text, iset& corner)
 {
-    const char* p = take_word(text).data();
+    const char* p = skip_blanks(text);
     int v = 0;
     int t = 0;
     int n = 0;
@@ -135,13 +135,14 @@ bool read_poly_indices(const char*& text, iset& corner)
     corner._vi = to_index(v, _vc);
     corner._ti = to_index(t, _tc);
     corner._ni = to_index(n, _nc);
+    text = skip_word(p);
     return true;
 }
 
 /// Takes a corner of a line: v/t or v.
 bool read_line_indices(const char*& text, iset& corner)
 {
-    const char* p = take_word(text).data();
+    const char* p = skip_blanks(text);
     int v = 0;
     int t = 0;
     if (!take_int(p, v)) {
@@ -153,6 +154,7 @@ bool read_line_indices(const char*& text, iset& corner)
     corner._vi = to_index(v, _vc);
     corner._ti = to_index(t, _tc);
     corner._ni = -1;
+    text = skip_word(p);
     return true;
 }
 
@@ -491,9 +493,9 @@ void read_lines(int fi, LineReader& reader, Libraries& libraries)
         } else if (word == "usemtl") {
             si = usemtl(libraries, library, text, fi);
         } else if (word == "s") {
-            const char* p = take_word(text).data();
             gi = 0; // what is no number ("off") is group 0
-            take_int(p, gi);
+            text = skip_blanks(text);
+            take_int(text, gi);
         }
     }
 }

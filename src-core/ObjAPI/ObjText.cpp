@@ -2,29 +2,24 @@
 
 #include <algorithm>
 #include <bit>
+#include <charconv>
 #include <climits>
 #include <cstdint>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
 #include <utility>
 
 namespace {
 
+using obj::skip_blanks;
 using obj::take_int;
 
 constexpr bool is_digit(char c)
 {
     return c >= '0' && c <= '9';
-}
-
-const char* skip_blanks(const char* text)
-{
-    while (obj::is_blank(*text)) {
-        ++text;
-    }
-    return text;
 }
 
 /// One "%f", by the library itself.
@@ -39,8 +34,36 @@ bool take_odd_float(const char*& text, float& value)
     return true;
 }
 
-/// One "%f". Decimal numbers of the usual length are read here, to the same bits; the library reads
-/// the others (long ones, hexadecimal ones, infinities, and what only begins like a number).
+/// value = mantissa * 10^exponent, rounded once, for numbers of a usual length.
+/// \param digits  how many digits have gone into the mantissa
+/// \return false, and nothing is written, for others
+bool round_to_float(std::uint64_t mantissa, std::ptrdiff_t digits, std::ptrdiff_t exponent,
+                    float& value)
+{
+    // Up to 2^53 an integer is exact in double, and so are powers of ten up to the 22nd: their
+    // product or quotient is rounded once (Clinger, "How to Read Floating Point Numbers
+    // Accurately", 1990). To round it again, to single precision, gives another result than to
+    // round once only if it lies half-way between two floats.
+    constexpr double POWERS[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                 1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+    constexpr std::ptrdiff_t MOST_DIGITS = 19; // no more fit the mantissa
+    if (digits > MOST_DIGITS || mantissa > std::uint64_t{1} << 53 || exponent < -22 ||
+        exponent > 22) {
+        return false;
+    }
+    const double d = exponent < 0 ? static_cast<double>(mantissa) / POWERS[-exponent]
+                                  : static_cast<double>(mantissa) * POWERS[exponent];
+    constexpr std::uint64_t HALF_A_FLOAT = 1u << 28;
+    if ((std::bit_cast<std::uint64_t>(d) & (2 * HALF_A_FLOAT - 1)) == HALF_A_FLOAT) {
+        return false;
+    }
+    value = static_cast<float>(d);
+    return true;
+}
+
+/// One "%f". Decimal numbers are read here, to the same bits; the library reads what is odd:
+/// hexadecimal numbers, infinities, results out of range, and what only begins like a number.
 bool take_float(const char*& text, float& value)
 {
     const char* p = skip_blanks(text);
@@ -74,25 +97,15 @@ bool take_float(const char*& text, float& value)
         exponent += power;
         p = q;
     }
-    // Up to 2^53 an integer is exact in double, and so are powers of ten up to the 22nd: their
-    // product or quotient is rounded once (Clinger, "How to Read Floating Point Numbers
-    // Accurately", 1990). To round it again, to single precision, gives another result than to
-    // round once only if it lies half-way between two floats.
-    constexpr double POWERS[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                 1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
-                                 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
-    constexpr std::ptrdiff_t MOST_DIGITS = 19; // no more fit the mantissa
-    if (digits < 1 || digits > MOST_DIGITS || mantissa > std::uint64_t{1} << 53 || exponent < -22 ||
-        exponent > 22 || *p == 'x' || *p == 'X') {
+    if (digits < 1 || *p == 'x' || *p == 'X') {
         return take_odd_float(text, value);
     }
-    double d = static_cast<double>(mantissa);
-    d = exponent < 0 ? d / POWERS[-exponent] : d * POWERS[exponent];
-    constexpr std::uint64_t HALF_A_FLOAT = 1u << 28;
-    if ((std::bit_cast<std::uint64_t>(d) & (2 * HALF_A_FLOAT - 1)) == HALF_A_FLOAT) {
+    float magnitude = 0;
+    if (!round_to_float(mantissa, digits, exponent, magnitude) &&
+        std::from_chars(first, p, magnitude).ec != std::errc()) {
         return take_odd_float(text, value);
     }
-    value = static_cast<float>(negative ? -d : d);
+    value = negative ? -magnitude : magnitude;
     text = p;
     return true;
 }
@@ -166,10 +179,7 @@ const char* LineReader::next()
 std::string_view take_word(const char*& text)
 {
     const char* const word = skip_blanks(text);
-    const char* end = word;
-    while (*end != '\0' && !is_blank(*end)) {
-        ++end;
-    }
+    const char* const end = skip_word(word);
     if (end != word) {
         text = end;
     }
@@ -193,12 +203,19 @@ bool take_int(const char*& text, int& value)
     if (!is_digit(*p)) {
         return false;
     }
-    constexpr std::int64_t BEYOND = std::int64_t{INT_MAX} + 1;
-    std::int64_t magnitude = 0;
-    for (; is_digit(*p); ++p) {
-        magnitude = std::min(10 * magnitude + (*p - '0'), BEYOND);
+    while (*p == '0') {
+        ++p;
     }
-    value = static_cast<int>(negative ? -magnitude : std::min(magnitude, BEYOND - 1));
+    const char* const first = p;
+    std::uint64_t magnitude = 0;
+    for (; is_digit(*p); ++p) {
+        magnitude = 10 * magnitude + static_cast<unsigned>(*p - '0');
+    }
+    constexpr std::ptrdiff_t MOST_DIGITS = 19; // with more, the sum has wrapped around
+    constexpr std::uint64_t BEYOND = std::uint64_t{INT_MAX} + 1;
+    const auto bound =
+        static_cast<std::int64_t>(p - first > MOST_DIGITS ? BEYOND : std::min(magnitude, BEYOND));
+    value = static_cast<int>(negative ? -bound : std::min<std::int64_t>(bound, INT_MAX));
     text = p;
     return true;
 }

@@ -57,6 +57,22 @@ constexpr bool is_blank(char c)
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
+inline const char* skip_blanks(const char* text)
+{
+    while (is_blank(*text)) {
+        ++text;
+    }
+    return text;
+}
+
+inline const char* skip_word(const char* text)
+{
+    while (*text != '\0' && !is_blank(*text)) {
+        ++text;
+    }
+    return text;
+}
+
 /// "%s": skips blanks and takes the word behind them; an empty one, and nothing is taken, when only
 /// blanks are left.
 std::string_view take_word(const char*& text);

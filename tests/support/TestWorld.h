@@ -1,0 +1,38 @@
+#pragma once
+
+#include "Environment.h"
+#include "MoCap.h"
+#include "ReferenceScene.h"
+
+#include <filesystem>
+
+class Boid;
+class Sensor;
+
+/// Three figures that rest where they cannot be seen or felt, for one step.
+reference::Recording farAwayRecording();
+
+/// A folder of its own as the working folder, with a recording in it as the scene reads it. Ends
+/// with the object.
+class SceneFolder {
+public:
+    explicit SceneFolder(const reference::Recording& recording);
+    SceneFolder(const SceneFolder&) = delete;
+    SceneFolder& operator=(const SceneFolder&) = delete;
+    ~SceneFolder();
+
+private:
+    std::filesystem::path before;
+    std::filesystem::path folder;
+};
+
+/// An Environment as it is after srand(\p seed), with that recording, no voice, and the count of
+/// draws between bubbles at 0. It stays reachable until the program ends, as in the program itself.
+Environment* newWorld(unsigned seed, const reference::Recording& recording = farAwayRecording());
+
+/// Has its textures count as loaded, so that drawing reads no files.
+void skipTextures(Environment* world);
+
+std::vector<Boid*> boidsOf(Environment* world);
+Sensor* sensorOf(Environment* world, std::size_t number);
+MoCap* recordingOf(Environment* world);
