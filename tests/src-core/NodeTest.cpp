@@ -48,7 +48,6 @@ TEST(NodeStackTest, TheTopIsTheFrontOfTheList)
 
 TEST(NodeTest, StartsAliveUnattachedAndUntransformed)
 {
-    Journal journal;
     const RootNode node;
     EXPECT_TRUE(node.isAlive());
     EXPECT_EQ(node.nullchildren.size(), 0);

@@ -5,13 +5,13 @@
 #include "FreeType.h"
 #include "ProbeNode.h"
 #include "SceneGraph.h"
+#include "TempDirectory.h"
 #include "Toolkit.h"
 
 #include <FL/Fl.H>
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdlib>
 #include <dlfcn.h>
 #include <filesystem>
 #include <gmock/gmock.h>
@@ -150,29 +150,18 @@ protected:
 
     static void SetUpTestSuite()
     {
-        std::string pattern = testing::TempDir() + "kelpix-window-XXXXXX";
-        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-        folder() = pattern;
-        std::filesystem::create_directory(folder() / "fonts");
-        std::filesystem::copy_file(KELPIX_FONT, folder() / "fonts/ChalkboardBold.ttf");
-        std::filesystem::current_path(folder());
+        folder() = std::make_unique<TempDirectory>();
+        std::filesystem::create_directory("fonts");
+        std::filesystem::copy_file(KELPIX_FONT, "fonts/ChalkboardBold.ttf");
     }
-    static void TearDownTestSuite()
+    static void TearDownTestSuite() { folder().reset(); }
+    static std::unique_ptr<TempDirectory>& folder()
     {
-        std::filesystem::current_path("/");
-        std::filesystem::remove_all(folder());
-    }
-    static std::filesystem::path& folder()
-    {
-        static std::filesystem::path path;
-        return path;
+        static std::unique_ptr<TempDirectory> directory;
+        return directory;
     }
 
-    void SetUp() override
-    {
-        root.onUpdate = nullptr;
-        graph.setRootNode(&root);
-    }
+    void SetUp() override { graph.setRootNode(&root); }
 
     std::unique_ptr<Window> makeWindow(int id = 1)
     {
