@@ -335,7 +335,7 @@ TEST_F(TileConfigTest, DamageAfterACompleteHostIsHarmless)
     pretendedName = "left";
     const std::size_t start = std::string(WALL).rfind("Node\n");
     std::mt19937 random(1);
-    for (int n = 0; n < 2000; ++n) {
+    for (int n = 0; n < 500; ++n) {
         std::string text = WALL;
         for (int k = 0; k < 3; ++k) {
             text[start + random() % (text.size() - start)] = static_cast<char>(random());
