@@ -50,13 +50,16 @@ void warble(Sound& sound, double start, float pan, float level, Random& random)
         const double pitch = SCALE[static_cast<std::size_t>(step)];
         const double slide = random.below(2) == 0 ? 1.18 : 0.86;
         const double duration = random.between(0.07f, 0.13f);
-        whistle(sound, {at, duration, pitch, pitch * slide, level * random.between(0.6f, 1.0f)},
-                pan);
+        const double loud = level * random.between(0.6f, 1.0f);
+        whistle(sound, {at, duration, pitch, pitch * slide, loud}, pan);
         at += duration * random.between(0.95f, 1.2f);
-        step = std::clamp(step + 1 - random.below(4) + (random.below(2) * 2), 0, 5);
+        const int down = random.below(4);
+        const int up = random.below(4);
+        step = std::clamp(step + up - down, 0, 5);
     }
-    const double low = SCALE[static_cast<std::size_t>(step)];
-    const double high = SCALE[static_cast<std::size_t>(step + 1)];
+    const auto lower = static_cast<std::size_t>(step);
+    const double low = SCALE[lower];
+    const double high = SCALE[lower + 1];
     const int beats = 5 + random.below(4);
     for (int i = 0; i < beats; ++i) {
         const double fade = 1 - 0.7 * i / beats;

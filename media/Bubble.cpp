@@ -40,16 +40,16 @@ Color bubbleAt(Point q)
     const float facing = std::sqrt(1 - r * r);
     const float fresnel = 0.02f + 0.98f * std::pow(1 - facing, 1.9f);
     const float towardsLight = dot(q * (1 / std::max(r, 0.01f)), {-0.55f, -0.83f});
-    Color c = withAlpha(AIR, 0.03f);
-    c = cover(c, {RIM, fresnel * (0.78f + 0.30f * towardsLight)});
+    Color c = withAlpha(AIR, 0.02f);
+    c = cover(c, {RIM, fresnel * (0.92f + 0.30f * towardsLight)});
     // Light that has gone through the bubble gathers at the far side of its wall, warmed on the
     // way.
     const float far = smoothstep(0.35f, 1.0f, -towardsLight) * bump(r, 0.80f, 0.11f);
     c = cover(c, {WARM, 0.85f * far});
     // The sun itself, and its mirror image inside.
-    const Point sun = turned(q - Point{-0.40f, -0.46f}, -0.72f);
-    c = cover(c,
-              {rgb(255, 255, 255), 1.25f * bump(length({sun.x * 0.62f, sun.y * 1.35f}), 0, 0.17f)});
+    const Point sun = turned(q - Point{-0.42f, -0.49f}, -0.72f);
+    c = cover(
+        c, {rgb(255, 255, 255), 1.25f * bump(length({sun.x * 0.70f, sun.y * 1.35f}), 0, 0.155f)});
     c = cover(c, {rgb(255, 255, 255), 0.95f * bump(length(q - Point{0.34f, 0.50f}), 0, 0.085f)});
     return c;
 }

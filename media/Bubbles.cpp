@@ -92,8 +92,11 @@ void addDrops(Ring& loop, Random& random)
         }
     }
     for (int i = 0; i < 90; ++i) {
-        ring(loop, makeDrop(random.unit() * SECONDS, randomPitch(random),
-                            random.between(0.05f, 0.30f), random.between(0.05f, 0.95f), random));
+        const double at = random.unit() * SECONDS;
+        const double pitch = randomPitch(random);
+        const float pan = random.between(0.05f, 0.95f);
+        const float level = random.between(0.05f, 0.30f);
+        ring(loop, makeDrop(at, pitch, level, pan, random));
     }
 }
 

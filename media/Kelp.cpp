@@ -16,9 +16,9 @@ constexpr Color STEM_SUN = rgb(176, 180, 70);
 
 class Painter {
 public:
-    Painter(const KelpForest& of, const Light& by, int pixels, Random& by_chance)
+    Painter(const KelpForest& of, const Light& by, int pixels, Random& byChance)
         : canvas(pixels, pixels), forest(of), light(by), size(static_cast<float>(pixels)),
-          random(by_chance)
+          random(byChance)
     {
     }
 
@@ -66,8 +66,7 @@ void Painter::blade(Point root, float angle, float bend, float span)
     // Which edge of the blade looks up to the light.
     const float up = way.x > 0 ? -1.0f : 1.0f;
     for (const Touch& touch : stroke.touch(canvas.width(), canvas.height())) {
-        const Point p{(static_cast<float>(touch.x) + 0.5f) / size,
-                      (static_cast<float>(touch.y) + 0.5f) / size};
+        const Point p = canvas.centre(touch.x, touch.y);
         const float sun = light.sunlight(p);
         const float beam = light.shafts(p);
         const float rib = bump(touch.across, 0, 0.10f);
@@ -91,8 +90,7 @@ void Painter::bulb(Point at, float angle, float radius)
     stroke.add(at * size, radius * size);
     stroke.add((at + way * 1.3f) * size, radius * 0.45f * size);
     for (const Touch& touch : stroke.touch(canvas.width(), canvas.height())) {
-        const Point p{(static_cast<float>(touch.x) + 0.5f) / size,
-                      (static_cast<float>(touch.y) + 0.5f) / size};
+        const Point p = canvas.centre(touch.x, touch.y);
         const Point off = (p - at) * (1 / radius);
         const float sun = light.sunlight(p);
         const float shine = bump(length(off - Point{-0.3f, -0.45f}), 0, 0.45f);
@@ -121,8 +119,7 @@ void Painter::plant(float x, float top)
         stroke.add(stem(t) * size, thick * mix(1.2f, 0.5f, t) * size);
     }
     for (const Touch& touch : stroke.touch(canvas.width(), canvas.height())) {
-        const Point p{(static_cast<float>(touch.x) + 0.5f) / size,
-                      (static_cast<float>(touch.y) + 0.5f) / size};
+        const Point p = canvas.centre(touch.x, touch.y);
         const float sun = light.sunlight(p) * (0.9f - 0.4f * touch.across);
         canvas.blend(touch.x, touch.y, tint(mix(STEM_DARK, STEM_SUN, clamp01(sun)), p),
                      touch.coverage);
@@ -158,9 +155,9 @@ Canvas paintKelp(const KelpForest& forest, const Light& light, int size, Random 
                                 static_cast<float>(forest.plants);
             // The tallest stand at the side, so that the middle stays free for the fish.
             const float inward = place / forest.reach;
-            const float top = forest.top + inward * inward * random.between(0.15f, 0.5f) +
-                              random.between(0, 0.12f);
-            painter.plant(right ? 1 - place : place, top);
+            const float lower = inward * inward * random.between(0.15f, 0.5f);
+            const float uneven = random.between(0, 0.12f);
+            painter.plant(right ? 1 - place : place, forest.top + lower + uneven);
         }
     }
     painter.canvas.blur(forest.deviation * static_cast<float>(size));

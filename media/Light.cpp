@@ -22,7 +22,7 @@ Color Light::water(Point p) const
         Color colour;
     };
     static constexpr Stop STOPS[] = {
-        {0.00f, rgb(46, 206, 206)}, {0.10f, rgb(34, 186, 198)}, {0.25f, rgb(14, 146, 184)},
+        {0.00f, rgb(30, 172, 182)}, {0.10f, rgb(24, 164, 184)}, {0.25f, rgb(12, 136, 178)},
         {0.45f, rgb(5, 96, 156)},   {0.68f, rgb(3, 58, 116)},   {0.86f, rgb(6, 54, 100)},
         {1.00f, rgb(5, 44, 80)},
     };
@@ -39,7 +39,7 @@ Color Light::water(Point p) const
     const float side = std::abs(p.x - SUN.x);
     c = lit(c, 1.0f - 0.55f * smoothstep(0.1f, 0.75f, side) * smoothstep(1.0f, 0.1f, p.y) -
                    0.10f * side);
-    return screen(c, Color{0.14f, 0.50f, 0.44f, 0} * glow);
+    return screen(c, Color{0.04f, 0.50f, 0.44f, 0} * glow);
 }
 
 float Light::shafts(Point p) const
@@ -54,7 +54,7 @@ float Light::shafts(Point p) const
     const float broad = noise({angle * 8 + 9, far * 0.4f}, seed + 3);
     const float sum =
         broad * 0.38f + middle * mix(0.36f, 0.50f, deep) + fine * mix(0.26f, 0.12f, deep);
-    const float rays = smoothstep(0.43f, 0.72f, sum);
+    const float rays = smoothstep(mix(0.40f, 0.34f, deep), mix(0.74f, 0.86f, deep), sum);
     const float fan = bump(angle, 0.04f, 0.75f);
     const float fade = smoothstep(1.05f, 0.05f, p.y);
     return rays * fan * fade;
@@ -82,9 +82,10 @@ Color Light::surface(Point p) const
     const float near = smoothstep(0.01f, 0.10f, height);
     const float sun = 0.35f + 0.65f * bump(p.x, SUN.x, 0.42f);
     const float strength = near * sun;
-    return Color{0.16f, 0.46f, 0.42f, 0} *
-               (strength * (net * 0.9f + smoothstep(0.4f, 0.8f, swell) * 0.55f)) +
-           Color{0.05f, 0.22f, 0.22f, 0} * (-0.6f * strength * smoothstep(0.55f, 0.25f, swell));
+    const float crests = 0.9f * net + 0.7f * smoothstep(0.45f, 0.75f, swell);
+    const float troughs = smoothstep(0.50f, 0.20f, swell);
+    return Color{0.10f, 0.72f, 0.68f, 0} * (strength * crests) +
+           Color{0.05f, 0.30f, 0.30f, 0} * (-strength * troughs);
 }
 
 } // namespace media

@@ -25,7 +25,7 @@ public:
     Color surface(Point p) const;
 
     /// The colour of the shafts, to be added; alpha is 0.
-    static Color shaftColour() { return {0.20f, 0.80f, 0.72f, 0}; }
+    static Color shaftColour() { return {0.06f, 0.80f, 0.72f, 0}; }
 
 private:
     std::uint32_t seed;

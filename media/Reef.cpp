@@ -3,41 +3,15 @@
 #include "Noise.h"
 #include "Stroke.h"
 
-#include <iterator>
-
 namespace media {
 
 namespace {
 
-/// A row of rocks whose skyline rises towards the sides of the picture.
-struct Cliff {
-    float foot; ///< y where it meets the sand
-    float rise; ///< how high it stands at the sides
-    float from; ///< how far from the middle it begins, 0 .. 0.5
-    float haze;
-    float soft; ///< width of its edge, in picture widths
-};
-
-constexpr Cliff CLIFFS[] = {
-    {0.84f, 0.50f, 0.03f, 0.58f, 0.006f},
-    {0.87f, 0.40f, 0.14f, 0.30f, 0.003f},
-};
-
-float skyline(const Cliff& cliff, float x, std::uint32_t seed)
-{
-    const float out = std::abs(x - 0.47f);
-    const float rise = smoothstep(cliff.from, 0.44f, out);
-    const float crags = fractal({x * 18, 1}, 4, seed);
-    const float towers = smoothstep(0.30f, 0.60f, noise(x * 9, seed + 9));
-    return cliff.foot + 0.03f - cliff.rise * rise * (0.25f + 0.75f * towers) -
-           0.10f * crags * (0.4f + rise);
-}
-
 /// Paints branches and blades: a canvas, the light and what they do to each other.
 class Gardener {
 public:
-    Gardener(Canvas& on, const Light& by, Random& by_chance)
-        : canvas(on), light(by), size(static_cast<float>(on.width())), random(by_chance)
+    Gardener(Canvas& on, const Light& by, Random& byChance)
+        : canvas(on), light(by), size(static_cast<float>(on.width())), random(byChance)
     {
     }
 
@@ -47,12 +21,6 @@ public:
     void grass(Point root, float span, float haze);
 
 private:
-    Point unit(const Touch& touch) const
-    {
-        return {(static_cast<float>(touch.x) + 0.5f) / size,
-                (static_cast<float>(touch.y) + 0.5f) / size};
-    }
-
     Canvas& canvas;
     const Light& light;
     const float size;
@@ -74,7 +42,7 @@ void Gardener::branch(Point root, float angle, float span, float thick, int fork
     }
     const Point tip = at;
     for (const Touch& touch : stroke.touch(canvas.width(), canvas.height())) {
-        const Point p = unit(touch);
+        const Point p = canvas.centre(touch.x, touch.y);
         const float round = std::sqrt(clamp01(1 - touch.across * touch.across));
         const float knobs = noise(p * 260, 77) - 0.5f;
         const float bright = 0.42f + 0.40f * round - 0.16f * touch.across + 0.30f * knobs +
@@ -86,8 +54,10 @@ void Gardener::branch(Point root, float angle, float span, float thick, int fork
     if (forks > 0) {
         const float spread = random.between(0.32f, 0.55f);
         for (const float side : {-1.0f, 1.0f}) {
-            branch(tip, angle + bend + side * spread + random.between(-0.15f, 0.15f),
-                   span * random.between(0.66f, 0.9f), thick * 0.76f, forks - 1, colour, haze);
+            const float turn = side * spread + random.between(-0.15f, 0.15f);
+            const float shorter = random.between(0.66f, 0.9f);
+            branch(tip, angle + bend + turn, span * shorter, thick * 0.76f, forks - 1, colour,
+                   haze);
         }
     }
 }
@@ -104,7 +74,7 @@ void Gardener::tube(Point root, float angle, float span, float thick, Color colo
         at = at + turned({0, -1}, angle * (1 - 0.5f * t)) * (span / JOINTS);
     }
     for (const Touch& touch : stroke.touch(canvas.width(), canvas.height())) {
-        const Point p = unit(touch);
+        const Point p = canvas.centre(touch.x, touch.y);
         const float round = std::sqrt(clamp01(1 - touch.across * touch.across));
         const float pores = noise(p * 230, 41) - 0.5f;
         float bright =
@@ -120,7 +90,7 @@ void Gardener::tube(Point root, float angle, float span, float thick, Color colo
     hole.add((mouth - Point{thick * 0.42f, 0}) * size, thick * 0.30f * size);
     hole.add((mouth + Point{thick * 0.42f, 0}) * size, thick * 0.30f * size);
     for (const Touch& touch : hole.touch(canvas.width(), canvas.height())) {
-        const Point p = unit(touch);
+        const Point p = canvas.centre(touch.x, touch.y);
         canvas.blend(touch.x, touch.y, withAlpha(mix(lit(colour, 0.34f), light.water(p), haze), 1),
                      touch.coverage);
     }
@@ -144,7 +114,7 @@ void Gardener::grass(Point root, float span, float haze)
             at = at + turned({0, -1}, angle + bend * t) * (tall / JOINTS);
         }
         for (const Touch& touch : stroke.touch(canvas.width(), canvas.height())) {
-            const Point p = unit(touch);
+            const Point p = canvas.centre(touch.x, touch.y);
             const Color c = mix(rgb(6, 56, 50), rgb(120, 190, 80), touch.along * own);
             canvas.blend(touch.x, touch.y,
                          withAlpha(mix(lit(c, 1 - 0.2f * touch.across), light.water(p), haze), 1),
@@ -154,34 +124,6 @@ void Gardener::grass(Point root, float span, float haze)
 }
 
 } // namespace
-
-void paintCliffs(Canvas& canvas, const Light& light, std::uint32_t seed)
-{
-    const auto size = static_cast<float>(canvas.width());
-    for (std::size_t i = 0; i < std::size(CLIFFS); ++i) {
-        const Cliff& cliff = CLIFFS[i];
-        const auto own = seed + 500 + static_cast<std::uint32_t>(i) * 31;
-        for (int x = 0; x < canvas.width(); ++x) {
-            const float u = (static_cast<float>(x) + 0.5f) / size;
-            const float top = skyline(cliff, u, own);
-            for (int y = static_cast<int>((top - cliff.soft) * size); y < canvas.height(); ++y) {
-                const float v = (static_cast<float>(y) + 0.5f) / size;
-                const float coverage = smoothstep(-cliff.soft, cliff.soft, v - top);
-                const Point p{u, v};
-                // Ledges catch the light, clefts run down between them.
-                const float clefts = fractal({u * 26, v * 9}, 4, own + 3);
-                const float ledges = fractal({u * 10, v * 42}, 3, own + 4);
-                const float edge = bump(v, top, 0.02f);
-                const float bright = clamp01(1.3f * (clefts * ledges - 0.2f) + 0.22f * edge) *
-                                     (0.3f + light.sunlight(p));
-                const Color rock = mix(rgb(0, 14, 40), rgb(90, 186, 176), bright);
-                // The foot is lost in the murk over the sand.
-                const float murk = mix(cliff.haze, 1.0f, 0.55f * smoothstep(top, cliff.foot, v));
-                canvas.blend(x, y, withAlpha(mix(rock, light.water(p), murk), 1), coverage);
-            }
-        }
-    }
-}
 
 void paintReef(Canvas& canvas, const Light& light, Random random)
 {
@@ -221,9 +163,10 @@ void paintReef(Canvas& canvas, const Light& light, Random random)
             }
         } else {
             for (const float angle : {-0.75f, 0.7f, -0.3f, 0.3f, 0.0f}) {
-                gardener.branch(root, angle + random.between(-0.1f, 0.1f),
-                                patch.span * random.between(0.40f, 0.5f), patch.span * 0.085f, 3,
-                                patch.colour, patch.haze);
+                const float turn = random.between(-0.1f, 0.1f);
+                const float span = patch.span * random.between(0.40f, 0.5f);
+                gardener.branch(root, angle + turn, span, patch.span * 0.085f, 3, patch.colour,
+                                patch.haze);
             }
         }
     }

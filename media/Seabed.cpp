@@ -68,8 +68,7 @@ void paintStone(Canvas& canvas, const Light& light, Point centre, Point radius, 
     for (int y = pixel(centre.y - radius.y * 1.4f); y <= pixel(centre.y + radius.y * 1.7f); ++y) {
         for (int x = pixel(centre.x - radius.x * 1.7f); x <= pixel(centre.x + radius.x * 1.7f);
              ++x) {
-            const Point p{(static_cast<float>(x) + 0.5f) / size,
-                          (static_cast<float>(y) + 0.5f) / size};
+            const Point p = canvas.centre(x, y);
             const Point q{(p.x - centre.x) / radius.x, (p.y - centre.y) / radius.y};
             // The shadow on the sand first, then the stone over it.
             const Point s{q.x * 0.85f, (q.y - 0.55f) * 1.7f};
@@ -149,9 +148,9 @@ void paintStones(Canvas& canvas, const Light& light, Random random)
         for (int i = 0; i < heap.stones; ++i) {
             const float t = static_cast<float>(i) / static_cast<float>(heap.stones);
             const float large = heap.largest * mix(1.0f, 0.35f, t) * random.between(0.8f, 1.1f);
-            const Point centre{heap.x + heap.wide * (random.unit() - 0.5f) * (0.5f + t),
-                               heap.y + heap.wide * 0.22f * t * random.unit() +
-                                   (heap.largest - large) * 0.5f};
+            const float aside = heap.wide * (random.unit() - 0.5f) * (0.5f + t);
+            const float before = heap.wide * 0.22f * t * random.unit();
+            const Point centre{heap.x + aside, heap.y + before + (heap.largest - large) * 0.5f};
             paintStone(canvas, light, centre, {large, large * random.between(0.6f, 0.85f)},
                        heap.haze, seed += 17);
         }

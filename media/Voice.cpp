@@ -65,8 +65,8 @@ Lines arrange(const Score& score)
     }
     lines.lead.push_back({score.coda, 3.5 * BEAT, 62, Vowel::U, 0.55f});
     lines.lead.push_back({score.coda + 3.5 * BEAT, 1.5 * BEAT, 62, Vowel::M, 0.35f});
-    lines.second.push_back({score.coda, 4.5 * BEAT, 57, Vowel::U, 0.40f});
-    lines.low.push_back({score.coda, 5.5 * BEAT, 50, Vowel::M, 0.45f});
+    lines.second.push_back({score.coda, 6 * BEAT, 57, Vowel::U, 0.40f});
+    lines.low.push_back({score.coda, CODA - 0.4, 50, Vowel::M, 0.40f});
     return lines;
 }
 

@@ -159,8 +159,9 @@ namespace freetype {
 
 void font_data::init(const char* fname, unsigned int height)
 {
+    auto* names = new GLuint[CHARACTERS]{};
     delete[] textures;
-    textures = new GLuint[CHARACTERS]{};
+    textures = names;
     h = static_cast<float>(height);
 
     const LibraryHandle library = openLibrary();

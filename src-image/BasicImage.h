@@ -10,8 +10,8 @@ enum IMAGE_TYPE : int { IMAGE_JPEG = 0, IMAGE_PNG = 1 };
 /// at the lower left.
 ///
 /// Nothing here throws or needs a GL context. What goes wrong is told by the result and at most a
-/// line of text. A failed read leaves either the previous picture, or what was read so far, or no
-/// buffer; width, height and components never promise more than a buffer that is there holds.
+/// line of text. A failed read leaves the previous picture, or what was read so far, or nothing.
+/// After every read the buffer holds at least width * height * components bytes.
 class BasicImage {
 public:
     /// Reads a file into the pixel buffer, in place of what was there.

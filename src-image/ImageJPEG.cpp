@@ -101,14 +101,15 @@ bool decode(Decompressor& decompressor, std::FILE* file, ImageJPEG& image)
     const std::size_t width = jpeg.output_width;
     const std::size_t height = jpeg.output_height;
     const auto components = static_cast<std::size_t>(jpeg.output_components);
-    image.w = static_cast<int>(width);
-    image.h = static_cast<int>(height);
-    image.c = static_cast<int>(components);
     image.freeBuffer();
+    image.w = image.h = image.c = 0;
     image.buffer = ImageFile::allocate(width, height, components, UPLOADED_COMPONENTS);
     if (image.buffer == nullptr) {
         ERREXIT2(&jpeg, PICTURE_TOO_LARGE, static_cast<int>(width), static_cast<int>(height));
     }
+    image.w = static_cast<int>(width);
+    image.h = static_cast<int>(height);
+    image.c = static_cast<int>(components);
 
     // Rows go where they belong at once, the file's first row to the end of the buffer.
     const std::size_t rowStride = width * components;

@@ -103,8 +103,9 @@ int ImagePNG::read(const char* filename)
         return -1;
     }
 
-    // From here on the sizes are the new file's, so the previous pixels go.
+    // From here on the sizes are the new file's, and until its pixels are known to fit, none.
     freeBuffer();
+    c = 0;
     w = static_cast<int>(png_get_image_width(decoder.png, decoder.info));
     h = static_cast<int>(png_get_image_height(decoder.png, decoder.info));
     const int components = componentsOf(png_get_color_type(decoder.png, decoder.info));

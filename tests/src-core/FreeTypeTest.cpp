@@ -1,13 +1,8 @@
 #include "FreeType.h"
 
-#include "GLTest.h"
+#include "FontTest.h"
 #include "ImageFiles.h"
 
-#include <ft2build.h>
-// The macros that name FreeType's other headers come from ft2build.h.
-#include FT_FREETYPE_H
-
-#include <algorithm>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <iterator>
@@ -19,35 +14,9 @@ namespace {
 
 using testing::Contains;
 
-constexpr const char* FONT = KELPIX_FONT_FILE;
-constexpr unsigned POINTS = 12;
-
-/// The font file opened by the test itself, at the size that init gives it.
-class Reference {
-public:
-    explicit Reference(unsigned height)
-    {
-        EXPECT_EQ(FT_Init_FreeType(&library), 0);
-        EXPECT_EQ(FT_New_Face(library, FONT, 0, &face), 0);
-        // Points at 96 dots per inch.
-        EXPECT_EQ(FT_Set_Char_Size(face, 64 * static_cast<FT_F26Dot6>(height), 0, 96, 96), 0);
-    }
-    Reference(const Reference&) = delete;
-    Reference& operator=(const Reference&) = delete;
-    ~Reference() { FT_Done_FreeType(library); }
-
-    FT_GlyphSlot glyph(int character)
-    {
-        EXPECT_EQ(FT_Load_Char(face, static_cast<FT_ULong>(character), FT_LOAD_RENDER), 0);
-        return face->glyph;
-    }
-
-    FT_Library library = nullptr;
-    FT_Face face = nullptr;
-};
-
-/// A bitmap font of 16 pixels: a missing glyph, "A" (10 by 13 pixels, its first row and its first
-/// column set, 2 pixels right of the pen and 3 below the baseline) and a blank.
+/// A bitmap font of 16 pixels: a blank, which stands for every missing glyph too, and
+/// "A": 10 by 13 pixels, the first row and the first column set, 2 pixels right of the pen and 3
+/// below the baseline.
 Bytes bitmapFont()
 {
     std::string font = "STARTFONT 2.1\n"
@@ -73,52 +42,8 @@ Bytes bitmapFont()
     return {font.begin(), font.end()};
 }
 
-struct Corner {
-    float x, y; ///< window coordinates
-    float s, t;
-};
-using Quad = std::vector<Corner>;
-
-class FreeTypeTest : public GLTest {
+class FreeTypeTest : public FontTest {
 protected:
-    void SetUp() override
-    {
-        GLTest::SetUp();
-        glPixelStorei(GL_PACK_ALIGNMENT, 1);
-    }
-    void TearDown() override
-    {
-        glPixelStorei(GL_PACK_ALIGNMENT, 4);
-        font.clean();
-        GLTest::TearDown();
-    }
-
-    /// The quads that are not empty, with their corners once around from the upper left.
-    template<typename Draw>
-    static std::vector<Quad> quads(Draw draw)
-    {
-        glPolygonMode(GL_FRONT_AND_BACK, GL_LINE);
-        const auto lines = Feedback::of(draw);
-        glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
-        std::vector<Quad> all;
-        for (std::size_t i = 0; i + 3 < lines.size(); i += 4) {
-            Quad quad;
-            for (std::size_t k = 0; k < 4; ++k) {
-                const Feedback::Vertex& v = lines[i + k].vertices[0];
-                quad.push_back({v.x, v.y, v.texture[0], v.texture[1]});
-            }
-            const auto upperLeft =
-                std::min_element(quad.begin(), quad.end(), [](const Corner& a, const Corner& b) {
-                    return a.x - a.y < b.x - b.y;
-                });
-            std::rotate(quad.begin(), upperLeft, quad.end());
-            if (quad[0].x != quad[2].x && quad[0].y != quad[2].y) {
-                all.push_back(quad);
-            }
-        }
-        return all;
-    }
-
     /// The quads of a character drawn with the pen at window position (100, 100).
     static std::vector<Quad> quadsOf(const freetype::font_data& font, int character)
     {
@@ -132,46 +57,20 @@ protected:
         });
     }
 
-    static void expectQuad(const Quad& quad, float left, float bottom, float width, float height)
-    {
-        ASSERT_EQ(quad.size(), 4u);
-        const float right = left + width;
-        const float top = bottom + height;
-        const float expected[4][2] = {{left, top}, {left, bottom}, {right, bottom}, {right, top}};
-        for (std::size_t i = 0; i < 4; ++i) {
-            EXPECT_NEAR(quad[i].x, expected[i][0], 1e-3) << "corner " << i;
-            EXPECT_NEAR(quad[i].y, expected[i][1], 1e-3) << "corner " << i;
-        }
-    }
-
-    /// Expects a line of text: the glyphs' quads from the pen position on.
-    static void expectText(const std::vector<Quad>& quads, std::size_t& next, Reference& reference,
-                           const std::string& line, float penX, float penY)
-    {
-        for (const char c : line) {
-            FT_GlyphSlot glyph = reference.glyph(c);
-            const auto rows = static_cast<int>(glyph->bitmap.rows);
-            penX += static_cast<float>(glyph->bitmap_left);
-            if (rows > 0) {
-                ASSERT_LT(next, quads.size());
-                expectQuad(quads[next++], penX, penY + static_cast<float>(glyph->bitmap_top - rows),
-                           static_cast<float>(glyph->bitmap.width), static_cast<float>(rows));
-            }
-            penX += static_cast<float>(glyph->advance.x >> 6);
-        }
-    }
-
     /// The RGBA bytes of a texture's level 0, and its size.
     static Bytes texels(GLuint texture, GLint& width, GLint& height)
     {
         glBindTexture(GL_TEXTURE_2D, texture);
         glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_WIDTH, &width);
         glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_HEIGHT, &height);
+        glPixelStorei(GL_PACK_ALIGNMENT, 1);
         Bytes bytes(static_cast<std::size_t>(4 * width * height));
         glGetTexImage(GL_TEXTURE_2D, 0, GL_RGBA, GL_UNSIGNED_BYTE, bytes.data());
+        glPixelStorei(GL_PACK_ALIGNMENT, 4);
         return bytes;
     }
 
+    /// The text of the exception that init throws; empty without one.
     std::string failure(const char* file, unsigned height = POINTS)
     {
         try {
@@ -181,8 +80,6 @@ protected:
         }
         return "";
     }
-
-    freetype::font_data font;
 };
 
 TEST(FreeTypeMathTest, NextPowerOfTwo)
@@ -459,14 +356,13 @@ TEST_F(FreeTypeTest, AFileThatIsNoFontIsReportedByName)
     writePng(foreign, noise(2, 2, 3));
     const TempPath pipe(".ttf");
     ASSERT_EQ(mkfifo(pipe.name(), 0600), 0);
-    const std::size_t files = openFiles();
     EXPECT_EQ(failure(missing.name()), text);
     EXPECT_EQ(failure(empty.name()), text);
     EXPECT_EQ(failure(foreign.name()), text);
     EXPECT_EQ(failure(pipe.name()), text);
     EXPECT_EQ(failure(testing::TempDir().c_str()), text);
     EXPECT_EQ(failure(nullptr), text);
-    EXPECT_EQ(openFiles(), files);
+    EXPECT_FALSE(foreign.isOpen());
     font.clean();
     EXPECT_EQ(failure(FONT), "");
 }
@@ -529,168 +425,6 @@ TEST_F(FreeTypeTest, OnlyTheCharactersOf7BitsHaveLists)
     freetype::make_dlist(reference.face, static_cast<char>(200), font.list_base, font.textures);
     EXPECT_FALSE(glIsList(font.list_base + 200));
     EXPECT_FALSE(glIsList(font.list_base - 56));
-}
-
-TEST_F(FreeTypeTest, TheScreenMatrixSpansTheViewport)
-{
-    glMatrixMode(GL_TEXTURE);
-    glViewport(10, 20, 300, 400);
-    freetype::pushScreenCoordinateMatrix();
-    EXPECT_EQ(getInteger(GL_MATRIX_MODE), GL_TEXTURE);
-    EXPECT_EQ(getInteger(GL_PROJECTION_STACK_DEPTH), 2);
-    // From the viewport's x to its width, from its y to its height.
-    const std::vector<float> m = getMatrix(GL_PROJECTION_MATRIX);
-    EXPECT_NEAR(m[0], 2.0 / (300 - 10), 1e-7);
-    EXPECT_NEAR(m[5], 2.0 / (400 - 20), 1e-7);
-    EXPECT_NEAR(m[12], -310.0 / 290, 1e-6);
-    EXPECT_NEAR(m[13], -420.0 / 380, 1e-6);
-    freetype::pop_projection_matrix();
-    EXPECT_EQ(getInteger(GL_MATRIX_MODE), GL_TEXTURE);
-    EXPECT_EQ(getInteger(GL_PROJECTION_STACK_DEPTH), 1);
-    EXPECT_EQ(getInteger(GL_ATTRIB_STACK_DEPTH), 0);
-}
-
-TEST_F(FreeTypeTest, PrintDrawsLinesDownwardsInPixels)
-{
-    font.init(FONT, POINTS);
-    Reference reference(POINTS);
-    const auto drawn = quads([this] { freetype::print(1, font, 100, 200, "ab c\nd\n\ne"); });
-    ASSERT_EQ(drawn.size(), 5u);
-    std::size_t next = 0;
-    const float lineHeight = 12 / 0.63f;
-    expectText(drawn, next, reference, "ab c", 100, 200);
-    expectText(drawn, next, reference, "d", 100, 200 - lineHeight);
-    expectText(drawn, next, reference, "e", 100, 200 - 3 * lineHeight);
-}
-
-TEST_F(FreeTypeTest, ALineEndIsFollowedByAnEmptyLine)
-{
-    font.init(FONT, POINTS);
-    Reference reference(POINTS);
-    const auto drawn = quads([this] { freetype::print(1, font, 100, 200, "a\n"); });
-    ASSERT_EQ(drawn.size(), 1u);
-    std::size_t next = 0;
-    expectText(drawn, next, reference, "a", 100, 200);
-    EXPECT_TRUE(quads([this] { freetype::print(1, font, 100, 200, "%s", "\n\n"); }).empty());
-}
-
-TEST_F(FreeTypeTest, PrintFormatsItsArguments)
-{
-    font.init(FONT, POINTS);
-    Reference reference(POINTS);
-    const auto drawn =
-        quads([this] { freetype::print(1, font, 10, 50, "%d-%.1f%s", 42, 2.5, "x"); });
-    std::size_t next = 0;
-    expectText(drawn, next, reference, "42-2.5x", 10, 50);
-    EXPECT_EQ(next, drawn.size());
-}
-
-TEST_F(FreeTypeTest, PrintCutsALongTextAfter255Characters)
-{
-    font.init(FONT, POINTS);
-    glViewport(0, 0, 8000, 740); // so that no character is clipped
-    const std::string text(1000, 'i');
-    const auto drawn = quads([&] { freetype::print(1, font, 0, 100, "%s", text.c_str()); });
-    EXPECT_EQ(drawn.size(), 255u);
-}
-
-TEST_F(FreeTypeTest, ANullFormatIsAnEmptyText)
-{
-    font.init(FONT, POINTS);
-    const char* nothing = nullptr;
-    EXPECT_TRUE(quads([&] { freetype::print(1, font, 0, 0, nothing); }).empty());
-    EXPECT_EQ(getInteger(GL_PROJECTION_STACK_DEPTH), 1);
-}
-
-TEST_F(FreeTypeTest, TheModelviewMatrixActsBeforeTheShiftToThePosition)
-{
-    font.init(FONT, POINTS);
-    Reference reference(POINTS);
-    FT_GlyphSlot glyph = reference.glyph('g');
-    const auto rows = static_cast<int>(glyph->bitmap.rows);
-    glTranslatef(5, 7, 0);
-    glScalef(2, 3, 1);
-    const std::vector<float> before = getMatrix(GL_MODELVIEW_MATRIX);
-    const auto drawn = quads([this] { freetype::print(1, font, 100, 200, "g"); });
-    ASSERT_EQ(drawn.size(), 1u);
-    expectQuad(drawn[0], 105 + 2 * static_cast<float>(glyph->bitmap_left),
-               207 + 3 * static_cast<float>(glyph->bitmap_top - rows),
-               2 * static_cast<float>(glyph->bitmap.width), 3 * static_cast<float>(rows));
-    EXPECT_EQ(getMatrix(GL_MODELVIEW_MATRIX), before);
-    EXPECT_EQ(getInteger(GL_MODELVIEW_STACK_DEPTH), 1);
-}
-
-TEST_F(FreeTypeTest, Mode0ShiftsTheTextByItsWholeLength)
-{
-    font.init(FONT, POINTS);
-    Reference reference(POINTS);
-    const auto drawn = quads([this] {
-        freetype::pushScreenCoordinateMatrix();
-        freetype::print(0, font, 300, 200, "ab\nc");
-    });
-    ASSERT_EQ(drawn.size(), 3u);
-    std::size_t next = 0;
-    expectText(drawn, next, reference, "ab", 300 - 40, 200 - 10);
-    expectText(drawn, next, reference, "c", 300 - 40, 200 - 10 - 12 / 0.63f);
-    EXPECT_EQ(getInteger(GL_PROJECTION_STACK_DEPTH), 1);
-    EXPECT_EQ(getInteger(GL_MODELVIEW_STACK_DEPTH), 1);
-    EXPECT_EQ(getMatrix(GL_MODELVIEW_MATRIX)[12], 0);
-}
-
-TEST_F(FreeTypeTest, OtherModesDoNotShiftTheText)
-{
-    font.init(FONT, POINTS);
-    Reference reference(POINTS);
-    for (const int mode : {2, -1}) {
-        const auto drawn = quads([this, mode] {
-            freetype::pushScreenCoordinateMatrix();
-            freetype::print(mode, font, 300, 200, "ab");
-        });
-        ASSERT_EQ(drawn.size(), 2u);
-        std::size_t next = 0;
-        expectText(drawn, next, reference, "ab", 300, 200);
-        EXPECT_EQ(getInteger(GL_PROJECTION_STACK_DEPTH), 1);
-    }
-}
-
-/// Deliberate: callers of the modes other than 1 push the projection matrix themselves.
-TEST_F(FreeTypeTest, EveryModePopsTheProjectionMatrixOnce)
-{
-    font.init(FONT, POINTS);
-    for (const auto& [mode, expected] : {std::pair{1, 3}, {0, 2}, {2, 2}}) {
-        glMatrixMode(GL_PROJECTION);
-        glPushMatrix();
-        glPushMatrix();
-        glMatrixMode(GL_MODELVIEW);
-        freetype::print(mode, font, 0, 0, "a");
-        EXPECT_EQ(getInteger(GL_PROJECTION_STACK_DEPTH), expected) << mode;
-        glMatrixMode(GL_PROJECTION);
-        while (getInteger(GL_PROJECTION_STACK_DEPTH) > 1) {
-            glPopMatrix();
-        }
-        glMatrixMode(GL_MODELVIEW);
-    }
-}
-
-TEST_F(FreeTypeTest, PrintRestoresTheStateButTheBlendFunction)
-{
-    font.init(FONT, POINTS);
-    glEnable(GL_LIGHTING);
-    glEnable(GL_DEPTH_TEST);
-    glListBase(77);
-    glColor4f(0.25f, 0.5f, 0.75f, 1);
-    glMatrixMode(GL_TEXTURE);
-    freetype::print(1, font, 100, 100, "text");
-    EXPECT_EQ(getInteger(GL_MATRIX_MODE), GL_TEXTURE);
-    EXPECT_EQ(getInteger(GL_LIST_BASE), 77);
-    EXPECT_TRUE(isEnabled(GL_LIGHTING));
-    EXPECT_TRUE(isEnabled(GL_DEPTH_TEST));
-    EXPECT_FALSE(isEnabled(GL_TEXTURE_2D));
-    EXPECT_FALSE(isEnabled(GL_BLEND));
-    EXPECT_EQ(getInteger(GL_ATTRIB_STACK_DEPTH), 0);
-    EXPECT_EQ(getInteger(GL_BLEND_SRC), GL_SRC_ALPHA);
-    EXPECT_EQ(getInteger(GL_BLEND_DST), GL_ONE_MINUS_SRC_ALPHA);
-    glListBase(0);
 }
 
 TEST_F(FreeTypeTest, TheFirstRowOfABitmapIsTheTopOfTheGlyph)

@@ -524,6 +524,10 @@ TEST_F(OggSoundTest, CleanUpLeavesAnEmptySound)
     load(sound, {.samples = 1000});
     const ALuint source = sound.sourceID;
     sound.play();
+    alSourcePause(source);
+    alSourcef(source, AL_SAMPLE_OFFSET, 500);
+    EXPECT_EQ(sound.getState(), AL_PAUSED);
+    EXPECT_EQ(sound.getPlaybackOffset(), 0.5f);
     sound.cleanUp();
     EXPECT_EQ(alIsSource(source), AL_FALSE);
     EXPECT_EQ(sound.bufferData.size(), 2000u);

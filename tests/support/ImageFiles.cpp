@@ -8,6 +8,7 @@
 #include <iterator>
 #include <memory>
 #include <random>
+#include <system_error>
 #include <unistd.h>
 
 #include <jpeglib.h>
@@ -48,6 +49,15 @@ TempPath::~TempPath()
 bool TempPath::exists() const
 {
     return std::filesystem::exists(path);
+}
+
+bool TempPath::isOpen() const
+{
+    const std::filesystem::directory_iterator descriptors("/proc/self/fd");
+    return std::any_of(begin(descriptors), end(descriptors), [this](const auto& descriptor) {
+        std::error_code gone;
+        return std::filesystem::read_symlink(descriptor, gone) == path;
+    });
 }
 
 Bytes TempPath::read() const
@@ -185,14 +195,4 @@ Picture readJpeg(const TempPath& path)
     jpeg_finish_decompress(&jpeg);
     jpeg_destroy_decompress(&jpeg);
     return picture;
-}
-
-std::size_t openFiles()
-{
-    std::size_t count = 0;
-    for ([[maybe_unused]] const auto& entry :
-         std::filesystem::directory_iterator("/proc/self/fd")) {
-        ++count;
-    }
-    return count;
 }

@@ -18,6 +18,8 @@ public:
 
     const char* name() const { return path.c_str(); }
     bool exists() const;
+    /// This process has the file open.
+    bool isOpen() const;
     Bytes read() const;
     void write(const Bytes& bytes) const;
 
@@ -59,6 +61,3 @@ void writeJpeg(const TempPath& path, const Picture& picture, int quality = 90,
 
 /// What libjpeg makes of a file that is whole.
 Picture readJpeg(const TempPath& path);
-
-/// How many file descriptors this process has open.
-std::size_t openFiles();

@@ -3,6 +3,7 @@
 #include "Bits.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <sstream>
 
@@ -54,7 +55,10 @@ void print(std::ostream& out, const char* label, const std::array<float, N>& val
 {
     out << ' ' << label;
     for (const float value : values) {
-        out << ' ' << std::hex << bits(value) << std::dec << '(' << value << ')';
+        out << ' ' << std::hex << bits(value) << std::dec;
+        if (!std::isnan(value)) {
+            out << '(' << value << ')';
+        }
     }
 }
 
