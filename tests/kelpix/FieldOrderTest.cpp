@@ -79,7 +79,7 @@ TEST(FieldOrderTest, SceneAndCamera)
     expectInOrder(v.x, v.y, v.w, v.h, v.offset);
     const Point2 p{};
     expectInOrder(p.x, p.y);
-    const UserEvent e;
+    const UserEvent e{};
     expectInOrder(e.eventType, e.eventData);
 }
 
@@ -107,7 +107,7 @@ TEST(FieldOrderTest, Grid)
 
 TEST(FieldOrderTest, Boids)
 {
-    const Boid b;
+    Boid b;
     expectInOrder(b.pscale, b.pos, b.vel, b.orientation, b.flockCenter, b.obstacleList,
                   b.sensorList, b.type, b.bbox, b.initialized, b.searchRadius, b.boidId, b.myBucket,
                   b.boider, b.mode, b.outOfBound, b.bubbleTex, b.counter);
