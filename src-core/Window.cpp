@@ -15,8 +15,6 @@
 
 namespace {
 
-constexpr int LAST_HANDLED_EVENT = FL_MOUSEWHEEL;
-
 /// The largest magnitude in a column of a matrix.
 float magnitude(const float* column)
 {
@@ -135,9 +133,6 @@ void Window::resize(int x, int y, int w, int h)
 
 int Window::handle(int event)
 {
-    if (event > LAST_HANDLED_EVENT) {
-        return 0;
-    }
     switch (event) {
     case FL_PUSH:
         if (Fl::event_button() == FL_RIGHT_MOUSE) {
