@@ -5,6 +5,7 @@
 #include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <memory>
 
 namespace {
 
@@ -183,6 +184,51 @@ TEST_F(ProgramTest, WithoutADisplayItSaysSo)
         scene.program.errors(),
         AllOf(StartsWith("kelpix: no window: "), HasSubstr("display"),
               EndsWith("Start it in a graphical session, or set DISPLAY to an X server.\n")));
+}
+
+/// An X server besides that of the test. It ends with this object.
+class Server {
+public:
+    explicit Server(const std::vector<std::string>& options)
+        : xvfb(std::make_unique<Program>(commandWith(options)))
+    {
+        EXPECT_TRUE(xvfb->waitForOutput("\n"));
+        display = ":" + xvfb->output();
+        display.pop_back();
+    }
+
+    std::unique_ptr<Program> xvfb;
+    std::string display;
+
+private:
+    static std::vector<std::string> commandWith(const std::vector<std::string>& options)
+    {
+        std::vector<std::string> command = {"Xvfb",     "-displayfd", "1", "-nolisten",   "tcp",
+                                            "-noreset", "-screen",    "0", "1280x1024x24"};
+        command.insert(command.end(), options.begin(), options.end());
+        return command;
+    }
+};
+
+TEST_F(ProgramTest, OnADisplayWithoutGLItSaysSo)
+{
+    const Server server({"-extension", "GLX"});
+    Scene scene(folder, {{"DISPLAY", server.display}});
+    EXPECT_EQ(scene.program.wait(), 1);
+    EXPECT_EQ(scene.program.output(), Scene::startText(folder));
+    EXPECT_THAT(scene.program.errors(),
+                EndsWith("kelpix: no window: the display offers no OpenGL with double buffering, "
+                         "accumulation, alpha and depth.\n"));
+}
+
+TEST_F(ProgramTest, ItEndsWithItsDisplay)
+{
+    Server server({});
+    Scene scene(folder, {{"DISPLAY", server.display}});
+    EXPECT_TRUE(scene.program.waitForOutput("GLEW ok;"));
+    server.xvfb.reset();
+    EXPECT_EQ(scene.program.wait(), 1);
+    EXPECT_THAT(scene.program.errors(), StartsWith("kelpix: no window: "));
 }
 
 TEST_F(ProgramTest, AnEmptyFolderIsDescribedWhole)

@@ -92,8 +92,8 @@ Program::Program(const std::vector<std::string>& command, const std::filesystem:
 Program::~Program()
 {
     if (!hasEnded()) {
-        kill(-process, SIGKILL);
-        waitpid(process, nullptr, 0);
+        kill(-process, SIGTERM);
+        wait();
     }
 }
 
