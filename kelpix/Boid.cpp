@@ -285,8 +285,8 @@ void Boid::getAvoidVector(Vec3& avoid, Boid* boid, BOID_COLLISION_MODE mode)
     } else {
         return;
     }
-    const auto factor = [strength] {
-        return static_cast<float>(std::rand() % strength + strength / 2);
+    const auto factor = [strength, least = strength / 2] {
+        return static_cast<float>(std::rand() % strength + least);
     };
     avoid.x = separation.x * factor();
     avoid.y = separation.y * factor();

@@ -16,6 +16,7 @@
 #include <ctime>
 #include <exception>
 #include <stdexcept>
+#include <string>
 
 namespace {
 
@@ -23,6 +24,14 @@ freetype::font_data our_font;
 
 void drawCallback(Window*)
 {
+}
+
+/// Closes the sound device however the process ends, or OpenAL would complain of it.
+void closeSound()
+{
+    if (alcGetCurrentContext()) {
+        OggSound::exitAL();
+    }
 }
 
 OggSound* loadSound(const char* path)
@@ -52,6 +61,7 @@ int runScene(int argc, char** argv)
 {
     std::srand(static_cast<unsigned>(std::time(nullptr)));
     OggSound::initAL(&argc, argv);
+    std::atexit(closeSound);
     if (!alcGetCurrentContext()) {
         std::fprintf(stderr, "kelpix: no sound device: the scene is silent and its figures rest. "
                              "ALSOFT_DRIVERS=null plays to nowhere and lets them move.\n");

@@ -8,7 +8,7 @@ namespace {
 
 unsigned char toByte(float v)
 {
-    return static_cast<unsigned char>(clamp01(v) * 255.0f + 0.5f);
+    return static_cast<unsigned char>(std::lround(clamp01(v) * 255.0f));
 }
 
 /// One box blur along a line of \p count pixels that lie \p stride apart; beyond its ends the line
@@ -52,21 +52,10 @@ void Canvas::blend(int x, int y, Color colour, float coverage)
         Color{colour.r * alpha, colour.g * alpha, colour.b * alpha, alpha} + under * (1 - alpha);
 }
 
-void Canvas::glow(int x, int y, Color colour, float strength)
-{
-    if (x < 0 || y < 0 || x >= columns || y >= rows) {
-        return;
-    }
-    Color& under = at(x, y);
-    under.r += colour.r * strength;
-    under.g += colour.g * strength;
-    under.b += colour.b * strength;
-}
-
-void Canvas::draw(const Canvas& layer, float opacity)
+void Canvas::draw(const Canvas& layer)
 {
     for (std::size_t i = 0; i < pixels.size(); ++i) {
-        const Color over = layer.pixels[i] * opacity;
+        const Color& over = layer.pixels[i];
         pixels[i] = over + pixels[i] * (1 - over.a);
     }
 }
@@ -96,7 +85,8 @@ Bitmap Canvas::toRgb(float dither) const
     image.bytes.reserve(pixels.size() * 3);
     Random random(1);
     for (const Color& c : pixels) {
-        const float noise = (random.unit() + random.unit() - 1) * dither / 255;
+        const float one = random.unit();
+        const float noise = (one - random.unit()) * dither / 255;
         for (const float channel : {c.r, c.g, c.b}) {
             image.bytes.push_back(toByte(channel + noise));
         }

@@ -28,14 +28,18 @@ public:
     Color& at(int x, int y) { return pixels[index(x, y)]; }
     const Color& at(int x, int y) const { return pixels[index(x, y)]; }
 
+    /// Where the centre of a pixel lies in the unit square, y down.
+    Point centre(int x, int y) const
+    {
+        return {(static_cast<float>(x) + 0.5f) / static_cast<float>(columns),
+                (static_cast<float>(y) + 0.5f) / static_cast<float>(rows)};
+    }
+
     /// Lays a colour (alpha not multiplied in) over a pixel. Outside the canvas nothing happens.
     void blend(int x, int y, Color colour, float coverage = 1);
 
-    /// Adds light to a pixel without covering it. Outside the canvas nothing happens.
-    void glow(int x, int y, Color colour, float strength);
-
     /// Lays another canvas of the same size over this one.
-    void draw(const Canvas& layer, float opacity = 1);
+    void draw(const Canvas& layer);
 
     /// Softens the picture as a lens out of focus does: three box blurs, which together are close
     /// to a Gaussian of the given standard deviation in pixels.

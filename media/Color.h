@@ -35,6 +35,14 @@ constexpr Color mix(Color a, Color b, float t)
     return {mix(a.r, b.r, t), mix(a.g, b.g, t), mix(a.b, b.b, t), mix(a.a, b.a, t)};
 }
 
+/// Light added as on a slide screen: the brighter the ground, the less it adds, so that nothing is
+/// cut off at white and colours keep their hue. The alpha is that of \p ground.
+constexpr Color screen(Color ground, Color light)
+{
+    return {ground.r + light.r * (1 - ground.r), ground.g + light.g * (1 - ground.g),
+            ground.b + light.b * (1 - ground.b), ground.a};
+}
+
 /// The colour with another alpha.
 constexpr Color withAlpha(Color c, float alpha)
 {

@@ -1,6 +1,7 @@
 #include "Cube.h"
 
 #include "Encode.h"
+#include "Noise.h"
 
 namespace media {
 
@@ -28,12 +29,29 @@ constexpr const char* MTL = "newmtl coral\n"
                             "Ns 16\n"
                             "map_Kd cube.png\n";
 
+/// The map: a tile of worn stone with a shell's spiral, the same on every face.
+Color tile(Point p, std::uint32_t seed)
+{
+    const Point q = p - Point{0.5f, 0.5f};
+    const float r = length(q);
+    const float border = std::max(std::abs(q.x), std::abs(q.y));
+    const float worn = fractal(p * 9, 4, seed) - 0.5f;
+    const float turns = std::atan2(q.y, q.x) / (2 * PI) + std::log(std::max(r, 0.01f)) * 1.6f;
+    const float whorl = std::abs(turns - std::floor(turns) - 0.5f) * 2;
+    const Color shell =
+        mix(rgb(255, 150, 110), rgb(255, 235, 205), smoothstep(0.15f, 0.75f, whorl));
+    Color c = mix(shell, rgb(52, 132, 140), smoothstep(0.33f, 0.36f, r + 0.02f * worn));
+    c = mix(c, rgb(150, 214, 200), smoothstep(0.44f, 0.46f, border));
+    return lit(c, 1 + 0.5f * worn);
+}
+
 } // namespace
 
-std::vector<File> makeCube(const Request&)
+std::vector<File> makeCube(const Request& request)
 {
     Canvas canvas(64, 64);
-    canvas.paint(4, [](Point p) { return mix(rgb(255, 120, 90), rgb(255, 210, 160), p.y); });
+    const auto seed = static_cast<std::uint32_t>(request.seed) + 50;
+    canvas.paint(4, [seed](Point p) { return withAlpha(tile(p, seed), 1); });
     return {{"data/cube.obj", OBJ, "6 faces"},
             {"data/cube.mtl", MTL, "1 material"},
             {"data/cube.png", encodePng(canvas.toRgb()), "64 x 64"}};

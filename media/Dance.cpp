@@ -1,6 +1,6 @@
 #include "Dance.h"
 
-#include "Point.h"
+#include "Choreography.h"
 
 #include <cstdio>
 
@@ -8,40 +8,72 @@ namespace media {
 
 namespace {
 
-std::string record(int row, int seconds)
+/// The scene scales a recorded position by this and adds the figure's home.
+constexpr float SENSOR_SCALE = 0.45f;
+
+/// Appends a number with a fixed count of digits, and never "-0".
+void append(std::string& line, double value, int digits)
 {
-    const float t = static_cast<float>(row) / 90;
-    const float present = smoothstep(1, 6, t) * smoothstep(static_cast<float>(seconds) - 1.5f,
-                                                           static_cast<float>(seconds) - 8, t);
-    std::string line;
-    char text[128];
-    std::snprintf(text, sizeof text, "%.4f", static_cast<double>(t));
-    line = text;
-    for (int k = 0; k < 3; ++k) {
-        const float a = t * 0.6f + static_cast<float>(k) * 2.1f;
-        const float px = present * 0.5f * std::sin(a);
-        const float py = present * (1.4f + 0.4f * std::sin(a * 1.7f));
-        std::snprintf(text, sizeof text, " %.5f %.5f 0 0 0 0", static_cast<double>(px),
-                      static_cast<double>(py));
-        line += text;
+    char text[64];
+    std::snprintf(text, sizeof text, " %.*f", digits, value);
+    const bool zero = std::string_view(text).find_first_of("123456789") == std::string_view::npos;
+    line += zero ? " 0" : text;
+}
+
+/// The heading of a figure in degrees, counter-clockwise from straight up, for each moment. A
+/// figure at rest keeps its heading.
+std::vector<double> headings(const std::vector<Pose>& poses, std::size_t figure)
+{
+    std::vector<double> degrees(poses.size(), 0.0);
+    for (std::size_t i = 1; i < poses.size(); ++i) {
+        const Point way = poses[i][figure] - poses[i - 1][figure];
+        degrees[i] = length(way) < 1e-5f
+                         ? degrees[i - 1]
+                         : static_cast<double>(std::atan2(-way.x, way.y) * 180 / PI);
     }
-    return line + " 0 0 0 0 0 0\n";
+    return degrees;
+}
+
+/// 25 words a record: the time, for each figure a position and an orientation of three words each,
+/// and six words that the scene skips.
+std::string writeRecords(const std::vector<Pose>& poses, std::size_t count)
+{
+    std::array<std::vector<double>, FIGURES> turned;
+    for (std::size_t k = 0; k < FIGURES; ++k) {
+        turned[k] = headings(poses, k);
+    }
+    std::string text;
+    for (std::size_t i = 0; i < count; ++i) {
+        char time[32];
+        std::snprintf(time, sizeof time, "%.4f", static_cast<double>(i) / RECORDS_PER_SECOND);
+        text += time;
+        for (std::size_t k = 0; k < FIGURES; ++k) {
+            const Point off = (poses[i][k] - homeOf(static_cast<int>(k))) * (1 / SENSOR_SCALE);
+            append(text, static_cast<double>(off.x), 5);
+            append(text, static_cast<double>(off.y), 5);
+            text += " 0 0 0";
+            append(text, turned[k][i], 1);
+        }
+        text += " 0 0 0 0 0 0\n";
+    }
+    return text;
 }
 
 } // namespace
 
 std::vector<File> makeDance(const Request& request)
 {
-    const int records = 90 * request.seconds;
-    std::string dance;
-    for (int i = 0; i < records; ++i) {
-        dance += record(i, request.seconds);
-    }
-    const std::string rehearsal = dance;
-    dance += record(records, request.seconds);
+    // The clock of the scene reaches the number of records of the shortest recording when the
+    // voice ends, and a figure without that record ends the scene. The rehearsal is the shortest
+    // recording, so that the dance still has a record there.
+    const Score score = makeScore(request.seconds);
+    const std::vector<Pose> dance = choreograph(score, false);
+    const std::vector<Pose> rehearsal = choreograph(score, true);
+    const std::size_t records = dance.size();
     return {{"data/mocap.txt", "MOCAP\n2 3\ndata/dance.txt\ndata/rehearsal.txt\n", "2 recordings"},
-            {"data/dance.txt", dance, std::to_string(records + 1) + " records"},
-            {"data/rehearsal.txt", rehearsal, std::to_string(records) + " records"}};
+            {"data/dance.txt", writeRecords(dance, records), std::to_string(records) + " records"},
+            {"data/rehearsal.txt", writeRecords(rehearsal, records - 1),
+             std::to_string(records - 1) + " records"}};
 }
 
 } // namespace media

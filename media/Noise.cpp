@@ -80,7 +80,7 @@ float caustics(Point p, float time, std::uint32_t seed)
     const Point bend{fractal(p * 0.7f + Point{time, 3.1f}, 2, seed + 11) - 0.5f,
                      fractal(p * 0.7f + Point{7.7f, time}, 2, seed + 23) - 0.5f};
     const Cells c = cells(p + bend * 1.6f + Point{time * 0.3f, -time * 0.2f}, seed);
-    const float thread = 1 - clamp01((c.second - c.nearest) * 1.4f);
+    const float thread = 1 - clamp01((c.second - c.nearest) * 1.9f);
     return thread * thread * thread;
 }
 

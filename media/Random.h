@@ -6,7 +6,8 @@ namespace media {
 
 /// A small integer random generator (Vigna's SplitMix64). The distributions are spelled out here,
 /// since those of the standard library differ from one library to the next, and the same seed has
-/// to make the same bytes everywhere.
+/// to give the same numbers everywhere. For the same reason two calls never stand in one expression
+/// whose order of evaluation is left to the compiler.
 class Random {
 public:
     /// \param stream  makes generators of one seed independent of each other

@@ -1,1 +1,75 @@
 #include "Score.h"
+
+namespace media {
+
+namespace {
+
+// One for sorrow, two for joy: a falling and a rising half of a tune in the Dorian mode on D. The
+// first phrase of a pair asks, and in the rest after the second the bird answers. The dancers keep
+// about a fifth of the picture between them, so that a school of fish gathers around each; at the
+// end of the first half they meet, and the schools with them.
+const std::array<Phrase, PHRASES_PER_VERSE> VERSE = {{
+    {{{62, 1.0, Vowel::O}, {69, 1.5, Vowel::A}, {67, 0.5, Vowel::O}, {0, 1.0, Vowel::O}},
+     50,
+     false,
+     {{{0.70f, 0.40f}, {0.50f, 0.52f}, {0.30f, 0.42f}}}},
+    {{{65, 0.75, Vowel::O}, {67, 0.25, Vowel::O}, {69, 1.75, Vowel::A}, {0, 1.25, Vowel::A}},
+     53,
+     true,
+     {{{0.78f, 0.54f}, {0.60f, 0.46f}, {0.41f, 0.38f}}}},
+    {{{72, 1.0, Vowel::A},
+      {71, 0.5, Vowel::E},
+      {69, 0.5, Vowel::A},
+      {67, 1.0, Vowel::O},
+      {0, 1.0, Vowel::O}},
+     48,
+     false,
+     {{{0.66f, 0.60f}, {0.46f, 0.60f}, {0.26f, 0.50f}}}},
+    {{{69, 0.5, Vowel::O}, {65, 0.5, Vowel::O}, {62, 1.75, Vowel::U}, {0, 1.25, Vowel::U}},
+     50,
+     true,
+     {{{0.55f, 0.46f}, {0.47f, 0.54f}, {0.43f, 0.44f}}}},
+    {{{62, 0.5, Vowel::O},
+      {65, 0.5, Vowel::O},
+      {69, 0.5, Vowel::A},
+      {74, 1.5, Vowel::A},
+      {0, 1.0, Vowel::A}},
+     55,
+     false,
+     {{{0.72f, 0.36f}, {0.54f, 0.66f}, {0.26f, 0.50f}}}},
+    {{{76, 0.5, Vowel::E},
+      {74, 0.5, Vowel::A},
+      {72, 0.5, Vowel::A},
+      {71, 0.5, Vowel::E},
+      {69, 0.75, Vowel::O},
+      {0, 1.25, Vowel::O}},
+     57,
+     true,
+     {{{0.58f, 0.28f}, {0.72f, 0.46f}, {0.38f, 0.32f}}}},
+    {{{67, 0.5, Vowel::O},
+      {69, 0.5, Vowel::A},
+      {72, 1.0, Vowel::A},
+      {69, 1.0, Vowel::O},
+      {0, 1.0, Vowel::O}},
+     53,
+     false,
+     {{{0.40f, 0.44f}, {0.60f, 0.58f}, {0.22f, 0.54f}}}},
+    {{{67, 0.5, Vowel::O}, {64, 0.5, Vowel::E}, {62, 1.75, Vowel::U}, {0, 1.25, Vowel::U}},
+     50,
+     true,
+     {{{0.62f, 0.56f}, {0.44f, 0.44f}, {0.28f, 0.36f}}}},
+}};
+
+} // namespace
+
+Score makeScore(int seconds)
+{
+    Score score{seconds, seconds - CODA, {}};
+    for (int i = 0; PRELUDE + (i + 1) * PHRASE <= score.coda; ++i) {
+        score.cues.push_back({PRELUDE + i * PHRASE, i / PHRASES_PER_VERSE,
+                              &VERSE[static_cast<std::size_t>(i % PHRASES_PER_VERSE)]});
+    }
+    return score;
+}
+
+} // namespace media

@@ -1,3 +1,54 @@
 #pragma once
+
+#include "Point.h"
+
+#include <array>
+#include <vector>
+
 namespace media {
-}
+
+constexpr double BEAT = 0.84375;    ///< seconds
+constexpr double PHRASE = 4 * BEAT; ///< seconds
+constexpr double PRELUDE = 3.0;     ///< seconds before the first phrase, soft and without dance
+constexpr double CODA = 9.0;        ///< seconds at the end in which the song and the dance die away
+constexpr int PHRASES_PER_VERSE = 8;
+constexpr int FIGURES = 3;
+
+/// A vowel to sing on, or the hum of closed lips.
+enum class Vowel { A, E, O, U, M };
+
+struct Note {
+    int pitch; ///< in semitones, 60 = the C of 261.6 Hz; 0 = silence
+    double beats;
+    Vowel vowel;
+};
+
+/// Four beats of the piece: what the voices sing, and where it takes the dancers.
+struct Phrase {
+    std::vector<Note> melody; ///< beats add up to 4, the last note is a rest
+    int bass;                 ///< pitch of the lower voice
+    bool answered;            ///< whether the bird answers in the rest
+    /// Where the figures are when the phrase ends, in the scene's world: x to the right, y up,
+    /// the picture is 0 .. 1.
+    std::array<Point, FIGURES> places;
+};
+
+/// A phrase at its time.
+struct Cue {
+    double start; ///< seconds
+    int verse;
+    const Phrase* phrase;
+};
+
+/// The piece: verses of eight phrases between a prelude and a coda. Both the voice and the dance
+/// are made from it, so that they belong together.
+struct Score {
+    int seconds;
+    double coda;           ///< its start in seconds
+    std::vector<Cue> cues; ///< in order; none reaches into the coda
+};
+
+/// \param seconds  the length of the piece, at least PRELUDE + PHRASE + CODA
+Score makeScore(int seconds);
+
+} // namespace media

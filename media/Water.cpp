@@ -1,32 +1,122 @@
 #include "Water.h"
 
+#include "Cliffs.h"
 #include "Encode.h"
+#include "Kelp.h"
+#include "Light.h"
 #include "Noise.h"
+#include "Reef.h"
+#include "Seabed.h"
 
 namespace media {
+
+namespace {
+
+// Two forests stand behind the dunes and two in front of them, each larger and clearer than the
+// one behind.
+constexpr KelpForest FAR_KELP[] = {{9, 0.42f, 0.060f, 0.86f, 0.14f, 0.80f, 0.0034f},
+                                   {6, 0.33f, 0.085f, 0.89f, 0.08f, 0.62f, 0.0020f}};
+constexpr KelpForest NEAR_KELP[] = {{4, 0.22f, 0.120f, 0.94f, 0.02f, 0.34f, 0.0008f},
+                                    {2, 0.09f, 0.170f, 1.02f, -0.06f, 0.08f, 0}};
+
+/// What shows beside the picture in a wide window is (5, 26, 38). The scene halves the picture.
+constexpr Color SURROUND = rgb(10, 51, 77);
+
+/// Calls \p change with every pixel and its place in the unit square.
+template<typename Change>
+void forEachPixel(Canvas& canvas, Change change)
+{
+    for (int y = 0; y < canvas.height(); ++y) {
+        for (int x = 0; x < canvas.width(); ++x) {
+            change(canvas.at(x, y), canvas.centre(x, y));
+        }
+    }
+}
+
+/// Lets shafts of sunlight fall before everything that is painted so far.
+void shine(Canvas& canvas, const Light& light, float strength)
+{
+    forEachPixel(canvas, [&](Color& pixel, Point p) {
+        pixel = screen(pixel, Light::shaftColour() * (light.shafts(p) * strength));
+    });
+}
+
+/// What drifts in every sea: specks that light up where the sun reaches them, most of them tiny,
+/// a few close to the eye and out of focus.
+void scatterSpecks(Canvas& canvas, const Light& light, Random random)
+{
+    const auto size = static_cast<float>(canvas.width());
+    for (int i = 0; i < 420; ++i) {
+        const bool close = i % 40 == 0;
+        const Point at{random.unit(), random.unit()};
+        const float large = random.unit();
+        const float radius = mix(0.0007f, 0.0022f, large * large) + (close ? 0.004f : 0.0f);
+        const float own = close ? 0.10f : random.between(0.15f, 0.55f);
+        const float bright = own * (0.25f + light.sunlight(at) + light.shafts(at));
+        const int reach = static_cast<int>(radius * size * 1.5f) + 1;
+        const int cx = static_cast<int>(at.x * size);
+        const int cy = static_cast<int>(at.y * size);
+        for (int y = cy - reach; y <= cy + reach; ++y) {
+            for (int x = cx - reach; x <= cx + reach; ++x) {
+                const float disc =
+                    smoothstep(1.3f, 0.5f, length(canvas.centre(x, y) - at) / radius);
+                canvas.blend(x, y, rgb(120, 250, 235), disc * bright);
+            }
+        }
+    }
+}
+
+/// Brings the picture to full strength, since the scene shows it at half, and darkens the corners.
+void develop(Canvas& canvas)
+{
+    const auto lift = [](float v) { return 1 - std::pow(1 - clamp01(v), 1.35f); };
+    forEachPixel(canvas, [lift](Color& pixel, Point p) {
+        const float corner = length({(p.x - 0.46f) * 1.15f, (p.y - 0.38f) * 0.85f});
+        const float shade = 1 - 0.38f * smoothstep(0.38f, 0.95f, corner);
+        pixel = lit({lift(pixel.r), lift(pixel.g), lift(pixel.b), 1}, shade);
+    });
+}
+
+/// Lets the rim of the picture run out into its surroundings, with the uneven edge of a wash. Above
+/// and below, where a window never shows what lies beyond, a narrow rim is enough.
+void frame(Canvas& canvas, std::uint32_t seed)
+{
+    forEachPixel(canvas, [seed](Color& pixel, Point p) {
+        const float uneven = fractal(p * 9, 3, seed + 70);
+        const float sides = std::min(p.x, 1 - p.x) / mix(0.025f, 0.065f, uneven);
+        const float ends = std::min(p.y, 1 - p.y) / mix(0.018f, 0.030f, uneven);
+        pixel = mix(SURROUND, pixel, smoothstep(0.05f, 1, sides) * smoothstep(0.05f, 1, ends));
+    });
+}
+
+} // namespace
 
 std::vector<File> makeWater(const Request& request)
 {
     const int size = request.waterSize;
     const auto seed = static_cast<std::uint32_t>(request.seed);
+    const Light light(seed);
     Canvas canvas(size, size);
-    canvas.paint(1, [seed](Point p) {
-        const Color top = rgb(60, 220, 220);
-        const Color middle = rgb(12, 120, 170);
-        const Color deep = rgb(6, 56, 110);
-        Color c =
-            p.y < 0.4f ? mix(top, middle, p.y / 0.4f) : mix(middle, deep, (p.y - 0.4f) / 0.6f);
-        const float angle = (p.x - 0.42f) / (p.y + 0.25f);
-        c = c + rgb(60, 160, 150, 0) * (noise(angle * 9, seed) * smoothstep(0.8f, 0, p.y));
-        c = c + rgb(60, 120, 110, 0) * (caustics(p * 14, 0, seed) * smoothstep(0.25f, 0, p.y));
-        const float sand = 0.88f + 0.02f * noise(p.x * 4, seed + 1);
-        if (p.y > sand) {
-            c = mix(rgb(60, 120, 130), rgb(150, 150, 110), (p.y - sand) / 0.12f);
-            c = lit(c, 0.8f + 0.4f * fractal({p.x * 12, p.y * 60}, 3, seed + 2));
-        }
-        const float edge = std::min(std::min(p.x, 1 - p.x), std::min(p.y, 1 - p.y));
-        return withAlpha(mix(rgb(10, 51, 77), c, smoothstep(0, 0.05f, edge)), 1);
-    });
+    std::uint64_t stream = 10;
+    const auto plant = [&](const KelpForest& forest) {
+        canvas.draw(paintKelp(forest, light, size, Random(request.seed, stream++)));
+        shine(canvas, light, 0.24f);
+    };
+    canvas.paint(1, [&](Point p) { return screen(light.water(p), light.surface(p)); });
+    paintCliffs(canvas, light, seed);
+    shine(canvas, light, 0.8f);
+    for (const KelpForest& forest : FAR_KELP) {
+        plant(forest);
+    }
+    paintDunes(canvas, light, seed);
+    paintStones(canvas, light, Random(request.seed, 20));
+    paintReef(canvas, light, Random(request.seed, 21));
+    for (const KelpForest& forest : NEAR_KELP) {
+        plant(forest);
+    }
+    scatterSpecks(canvas, light, Random(request.seed, 30));
+    develop(canvas);
+    frame(canvas, seed);
     const std::string side = std::to_string(size);
     return {{"data/underwater.jpg", encodeJpeg(canvas.toRgb(2), 90), side + " x " + side}};
 }

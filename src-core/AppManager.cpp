@@ -3,17 +3,19 @@
 #include "Window.h"
 
 #include <FL/Fl.H>
-#include <cmath>
+#include <algorithm>
 
 float tm_idle = 0;
 float tm_draw = 0;
 
 namespace {
 
-/// Seconds between two firings. A period of 0 or less would keep the toolkit in its timer loop.
+/// Seconds between two firings. The toolkit makes up for every firing it has missed: a period of
+/// next to nothing, 0 or less would keep it in its timer loop.
 double period(float rate)
 {
-    return std::isfinite(rate) && rate > 0 ? 1.0 / static_cast<double>(rate) : 1.0;
+    constexpr double SHORTEST = 0.0001;
+    return rate > 0 ? std::max(1.0 / static_cast<double>(rate), SHORTEST) : 1.0;
 }
 
 } // namespace

@@ -28,7 +28,7 @@ public:
 
     /// Shows every window and starts its timers: redraws at \p redraw and updates at \p idle per
     /// second. With no windows it does nothing and leaves the rates unchanged.
-    /// A rate that is not a positive finite number counts as 1.
+    /// A rate that is not a positive number counts as 1, one above 10000 as 10000.
     void addTimeouts(float idle, float redraw);
 };
 

@@ -40,7 +40,9 @@ void Camera::setProjection(int w, int h)
         gluPerspective(60, static_cast<double>(aspect), 0.01, 100);
     } else {
         eye[2] = 0;
-        glOrtho(-w, w, -h, h, -100, 100);
+        const double right = w;
+        const double top = h;
+        glOrtho(-right, right, -top, top, -100, 100);
     }
 }
 
@@ -67,6 +69,7 @@ Point2* Camera::unproject(Point2* out, const Point2* in, const float* model)
     glGetDoublev(GL_MODELVIEW_MATRIX, modelview);
     glPopMatrix();
 
+    // GLU takes the viewport's origin off once more: deliberate, see the header.
     const double windowX = static_cast<double>(in->x) - viewport[0];
     const double windowY = (viewport[3] - 1) - (static_cast<double>(in->y) - viewport[1]);
     GLdouble x = 0;

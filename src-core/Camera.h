@@ -53,7 +53,9 @@ public:
     /// \param model  float[16], column-major: frame of the node to the frame of the current
     ///               modelview matrix
     /// \return \p out
-    /// Needs: current GL context with the modelview matrix selected. Restores: matrix stack.
+    /// The origin of the viewport is taken off twice, here and by GLU: deliberate, callers depend
+    /// on it. After one of the set-ups it is (0, 0). Needs: current GL context with the modelview
+    /// matrix selected. Restores: matrix stack.
     Point2* unproject(Point2* out, const Point2* in, const float* model);
 
 private:

@@ -4,7 +4,7 @@
 
 /// A joint of the scene: the mouse turns it. Never culled, draws nothing, and keeps the viewer's
 /// position for its children.
-class PivotNode final : public Node {
+class PivotNode : public Node {
 public:
     /// Draws and returns 1. Needs: current GL context; reads its modelview matrix.
     int cull() override;

@@ -4,7 +4,7 @@
 
 /// The top of a scene: the mouse pans and zooms it. Never culled, draws nothing, and keeps the
 /// viewer's position for its children.
-class RootNode final : public Node {
+class RootNode : public Node {
 public:
     /// Draws and returns 1. Needs: current GL context; reads its modelview matrix.
     int cull() override;

@@ -3,34 +3,56 @@
 #include "Window.h"
 
 #include "FreeType.h"
+#include "Matrix.h"
 #include "Node.h"
 #include "SceneGraph.h"
 #include "UserEvent.h"
 
 #include <FL/Fl.H>
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 
 namespace {
 
-constexpr int LAST_HANDLED_EVENT = FL_MOUSEWHEEL;
-
-/// Degrees that a drag of \p dy pixels turns the pivot: slower when zoomed in.
-float turnAngle(int dy, float pscale)
+/// The largest magnitude in a column of a matrix.
+float magnitude(const float* column)
 {
-    const float angle = static_cast<float>(dy) / pscale;
-    return std::isfinite(angle) ? angle : 0;
+    float largest = 0;
+    for (int row = 0; row < 4; ++row) {
+        largest = std::fmax(largest, std::fabs(column[row]));
+    }
+    return largest;
 }
 
-bool isUsableScale(float scale)
+/// Whether input can still move a node of this transform back to where it was: all elements are
+/// finite, and the scales in x and y are not so small that a multiplication would be rounded away.
+bool isUsable(const float* m)
 {
-    return std::isfinite(scale) && scale != 0;
+    return std::all_of(m, m + 16, [](float element) { return std::isfinite(element); }) &&
+           std::isnormal(magnitude(m)) && std::isnormal(magnitude(m + 4));
+}
+
+/// Moves the node, but takes back a move that makes its transform unusable: without end, input
+/// must not lead where no input leads back.
+/// \return whether the node moved
+template<typename Move>
+bool moveNode(Node* node, Move move)
+{
+    float before[16];
+    Matrix::dump_matrix(before, node->glTransform());
+    move();
+    if (isUsable(before) && !isUsable(node->glTransform())) {
+        Matrix::dump_matrix(node->glTransform(), before);
+        return false;
+    }
+    return true;
 }
 
 } // namespace
 
 Window::Window(int id, int x, int y, int w, int h)
-    : Fl_Gl_Window(x, y, w, h), windowId(id), height(h), width(w), origin{x, y}, early{w, h}
+    : Fl_Gl_Window(x, y, w, h, ""), windowId(id), height(h), width(w), origin{x, y}, early{w, h}
 {
     mode(FL_DOUBLE | FL_ACCUM | FL_ALPHA | FL_DEPTH);
     std::printf("Loading...\n");
@@ -64,8 +86,8 @@ void Window::initGL()
     glColorMaterial(GL_FRONT, GL_AMBIENT);
 
     render.getCamera()->ortho2D(0, 0, width, height, offset);
-    if (const SceneGraph* graph = render.getSG(); graph && graph->rootNode) {
-        pscale = graph->rootNode->transformmat[0];
+    if (const Node* root = rootNode()) {
+        pscale = root->transformmat[0];
     }
     if (our_font) {
         our_font->init("fonts/ChalkboardBold.ttf", 12);
@@ -104,14 +126,13 @@ void Window::resize(int x, int y, int w, int h)
         early = {w, h};
         return;
     }
+    // The toolkit announces a new size while the context of another window may be current.
+    make_current();
     render.getCamera()->reshape(x, y, w, h);
 }
 
 int Window::handle(int event)
 {
-    if (event > LAST_HANDLED_EVENT) {
-        return 0;
-    }
     switch (event) {
     case FL_PUSH:
         if (Fl::event_button() == FL_RIGHT_MOUSE) {
@@ -159,31 +180,20 @@ void Window::click(int x, int y)
 
 int Window::drag()
 {
-    SceneGraph* graph = render.getSG();
-    Node* root = graph ? graph->getRootNode() : nullptr;
-    Node* pivot = graph ? graph->getPivotNode() : nullptr;
     const int dx = Fl::event_x() - MOUSE[0];
     const int dy = Fl::event_y() - MOUSE[1];
     switch (Fl::event_key()) {
     case 'v':
-        if (root) {
-            root->translate(static_cast<float>(dx) / 1000, static_cast<float>(-dy) / 1000, 0);
-        }
+        pan(dx, dy);
         break;
     case 'z':
-        if (pivot) {
-            pivot->rotate(0, 0, 1, turnAngle(dy, pscale));
-        }
+        turn(0, 0, 1, dy);
         break;
     case 'x':
-        if (pivot) {
-            pivot->rotate(1, 0, 0, turnAngle(dy, pscale));
-        }
+        turn(1, 0, 0, dy);
         break;
     case 'c':
-        if (pivot) {
-            pivot->rotate(0, 1, 0, turnAngle(dy, pscale));
-        }
+        turn(0, 1, 0, dy);
         break;
     default:
         return 1;
@@ -193,22 +203,46 @@ int Window::drag()
     return 1;
 }
 
+void Window::pan(int dx, int dy)
+{
+    if (Node* root = rootNode()) {
+        const float x = static_cast<float>(dx) / 1000;
+        const float y = static_cast<float>(-dy) / 1000;
+        moveNode(root, [&] { root->translate(x, y, 0); });
+    }
+}
+
+void Window::turn(float x, float y, float z, int dy)
+{
+    const SceneGraph* graph = render.getSG();
+    if (Node* pivot = graph ? graph->pivotNode : nullptr) {
+        // Slower when zoomed in.
+        const float angle = static_cast<float>(dy) / pscale;
+        moveNode(pivot, [&] { pivot->rotate(x, y, z, angle); });
+    }
+}
+
 void Window::zoom(int dy)
 {
-    SceneGraph* graph = render.getSG();
-    Node* root = graph ? graph->getRootNode() : nullptr;
+    Node* root = rootNode();
     if (!root || dy == 0) {
         return;
     }
     const bool in = dy < 0;
     const float factor = in ? 1.25f : 0.8f;
     const float next = in ? pscale * 1.25f : pscale / 1.25f;
-    // Endless turning of the wheel must not leave a scale from which no step leads back.
-    if (!isUsableScale(next) || !isUsableScale(root->transformmat[0] * factor)) {
+    if (std::isnormal(pscale) && !std::isnormal(next)) {
         return;
     }
-    root->scale(factor, factor, 1);
-    pscale = next;
+    if (moveNode(root, [&] { root->scale(factor, factor, 1); })) {
+        pscale = next;
+    }
+}
+
+Node* Window::rootNode()
+{
+    const SceneGraph* graph = render.getSG();
+    return graph ? graph->rootNode : nullptr;
 }
 
 void timer(void* w)

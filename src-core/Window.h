@@ -4,6 +4,8 @@
 
 #include <FL/Fl_Gl_Window.H>
 
+class Node;
+
 namespace freetype {
 struct font_data;
 }
@@ -15,8 +17,11 @@ struct font_data;
 /// turn the pivot about its own z, x and y axis by the vertical movement. The wheel zooms the root.
 /// A right click, or space at the last position, sends a MOUSE_CLICK. q or Q hides the window.
 ///
-/// Everything runs on the toolkit's thread. draw, resize and initGL need this window's GL context
-/// to be current; the toolkit sees to that.
+/// A move that would leave a transform with numbers beyond the range of float is dropped, so that
+/// no amount of input leads where no input leads back.
+///
+/// Everything runs on the toolkit's thread. draw and initGL need this window's GL context to be
+/// current; the toolkit sees to that before it calls draw.
 class Window : public Fl_Gl_Window {
 public:
     int frames = 0;                          ///< frames drawn since the last sample
@@ -47,9 +52,10 @@ public:
     /// \return 1 when the event was used
     int handle(int event) override;
 
-    /// Sets the camera up for the new size; the position is ignored. The widget's own geometry is
-    /// left alone. Before there is a GL context nothing can be set up: a size that differs from
-    /// the constructed one is then applied right after initGL.
+    /// Makes this window's GL context current and sets the camera up for the new size; the position
+    /// is ignored. Deliberately not passed on to the base class: the widget's own geometry stays.
+    /// Before there is a GL context nothing can be set up: a size that differs from the constructed
+    /// one is then applied right after initGL.
     void resize(int x, int y, int w, int h) override;
 
     /// Hands \p x and \p y to the camera's ortho2D at the next GL initialisation.
@@ -83,7 +89,10 @@ private:
 
     void click(int x, int y);
     int drag();
+    void pan(int dx, int dy);
+    void turn(float x, float y, float z, int dy);
     void zoom(int dy);
+    Node* rootNode();
 };
 
 /// Timer callback, once a second: samples the frame rate of the Window \p w (null: nothing), then

@@ -47,6 +47,14 @@ std::size_t expectedBytes(const char* path, ogg_int64_t samples, int channels)
     return static_cast<std::size_t>(std::min(frames, believed / frameBytes) * frameBytes);
 }
 
+/// Goes to the first sample of a chain. After ov_open the decoder already stands there, but for a
+/// chain whose first link has all its audio in one Ogg page: that link would be left out.
+/// \return false when the stream is damaged
+bool rewindChain(OggVorbis_File& file)
+{
+    return ov_streams(&file) < 2 || ov_pcm_tell(&file) == 0 || ov_pcm_seek(&file, 0) == 0;
+}
+
 /// Appends the whole stream to \p out.
 /// \return false when the stream is damaged
 bool decode(OggVorbis_File& file, std::vector<char>& out)
@@ -88,6 +96,8 @@ void OggSound::initAL(int* argc, char** argv)
 
 void OggSound::exitAL()
 {
+    // alutExit closes nothing while an error is pending, and cleanUp leaves one behind.
+    alGetError();
     alutExit();
 }
 
@@ -138,7 +148,7 @@ void OggSound::loadOGG(const char* path, std::vector<char>& out, int& format, un
     bool complete = false;
     try {
         out.reserve(out.size() + expectedBytes(path, numSamples, channels));
-        complete = decode(vorbisFile, out);
+        complete = rewindChain(vorbisFile) && decode(vorbisFile, out);
     } catch (const std::bad_alloc&) {
         // A track that memory cannot hold ends like a damaged one.
     }
@@ -189,10 +199,12 @@ float OggSound::getPlaybackOffset()
 
 void OggSound::cleanUp()
 {
-    alDeleteBuffers(1, &bufferID);
-    bufferID = 0;
+    if (bufferID != 0) {
+        alDeleteBuffers(1, &bufferID);
+    }
     if (sourceID != 0) {
         alDeleteSources(1, &sourceID);
-        sourceID = 0;
     }
+    bufferID = 0;
+    sourceID = 0;
 }

@@ -1,0 +1,129 @@
+// tiles: reads the configuration of a tiled display wall, draws the wall in text, and lists what
+// each host shows on it.
+
+#include "TileConfig.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+namespace {
+
+/// Not a local of main: the process may end while it is being read, and it is printed after that.
+TileConfig config;
+
+bool isThisHost(const ClusterNode& host)
+{
+    return &host == config.getThisNodeCfg();
+}
+
+/// A window and its host.
+struct Tile {
+    const ClusterNode* host = nullptr;
+    const WindowEntity* window = nullptr;
+};
+
+/// The window at a place of the grid, the first one in the file; nothing if none is there.
+Tile tileAt(int column, int row)
+{
+    for (const ClusterNode* host : config.cluster->nList) {
+        for (const WindowEntity* window : host->wList) {
+            if (window->mapping[0] == column && window->mapping[1] == row) {
+                return {host, window};
+            }
+        }
+    }
+    return {};
+}
+
+/// One line of a tile, cut or padded to the width of the drawing's tiles.
+void printCell(const std::string& text)
+{
+    std::printf("| %-16.16s ", text.c_str());
+}
+
+void printRule(int columns)
+{
+    for (int column = 0; column < columns; ++column) {
+        std::printf("+------------------");
+    }
+    std::puts("+");
+}
+
+/// The file gives numbers without units or directions. This drawing takes TileMap for columns and
+/// rows, Map for the column and row of a window, both from 0 at the top left, and Location for x,
+/// y, width and height in pixels.
+void printWall()
+{
+    const int columns = config.cluster->tilemap[0];
+    const int rows = config.cluster->tilemap[1];
+    if (columns < 1 || columns > 12 || rows < 1 || rows > 24) {
+        std::puts("(a wall of this size is not drawn)");
+        return;
+    }
+    for (int row = 0; row < rows; ++row) {
+        printRule(columns);
+        for (int column = 0; column < columns; ++column) {
+            const Tile tile = tileAt(column, row);
+            const char* mark = tile.host && isThisHost(*tile.host) ? "* " : "";
+            printCell(tile.host ? mark + std::string(tile.host->hostname) : "");
+        }
+        std::puts("|");
+        for (int column = 0; column < columns; ++column) {
+            const WindowEntity* window = tileAt(column, row).window;
+            printCell(window ? std::to_string(window->location[2]) + " x " +
+                                   std::to_string(window->location[3])
+                             : "");
+        }
+        std::puts("|");
+    }
+    printRule(columns);
+}
+
+void printHost(const ClusterNode& host)
+{
+    std::printf("%s%s\n", host.hostname, isThisHost(host) ? " (this host)" : "");
+    for (const WindowEntity* window : host.wList) {
+        const int* at = window->location;
+        std::printf("  window on tile %d %d, location %d %d %d %d\n", window->mapping[0],
+                    window->mapping[1], at[0], at[1], at[2], at[3]);
+        for (const CameraEntity* camera : window->cList) {
+            const float* r = camera->rectangle;
+            std::printf("    camera: rectangle %g %g %g %g, offset %g %g\n", r[0], r[1], r[2], r[3],
+                        camera->offset[0], camera->offset[1]);
+        }
+    }
+}
+
+void printConfiguration()
+{
+    const Cluster* wall = config.cluster;
+    if (!wall) {
+        return;
+    }
+    std::printf("\nA wall of %d x %d tiles, mullions %g and %g, hosts: %zu\n\n", wall->tilemap[0],
+                wall->tilemap[1], wall->mullions[0], wall->mullions[1], wall->nList.size());
+    printWall();
+    std::puts("");
+    for (const ClusterNode* host : wall->nList) {
+        printHost(*host);
+    }
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    if (argc != 2) {
+        std::fputs("tiles FILE: shows the tiled display wall that FILE describes\n", stderr);
+        return 2;
+    }
+    // readDisplayCfg ends the process where the file does not list this host, since such a host has
+    // nothing to show. This program has: what is to be printed in any case is printed at the end.
+    std::atexit(printConfiguration);
+    if (config.readDisplayCfg(argv[1]) == -1) {
+        std::fprintf(stderr, "tiles: %s is no tile configuration, or breaks off\n", argv[1]);
+        return 1;
+    }
+    return 0;
+}

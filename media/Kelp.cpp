@@ -1,0 +1,167 @@
+#include "Kelp.h"
+
+#include "Noise.h"
+#include "Stroke.h"
+
+namespace media {
+
+namespace {
+
+/// What stands in the sun and what stands in the shade.
+constexpr Color BLADE_DARK = rgb(2, 40, 50);
+constexpr Color BLADE_GREEN = rgb(40, 150, 74);
+constexpr Color BLADE_SUN = rgb(214, 240, 84);
+constexpr Color STEM_DARK = rgb(8, 54, 52);
+constexpr Color STEM_SUN = rgb(176, 180, 70);
+
+class Painter {
+public:
+    Painter(const KelpForest& of, const Light& by, int pixels, Random& byChance)
+        : canvas(pixels, pixels), forest(of), light(by), size(static_cast<float>(pixels)),
+          random(byChance)
+    {
+    }
+
+    void plant(float x, float top);
+
+    Canvas canvas;
+
+private:
+    void blade(Point root, float angle, float bend, float span);
+    void bulb(Point at, float angle, float radius);
+    Color tint(Color colour, Point p) const;
+
+    const KelpForest& forest;
+    const Light& light;
+    const float size;
+    Random& random;
+};
+
+/// The colour of a thing behind so much water.
+Color Painter::tint(Color colour, Point p) const
+{
+    return withAlpha(mix(colour, light.water(p), forest.haze), 1);
+}
+
+void Painter::blade(Point root, float angle, float bend, float span)
+{
+    constexpr int JOINTS = 14;
+    const float wave = random.between(0, 6.28f);
+    const float thick = span * random.between(0.095f, 0.125f);
+    const float own = random.between(-0.12f, 0.12f);
+    Stroke stroke;
+    Point at = root;
+    Point tip = root;
+    for (int i = 0; i <= JOINTS; ++i) {
+        const float t = static_cast<float>(i) / JOINTS;
+        // A lance: full soon after the float, drawn out to a point, with a ruffled edge.
+        const float lance = std::sqrt(t) * (1 - t) * 2.4f + 0.06f * (1 - t);
+        const float ruffle = 1 + 0.13f * std::sin(t * 26 + wave);
+        stroke.add(at * size, thick * lance * ruffle * size * 0.5f + 0.2f);
+        const float heading = angle + bend * t + 0.16f * std::sin(t * 5.5f + wave);
+        tip = at;
+        at = at + turned({0, -1}, heading) * (span / JOINTS);
+    }
+    const Point way = tip - root;
+    // Which edge of the blade looks up to the light.
+    const float up = way.x > 0 ? -1.0f : 1.0f;
+    for (const Touch& touch : stroke.touch(canvas.width(), canvas.height())) {
+        const Point p = canvas.centre(touch.x, touch.y);
+        const float sun = light.sunlight(p);
+        const float beam = light.shafts(p);
+        const float rib = bump(touch.across, 0, 0.10f);
+        const float folds = std::sin(touch.along * 34 + wave + std::abs(touch.across) * 2.2f);
+        const float edge = smoothstep(0.55f, 1.0f, std::abs(touch.across));
+        float glow = sun * (0.95f + 0.35f * beam) + own * sun;
+        glow += sun * (0.16f * folds * std::abs(touch.across) + 0.26f * touch.across * up);
+        glow += 0.20f * sun * edge - 0.16f * sun * rib;
+        glow *= 0.55f + 0.45f * smoothstep(0.0f, 0.5f, touch.along);
+        const Color c = glow < 0.45f ? mix(BLADE_DARK, BLADE_GREEN, clamp01(glow / 0.45f))
+                                     : mix(BLADE_GREEN, BLADE_SUN, clamp01((glow - 0.45f) / 0.6f));
+        canvas.blend(touch.x, touch.y, tint(c, p), touch.coverage);
+    }
+}
+
+void Painter::bulb(Point at, float angle, float radius)
+{
+    Stroke stroke;
+    const Point way = turned({0, -1}, angle) * radius;
+    stroke.add((at - way) * size, radius * 0.55f * size);
+    stroke.add(at * size, radius * size);
+    stroke.add((at + way * 1.3f) * size, radius * 0.45f * size);
+    for (const Touch& touch : stroke.touch(canvas.width(), canvas.height())) {
+        const Point p = canvas.centre(touch.x, touch.y);
+        const Point off = (p - at) * (1 / radius);
+        const float sun = light.sunlight(p);
+        const float shine = bump(length(off - Point{-0.3f, -0.45f}), 0, 0.45f);
+        Color c = mix(STEM_DARK, STEM_SUN, clamp01(sun * (0.9f - 0.4f * off.y)));
+        c = screen(c, Color{0.7f, 0.9f, 0.6f, 0} * (shine * sun));
+        canvas.blend(touch.x, touch.y, tint(c, p), touch.coverage);
+    }
+}
+
+void Painter::plant(float x, float top)
+{
+    constexpr int JOINTS = 60;
+    const float phase = random.between(0, 6.28f);
+    const float sway = random.between(0.014f, 0.040f);
+    const float lean = random.between(-0.03f, 0.05f);
+    const float height = forest.root - top;
+    const auto stem = [&](float t) {
+        return Point{x + lean * t * t + sway * t * std::sin(t * 5.2f + phase) +
+                         0.25f * sway * std::sin(t * 13 + 2 * phase),
+                     forest.root - height * t};
+    };
+    const float thick = forest.leaf * 0.022f;
+    Stroke stroke;
+    for (int i = 0; i <= JOINTS; ++i) {
+        const float t = static_cast<float>(i) / JOINTS;
+        stroke.add(stem(t) * size, thick * mix(1.2f, 0.5f, t) * size);
+    }
+    for (const Touch& touch : stroke.touch(canvas.width(), canvas.height())) {
+        const Point p = canvas.centre(touch.x, touch.y);
+        const float sun = light.sunlight(p) * (0.9f - 0.4f * touch.across);
+        canvas.blend(touch.x, touch.y, tint(mix(STEM_DARK, STEM_SUN, clamp01(sun)), p),
+                     touch.coverage);
+    }
+    const float spacing = forest.leaf * 0.21f;
+    const int blades = static_cast<int>(height / spacing);
+    int side = random.below(2);
+    for (int i = 1; i <= blades; ++i) {
+        const float t = (static_cast<float>(i) + random.between(-0.4f, 0.4f)) /
+                        (static_cast<float>(blades) + 0.5f);
+        const float out = side == 0 ? -1.0f : 1.0f;
+        side = 1 - side;
+        // Old blades below hang out, young ones above stand up; the current bends all to the right.
+        const float angle = out * mix(1.45f, 0.50f, t) * random.between(0.65f, 1.25f);
+        const float bend = out * random.between(-0.7f, 0.6f) + 0.30f;
+        const float span = forest.leaf * random.between(0.6f, 1.15f) * mix(1.0f, 0.45f, t * t * t);
+        const Point root = stem(t);
+        const float radius = forest.leaf * 0.042f * mix(1.0f, 0.6f, t);
+        blade(root + turned({0, -1}, angle) * (radius * 1.6f), angle, bend, span);
+        bulb(root + turned({0, -1}, angle) * (radius * 1.4f), angle, radius);
+    }
+}
+
+} // namespace
+
+Canvas paintKelp(const KelpForest& forest, const Light& light, int size, Random random)
+{
+    Painter painter(forest, light, size, random);
+    for (int i = 0; i < forest.plants; ++i) {
+        for (const bool right : {false, true}) {
+            const float place = forest.reach *
+                                (static_cast<float>(i) + random.between(0.1f, 0.9f)) /
+                                static_cast<float>(forest.plants);
+            // The tallest stand at the side, so that the middle stays free for the fish.
+            const float inward = place / forest.reach;
+            const float lower = inward * inward * random.between(0.15f, 0.5f);
+            const float uneven = random.between(0, 0.12f);
+            painter.plant(right ? 1 - place : place, forest.top + lower + uneven);
+        }
+    }
+    painter.canvas.blur(forest.deviation * static_cast<float>(size));
+    return painter.canvas;
+}
+
+} // namespace media

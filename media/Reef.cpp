@@ -1,0 +1,182 @@
+#include "Reef.h"
+
+#include "Noise.h"
+#include "Stroke.h"
+
+namespace media {
+
+namespace {
+
+/// Paints branches and blades: a canvas, the light and what they do to each other.
+class Gardener {
+public:
+    Gardener(Canvas& on, const Light& by, Random& byChance)
+        : canvas(on), light(by), size(static_cast<float>(on.width())), random(byChance)
+    {
+    }
+
+    void branch(Point root, float angle, float span, float thick, int forks, Color colour,
+                float haze);
+    void tube(Point root, float angle, float span, float thick, Color colour, float haze);
+    void grass(Point root, float span, float haze);
+
+private:
+    Canvas& canvas;
+    const Light& light;
+    const float size;
+    Random& random;
+};
+
+/// A twig of coral that forks and forks again, lighter towards its tips.
+void Gardener::branch(Point root, float angle, float span, float thick, int forks, Color colour,
+                      float haze)
+{
+    Stroke stroke;
+    Point at = root;
+    const float bend = random.between(-0.5f, 0.5f);
+    constexpr int JOINTS = 5;
+    for (int i = 0; i <= JOINTS; ++i) {
+        const float t = static_cast<float>(i) / JOINTS;
+        stroke.add(at * size, thick * mix(1.0f, 0.78f, t) * size);
+        at = at + turned({0, -1}, angle + bend * t) * (span / JOINTS);
+    }
+    const Point tip = at;
+    for (const Touch& touch : stroke.touch(canvas.width(), canvas.height())) {
+        const Point p = canvas.centre(touch.x, touch.y);
+        const float round = std::sqrt(clamp01(1 - touch.across * touch.across));
+        const float knobs = noise(p * 260, 77) - 0.5f;
+        const float bright = 0.42f + 0.40f * round - 0.16f * touch.across + 0.30f * knobs +
+                             (forks == 0 ? 0.30f * touch.along : 0.0f);
+        const Color c = screen(lit(colour, bright),
+                               Color{0.25f, 0.25f, 0.22f, 0} * (forks == 0 ? touch.along : 0.0f));
+        canvas.blend(touch.x, touch.y, withAlpha(mix(c, light.water(p), haze), 1), touch.coverage);
+    }
+    if (forks > 0) {
+        const float spread = random.between(0.32f, 0.55f);
+        for (const float side : {-1.0f, 1.0f}) {
+            const float turn = side * spread + random.between(-0.15f, 0.15f);
+            const float shorter = random.between(0.66f, 0.9f);
+            branch(tip, angle + bend + turn, span * shorter, thick * 0.76f, forks - 1, colour,
+                   haze);
+        }
+    }
+}
+
+/// A tube sponge: a chimney with a dark mouth.
+void Gardener::tube(Point root, float angle, float span, float thick, Color colour, float haze)
+{
+    Stroke stroke;
+    constexpr int JOINTS = 8;
+    Point at = root;
+    for (int i = 0; i <= JOINTS; ++i) {
+        const float t = static_cast<float>(i) / JOINTS;
+        stroke.add(at * size, thick * (0.75f + 0.3f * t + 0.06f * std::sin(t * 14)) * size);
+        at = at + turned({0, -1}, angle * (1 - 0.5f * t)) * (span / JOINTS);
+    }
+    for (const Touch& touch : stroke.touch(canvas.width(), canvas.height())) {
+        const Point p = canvas.centre(touch.x, touch.y);
+        const float round = std::sqrt(clamp01(1 - touch.across * touch.across));
+        const float pores = noise(p * 230, 41) - 0.5f;
+        float bright =
+            0.30f + 0.38f * round - 0.22f * touch.across + 0.28f * touch.along + 0.22f * pores;
+        if (touch.along > 0.96f) {
+            bright += 0.2f;
+        }
+        canvas.blend(touch.x, touch.y, withAlpha(mix(lit(colour, bright), light.water(p), haze), 1),
+                     touch.coverage);
+    }
+    const Point mouth = at + turned({0, -1}, angle * 0.5f) * (thick * 0.30f);
+    Stroke hole;
+    hole.add((mouth - Point{thick * 0.42f, 0}) * size, thick * 0.30f * size);
+    hole.add((mouth + Point{thick * 0.42f, 0}) * size, thick * 0.30f * size);
+    for (const Touch& touch : hole.touch(canvas.width(), canvas.height())) {
+        const Point p = canvas.centre(touch.x, touch.y);
+        canvas.blend(touch.x, touch.y, withAlpha(mix(lit(colour, 0.34f), light.water(p), haze), 1),
+                     touch.coverage);
+    }
+}
+
+/// A tuft of sea grass that leans with the current.
+void Gardener::grass(Point root, float span, float haze)
+{
+    const int blades = 7 + random.below(6);
+    for (int n = 0; n < blades; ++n) {
+        Stroke stroke;
+        constexpr int JOINTS = 10;
+        const float angle = random.between(-0.45f, 0.45f);
+        const float bend = random.between(0.1f, 0.9f);
+        const float tall = span * random.between(0.55f, 1.0f);
+        const float own = random.between(0.75f, 1.2f);
+        Point at = root + Point{random.between(-0.25f, 0.25f) * span, 0};
+        for (int i = 0; i <= JOINTS; ++i) {
+            const float t = static_cast<float>(i) / JOINTS;
+            stroke.add(at * size, span * 0.028f * (1 - t * t) * size + 0.15f);
+            at = at + turned({0, -1}, angle + bend * t) * (tall / JOINTS);
+        }
+        for (const Touch& touch : stroke.touch(canvas.width(), canvas.height())) {
+            const Point p = canvas.centre(touch.x, touch.y);
+            const Color c = mix(rgb(6, 56, 50), rgb(120, 190, 80), touch.along * own);
+            canvas.blend(touch.x, touch.y,
+                         withAlpha(mix(lit(c, 1 - 0.2f * touch.across), light.water(p), haze), 1),
+                         touch.coverage);
+        }
+    }
+}
+
+} // namespace
+
+void paintReef(Canvas& canvas, const Light& light, Random random)
+{
+    Gardener gardener(canvas, light, random);
+    constexpr Color ROSE = rgb(255, 110, 150);
+    constexpr Color AMBER = rgb(255, 170, 80);
+    constexpr Color VIOLET = rgb(190, 130, 255);
+    constexpr Color CREAM = rgb(240, 225, 180);
+    struct Patch {
+        float x;
+        float y;
+        float span;
+        Color colour;
+        bool tubes;
+        float haze;
+    };
+    static constexpr Patch PATCHES[] = {
+        {0.250f, 0.880f, 0.022f, VIOLET, true, 0.52f},
+        {0.685f, 0.862f, 0.020f, ROSE, false, 0.58f},
+        {0.780f, 0.905f, 0.028f, AMBER, false, 0.36f},
+        {0.830f, 0.915f, 0.040f, VIOLET, true, 0.30f},
+        {0.185f, 0.930f, 0.034f, ROSE, false, 0.22f},
+        {0.065f, 0.925f, 0.042f, AMBER, false, 0.16f},
+        {0.130f, 0.960f, 0.048f, VIOLET, true, 0.12f},
+        {0.905f, 0.960f, 0.040f, ROSE, false, 0.10f},
+        {0.965f, 0.950f, 0.046f, CREAM, false, 0.08f},
+        {0.040f, 0.985f, 0.036f, CREAM, false, 0.04f},
+    };
+    for (const Patch& patch : PATCHES) {
+        const Point root{patch.x, patch.y};
+        if (patch.tubes) {
+            for (int i = 0; i < 5; ++i) {
+                const float off = (static_cast<float>(i) - 2) * patch.span * 0.30f;
+                gardener.tube(root + Point{off, std::abs(off) * 0.3f}, off / patch.span * 0.6f,
+                              patch.span * random.between(0.7f, 1.3f), patch.span * 0.15f,
+                              patch.colour, patch.haze);
+            }
+        } else {
+            for (const float angle : {-0.75f, 0.7f, -0.3f, 0.3f, 0.0f}) {
+                const float turn = random.between(-0.1f, 0.1f);
+                const float span = patch.span * random.between(0.40f, 0.5f);
+                gardener.branch(root, angle + turn, span, patch.span * 0.085f, 3, patch.colour,
+                                patch.haze);
+            }
+        }
+    }
+    for (int i = 0; i < 26; ++i) {
+        const float y = random.between(0.885f, 1.0f);
+        const float out = random.between(0.18f, 0.5f);
+        const float x = 0.5f + (random.below(2) == 0 ? -out : out);
+        gardener.grass({x, y}, random.between(0.02f, 0.05f) * (0.4f + 6 * (y - 0.85f)),
+                       clamp01((0.96f - y) * 6));
+    }
+}
+
+} // namespace media

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "Score.h"
+#include "Sound.h"
+
+#include <cstdint>
+
+namespace media {
+
+/// A note with its time and strength.
+struct SungNote {
+    double start;    ///< seconds
+    double duration; ///< seconds
+    double pitch;    ///< semitones, as in Note
+    Vowel vowel;
+    float loudness; ///< 0 .. 1
+};
+
+/// What makes one singer of a choir differ from the next.
+struct Singer {
+    std::uint64_t seed;
+    float pan;    ///< 0 = left .. 1 = right
+    float gain;   ///< of the whole line
+    float detune; ///< cents
+    double late;  ///< seconds behind the beat
+    float tract;  ///< formants times this: below 1 for a larger body
+};
+
+/// Adds a line of notes to a sound, sung by formant synthesis: a buzz of 25 harmonics and some
+/// breath go through four resonators, tuned as the throat and the mouth are for the vowel (the
+/// source and filter of Fant, "Acoustic Theory of Speech Production", 1960). The pitch glides from
+/// note to note and wavers at 5.3 Hz once a note is held.
+/// \param notes  in order of time, not overlapping
+void sing(Sound& sound, const Singer& singer, const std::vector<SungNote>& notes);
+
+} // namespace media

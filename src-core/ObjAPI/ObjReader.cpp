@@ -1,0 +1,427 @@
+#include "ObjLibrary.h"
+#include "ObjStore.h"
+#include "ObjText.h"
+
+#include <algorithm>
+#include <new>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+namespace obj {
+
+namespace {
+
+/// Paths are joined in buffers of this size; what does not fit cannot be opened.
+constexpr std::size_t PATH_BYTES = 1024;
+
+// ---- The tables of the model being read; they grow and are kept for the next one ----------------
+
+struct vec2 {
+    float v[2];
+    int _ii; ///< unused
+};
+
+struct vec3 {
+    float v[3];
+    int _ii; ///< of a position: the head of its chain of corners; -1 = none
+};
+
+/// A corner of a face or line. Corners with the same numbers share a store vertex: each position
+/// heads a chain of the corners that are candidates for that.
+struct iset {
+    int vi;  ///< store vertex
+    int gi;  ///< smoothing group
+    int _vi; ///< position, zero-based; -1 = absent; perhaps not there
+    int _ti; ///< texture coordinate, likewise
+    int _ni; ///< normal, likewise
+    int _ii; ///< next corner in the chain; -1 = end
+};
+
+vec3* _vv = nullptr; ///< positions
+int _vc = 0;
+int _vm = 0;
+vec2* _tv = nullptr; ///< texture coordinates
+int _tc = 0;
+int _tm = 0;
+vec3* _nv = nullptr; ///< normals
+int _nc = 0;
+int _nm = 0;
+iset* _iv = nullptr; ///< corners
+int _ic = 0;
+int _im = 0;
+
+int add_v()
+{
+    return grow(_vv, _vc, _vm);
+}
+
+int add_t()
+{
+    return grow(_tv, _tc, _tm);
+}
+
+int add_n()
+{
+    return grow(_nv, _nc, _nm);
+}
+
+int add_i()
+{
+    return grow(_iv, _ic, _im);
+}
+
+bool is_position(int _vi)
+{
+    return 0 <= _vi && _vi < _vc;
+}
+
+void read_v(const char* text)
+{
+    vec3 position = {{0, 0, 0}, -1};
+    take_floats(text, position.v, 3);
+    if (const int i = add_v(); i >= 0) {
+        _vv[i] = position;
+    }
+}
+
+void read_vt(const char* text)
+{
+    vec2 coordinate = {{0, 0}, -1};
+    take_floats(text, coordinate.v, 2);
+    if (const int i = add_t(); i >= 0) {
+        _tv[i] = coordinate;
+    }
+}
+
+void read_vn(const char* text)
+{
+    vec3 normal = {{0, 0, 0}, -1};
+    take_floats(text, normal.v, 3);
+    if (const int i = add_n(); i >= 0) {
+        _nv[i] = normal;
+    }
+}
+
+// ---- Faces and lines ----------------------------------------------------------------------------
+
+/// From one-based, or negative and counted from the end of the table, to zero-based.
+int to_index(int number, int count)
+{
+    return number < 0 ? number + count : number - 1;
+}
+
+/// Takes a corner of a face: v/t/n, v/t, v//n or v; what else its word holds is passed over.
+/// \return false at the end of the line or when the word is no corner, which ends the face
+bool read_poly_indices(const char*& text, iset& corner)
+{
+    const char* p = skip_blanks(text);
+    int v = 0;
+    int t = 0;
+    int n = 0;
+    if (!take_int(p, v)) {
+        return false;
+    }
+    if (*p == '/') {
+        if (take_int(++p, t)) {
+            if (*p == '/') {
+                take_int(++p, n);
+            }
+        } else if (*p == '/') {
+            take_int(++p, n);
+        }
+    }
+    corner._vi = to_index(v, _vc);
+    corner._ti = to_index(t, _tc);
+    corner._ni = to_index(n, _nc);
+    text = skip_word(p);
+    return true;
+}
+
+/// Takes a corner of a line: v/t or v.
+bool read_line_indices(const char*& text, iset& corner)
+{
+    const char* p = skip_blanks(text);
+    int v = 0;
+    int t = 0;
+    if (!take_int(p, v)) {
+        return false;
+    }
+    if (*p == '/') {
+        take_int(++p, t);
+    }
+    corner._vi = to_index(v, _vc);
+    corner._ti = to_index(t, _tc);
+    corner._ni = -1;
+    text = skip_word(p);
+    return true;
+}
+
+/// Adds the store vertex of a corner that is met for the first time.
+int add_vertex(int fi, const iset& corner)
+{
+    const int vi = obj_add_vert(fi);
+    if (vi >= 0) {
+        obj_vert& vertex = *vert(fi, vi);
+        if (is_position(corner._vi)) {
+            std::copy_n(_vv[corner._vi].v, 3, vertex.v);
+        }
+        if (0 <= corner._ni && corner._ni < _nc) {
+            std::copy_n(_nv[corner._ni].v, 3, vertex.n);
+        }
+        if (0 <= corner._ti && corner._ti < _tc) {
+            std::copy_n(_tv[corner._ti].v, 2, vertex.t);
+        }
+    }
+    return vi;
+}
+
+/// Adds a corner to the table, with the store vertex of the first one in its position's chain that
+/// is the \p same, else with a new vertex. The corner becomes the head of the chain; those between
+/// it and its like drop out of it, and all do when there is none, so that a later corner may get a
+/// vertex that is there already. Deliberate: the vertices of models in the field are numbered so.
+/// A corner whose position is not there has no chain.
+/// \return false, and nothing has changed, when memory runs out
+template<typename Same>
+bool add_corner(int fi, const iset& corner, Same same)
+{
+    const int ii = add_i();
+    if (ii < 0) {
+        return false;
+    }
+    int ij = is_position(corner._vi) ? _vv[corner._vi]._ii : -1;
+    while (ij >= 0 && !same(_iv[ij], corner)) {
+        ij = _iv[ij]._ii;
+    }
+    const int vi = ij < 0 ? add_vertex(fi, corner) : _iv[ij].vi;
+    if (vi < 0) {
+        --_ic;
+        return false;
+    }
+    _iv[ii] = corner;
+    _iv[ii].vi = vi;
+    _iv[ii]._ii = ij;
+    if (is_position(corner._vi)) {
+        _vv[corner._vi]._ii = ii;
+    }
+    return true;
+}
+
+/// Adds the corners of a face.
+/// \return how many
+int read_poly_vertices(const char* text, int fi, int gi)
+{
+    int count = 0;
+    iset corner = {};
+    corner.gi = gi;
+    while (read_poly_indices(text, corner)) {
+        count += add_corner(fi, corner, [](const iset& a, const iset& b) {
+            return a._vi == b._vi && a._ti == b._ti && a._ni == b._ni && a.gi == b.gi;
+        });
+    }
+    return count;
+}
+
+/// Adds the corners of a polyline, which have no normal and no smoothing group.
+/// \return how many
+int read_line_vertices(const char* text, int fi)
+{
+    int count = 0;
+    iset corner = {};
+    while (read_line_indices(text, corner)) {
+        count += add_corner(fi, corner, [](const iset& a, const iset& b) {
+            return a._vi == b._vi && a._ti == b._ti;
+        });
+    }
+    return count;
+}
+
+/// Adds the face normal to its vertices, for a face of a smoothing group whose first corner has no
+/// normal of its own. It goes to the store vertices that have the numbers of the corners'
+/// *positions*. That and looking at the first corner only is deliberate: models in the field are
+/// lit with it. What is not there gets or gives no normal.
+void smooth(int fi, int i0, int n)
+{
+    if (n < 3 || _iv[i0]._ni != -1 || !is_position(_iv[i0]._vi) || !is_position(_iv[i0 + 1]._vi) ||
+        !is_position(_iv[i0 + 2]._vi)) {
+        return;
+    }
+    float face[3];
+    normal(face, _vv[_iv[i0]._vi].v, _vv[_iv[i0 + 1]._vi].v, _vv[_iv[i0 + 2]._vi].v);
+    for (int k = 0; k < n; ++k) {
+        const int vi = _iv[i0 + k]._vi;
+        if (0 <= vi && vi < file(fi)->vc) {
+            float* vertex = vert(fi, vi)->n;
+            vertex[0] += face[0];
+            vertex[1] += face[1];
+            vertex[2] += face[2];
+        }
+    }
+}
+
+/// A face becomes a fan of triangles around its first corner.
+void read_f(const char* text, int fi, int si, int gi)
+{
+    const int i0 = _ic;
+    const int n = read_poly_vertices(text, fi, gi);
+    if (gi != 0) {
+        smooth(fi, i0, n);
+    }
+    for (int k = 0; k < n - 2 && si < obj_num_surf(fi); ++k) {
+        const int vi[3] = {_iv[i0].vi, _iv[i0 + k + 1].vi, _iv[i0 + k + 2].vi};
+        if (const int pi = obj_add_poly(fi, si); pi >= 0) {
+            obj_set_poly(fi, si, pi, vi);
+        }
+    }
+}
+
+void read_l(const char* text, int fi, int si)
+{
+    const int i0 = _ic;
+    const int n = read_line_vertices(text, fi);
+    for (int k = 0; k < n - 1 && si < obj_num_surf(fi); ++k) {
+        const int vi[2] = {_iv[i0 + k].vi, _iv[i0 + k + 1].vi};
+        if (const int li = obj_add_line(fi, si); li >= 0) {
+            obj_set_line(fi, si, li, vi);
+        }
+    }
+}
+
+// ---- Materials ----------------------------------------------------------------------------------
+
+/// \return the path of a file in a directory; empty, which cannot be opened, when it is too long
+std::string join(const std::string& directory, std::string_view name)
+{
+    if (directory.size() + 1 + name.size() >= PATH_BYTES) {
+        return {};
+    }
+    return directory + '/' + std::string(name);
+}
+
+/// The model's directory and the libraries in it that were used so far. Each is read once.
+class Libraries {
+public:
+    explicit Libraries(std::string directory) : directory_(std::move(directory)) {}
+
+    const std::string& directory() const { return directory_; }
+
+    const Library& get(const std::string& name)
+    {
+        const auto known = libraries_.find(name);
+        if (known != libraries_.end()) {
+            return known->second;
+        }
+        return libraries_.emplace(name, read_library(join(directory_, name))).first->second;
+    }
+
+private:
+    std::string directory_;
+    std::unordered_map<std::string, Library> libraries_;
+};
+
+/// Gives a new material the name and properties of one in the library; if it is not there, the
+/// material stays as it is. An empty name is no material.
+void read_mtl(Libraries& libraries, const std::string& library, const std::string& name, int fi,
+              int mi)
+{
+    const Library& materials = libraries.get(library);
+    const auto found = materials.find(name);
+    if (found == materials.end() || name.empty()) {
+        return;
+    }
+    obj_set_mtrl_name(fi, mi, name.c_str());
+    for (int ki = 0; ki < 5; ++ki) {
+        obj_set_mtrl_c(fi, mi, ki, found->second.c[ki]);
+    }
+    for (const Map& map : found->second.maps) {
+        obj_set_mtrl_opt(fi, mi, map.ki, map.clamp ? 1 : 0);
+        set_map(prop(fi, mi, map.ki), map.name.empty() ? nullptr : map.name.c_str(),
+                join(libraries.directory(), map.name).c_str());
+        obj_set_mtrl_o(fi, mi, map.ki, map.o);
+        obj_set_mtrl_s(fi, mi, map.ki, map.s);
+    }
+}
+
+/// Adds a material and a surface for it, new ones even for a name that was used before.
+/// \return the surface; surface 0 when memory runs out
+int usemtl(Libraries& libraries, const std::string& library, const char* text, int fi)
+{
+    const std::string name(take_word(text));
+    const int mi = obj_add_mtrl(fi);
+    const int si = obj_add_surf(fi);
+    if (mi < 0 || si < 0) {
+        return 0;
+    }
+    read_mtl(libraries, library, name, fi, mi);
+    obj_set_surf(fi, si, mi);
+    return si;
+}
+
+// ---- Models -------------------------------------------------------------------------------------
+
+std::string directory_of(const std::string& path)
+{
+    const std::size_t cut = path.find_last_of("/\\");
+    return cut == std::string::npos ? "." : path.substr(0, cut);
+}
+
+void read_lines(int fi, LineReader& reader, Libraries& libraries)
+{
+    std::string library;
+    int si = 0;
+    int gi = 0;
+    while (const char* text = reader.next()) {
+        const std::string_view word = take_word(text);
+        if (word == "f") {
+            read_f(text, fi, si, gi);
+        } else if (word == "v") {
+            read_v(text);
+        } else if (word == "vt") {
+            read_vt(text);
+        } else if (word == "vn") {
+            read_vn(text);
+        } else if (word == "l") {
+            read_l(text, fi, si);
+        } else if (word == "mtllib") {
+            if (const std::string_view name = take_word(text); !name.empty()) {
+                library = name;
+            }
+        } else if (word == "usemtl") {
+            si = usemtl(libraries, library, text, fi);
+        } else if (word == "s") {
+            gi = 0; // what is no number ("off") is group 0
+            text = skip_blanks(text);
+            take_int(text, gi);
+        }
+    }
+}
+
+} // namespace
+
+void read_obj(int fi, const char* filename)
+{
+    _vc = 0;
+    _tc = 0;
+    _nc = 0;
+    _ic = 0;
+    LineReader reader(filename);
+    if (!reader.is_open()) {
+        return;
+    }
+    // For what comes before the first usemtl; obj_mini_file takes it away when nothing does.
+    const int mi = obj_add_mtrl(fi);
+    const int si = obj_add_surf(fi);
+    if (si >= 0) {
+        obj_set_surf(fi, si, mi);
+    }
+    try {
+        Libraries libraries(directory_of(filename));
+        read_lines(fi, reader, libraries);
+    } catch (const std::bad_alloc&) {
+        // What was read so far is the model.
+    }
+}
+
+} // namespace obj

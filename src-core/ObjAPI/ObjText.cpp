@@ -1,0 +1,235 @@
+#include "ObjText.h"
+
+#include <algorithm>
+#include <bit>
+#include <charconv>
+#include <climits>
+#include <cstdint>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+
+namespace {
+
+using obj::skip_blanks;
+using obj::take_int;
+
+constexpr bool is_digit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+/// One "%f", by the library itself.
+bool take_odd_float(const char*& text, float& value)
+{
+    const obj::PlainNumbers plain;
+    int length = 0;
+    if (std::sscanf(text, "%f%n", &value, &length) != 1) {
+        return false;
+    }
+    text += length;
+    return true;
+}
+
+/// value = mantissa * 10^exponent, rounded once, for numbers of a usual length.
+/// \param digits  how many digits have gone into the mantissa
+/// \return false, and nothing is written, for others
+bool round_to_float(std::uint64_t mantissa, std::ptrdiff_t digits, std::ptrdiff_t exponent,
+                    float& value)
+{
+    // Up to 2^53 an integer is exact in double, and so are powers of ten up to the 22nd: their
+    // product or quotient is rounded once (Clinger, "How to Read Floating Point Numbers
+    // Accurately", 1990). To round it again, to single precision, gives another result than to
+    // round once only if it lies half-way between two floats.
+    constexpr double POWERS[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                 1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+    constexpr std::ptrdiff_t MOST_DIGITS = 19; // no more fit the mantissa
+    if (digits > MOST_DIGITS || mantissa > std::uint64_t{1} << 53 || exponent < -22 ||
+        exponent > 22) {
+        return false;
+    }
+    const double d = exponent < 0 ? static_cast<double>(mantissa) / POWERS[-exponent]
+                                  : static_cast<double>(mantissa) * POWERS[exponent];
+    constexpr std::uint64_t HALF_A_FLOAT = 1u << 28;
+    if ((std::bit_cast<std::uint64_t>(d) & (2 * HALF_A_FLOAT - 1)) == HALF_A_FLOAT) {
+        return false;
+    }
+    value = static_cast<float>(d);
+    return true;
+}
+
+/// One "%f". Decimal numbers are read here, to the same bits; the library reads what is odd:
+/// hexadecimal numbers, infinities, results out of range, and what only begins like a number.
+bool take_float(const char*& text, float& value)
+{
+    const char* p = skip_blanks(text);
+    if (*p == '\0') {
+        return false;
+    }
+    const bool negative = *p == '-';
+    p += *p == '-' || *p == '+';
+
+    std::uint64_t mantissa = 0;
+    const char* const first = p;
+    for (; is_digit(*p); ++p) {
+        mantissa = 10 * mantissa + static_cast<unsigned>(*p - '0');
+    }
+    std::ptrdiff_t digits = p - first;
+    std::ptrdiff_t exponent = 0;
+    if (*p == '.') {
+        const char* const fraction = ++p;
+        for (; is_digit(*p); ++p) {
+            mantissa = 10 * mantissa + static_cast<unsigned>(*p - '0');
+        }
+        digits += p - fraction;
+        exponent = fraction - p;
+    }
+    if (*p == 'e' || *p == 'E') {
+        const char* q = p + 1;
+        int power = 0;
+        if (!take_int(q, power)) {
+            return take_odd_float(text, value);
+        }
+        exponent += power;
+        p = q;
+    }
+    if (digits < 1 || *p == 'x' || *p == 'X') {
+        return take_odd_float(text, value);
+    }
+    float magnitude = 0;
+    if (!round_to_float(mantissa, digits, exponent, magnitude) &&
+        std::from_chars(first, p, magnitude).ec != std::errc()) {
+        return take_odd_float(text, value);
+    }
+    value = negative ? -magnitude : magnitude;
+    text = p;
+    return true;
+}
+
+} // namespace
+
+namespace obj {
+
+InputFile open_input(const char* path)
+{
+    // Not to wait for the other end of a pipe; a regular file does not care.
+    const int descriptor = open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    if (descriptor < 0) {
+        return nullptr;
+    }
+    struct stat status;
+    std::FILE* file = nullptr;
+    if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) {
+        file = fdopen(descriptor, "r");
+    }
+    if (file == nullptr) {
+        close(descriptor);
+    }
+    return InputFile(file);
+}
+
+bool LineReader::refill()
+{
+    const auto left = static_cast<std::size_t>(end_ - begin_);
+    std::memmove(buffer_.data(), begin_, left);
+    begin_ = buffer_.data();
+    end_ = begin_ + left;
+    const std::size_t got = std::fread(end_, 1, buffer_.size() - 1 - left, file_.get());
+    end_ += got;
+    return got > 0;
+}
+
+const char* LineReader::next()
+{
+    if (!is_open()) {
+        return nullptr;
+    }
+    if (cut_) {
+        *begin_ = first_;
+        cut_ = false;
+    }
+    for (bool more = true; more; more = refill()) {
+        const auto left = static_cast<std::size_t>(end_ - begin_);
+        const std::size_t length = left < LONGEST ? left : LONGEST;
+        char* const line = begin_;
+        if (void* newline = std::memchr(line, '\n', length)) {
+            begin_ = static_cast<char*>(newline);
+            *begin_++ = '\0';
+            return line;
+        }
+        if (length == LONGEST) {
+            begin_ += LONGEST;
+            first_ = *begin_;
+            *begin_ = '\0';
+            cut_ = true;
+            return line;
+        }
+    }
+    if (begin_ == end_) {
+        return nullptr;
+    }
+    *end_ = '\0';
+    return std::exchange(begin_, end_);
+}
+
+std::string_view take_word(const char*& text)
+{
+    const char* const word = skip_blanks(text);
+    const char* const end = skip_word(word);
+    if (end != word) {
+        text = end;
+    }
+    return {word, static_cast<std::size_t>(end - word)};
+}
+
+int take_floats(const char*& text, float* values, int count)
+{
+    int taken = 0;
+    while (taken < count && take_float(text, values[taken])) {
+        ++taken;
+    }
+    return taken;
+}
+
+bool take_int(const char*& text, int& value)
+{
+    const char* p = text;
+    const bool negative = *p == '-';
+    p += *p == '-' || *p == '+';
+    if (!is_digit(*p)) {
+        return false;
+    }
+    while (*p == '0') {
+        ++p;
+    }
+    const char* const first = p;
+    std::uint64_t magnitude = 0;
+    for (; is_digit(*p); ++p) {
+        magnitude = 10 * magnitude + static_cast<unsigned>(*p - '0');
+    }
+    constexpr std::ptrdiff_t MOST_DIGITS = 19; // with more, the sum has wrapped around
+    constexpr std::uint64_t BEYOND = std::uint64_t{INT_MAX} + 1;
+    const auto bound =
+        static_cast<std::int64_t>(p - first > MOST_DIGITS ? BEYOND : std::min(magnitude, BEYOND));
+    value = static_cast<int>(negative ? -bound : std::min<std::int64_t>(bound, INT_MAX));
+    text = p;
+    return true;
+}
+
+bool take_option(const char*& text, std::string_view option)
+{
+    const char* p = skip_blanks(text);
+    for (const char c : option) {
+        if (*p++ != c) {
+            return false;
+        }
+    }
+    text = skip_blanks(p);
+    return true;
+}
+
+} // namespace obj

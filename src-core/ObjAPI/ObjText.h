@@ -1,0 +1,104 @@
+#pragma once
+
+/// Reading OBJ and MTL text: files by lines, lines by words and numbers. Private to the OBJ
+/// library.
+///
+/// Models are read with the meaning of formatted input (sscanf), since that decides what odd lines
+/// of models in the field mean; only the way there is faster. A text is NUL-terminated, blanks are
+/// those of the C locale, and a function that takes something from the front of a text moves the
+/// pointer behind it.
+
+#include <array>
+#include <cstdio>
+#include <locale.h>
+#include <memory>
+#include <string_view>
+
+namespace obj {
+
+struct CloseFile {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using InputFile = std::unique_ptr<std::FILE, CloseFile>;
+
+/// Opens a regular file for reading; null for everything else (a pipe would wait, a directory has
+/// no text).
+InputFile open_input(const char* path);
+
+/// The lines of a file. A line ends at its newline or after 1023 characters; what is left of a
+/// longer one is the next line.
+class LineReader {
+public:
+    explicit LineReader(const char* path) : file_(open_input(path)) {}
+    LineReader(const LineReader&) = delete;
+    LineReader& operator=(const LineReader&) = delete;
+
+    /// False when the file could not be opened; it then has no lines.
+    bool is_open() const { return file_ != nullptr; }
+
+    /// \return the next line without its newline, good until the next call; null at the end
+    const char* next();
+
+private:
+    static constexpr std::size_t LONGEST = 1023;
+
+    bool refill();
+
+    InputFile file_;
+    std::array<char, 65536> buffer_;
+    char* begin_ = buffer_.data(); ///< what has not been handed out yet
+    char* end_ = begin_;           ///< at most the last place of the buffer, to have one for a NUL
+    char first_ = '\0';            ///< what the NUL of a line that was cut has replaced
+    bool cut_ = false;
+};
+
+constexpr bool is_blank(char c)
+{
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+inline const char* skip_blanks(const char* text)
+{
+    while (is_blank(*text)) {
+        ++text;
+    }
+    return text;
+}
+
+inline const char* skip_word(const char* text)
+{
+    while (*text != '\0' && !is_blank(*text)) {
+        ++text;
+    }
+    return text;
+}
+
+/// "%s": skips blanks and takes the word behind them; an empty one, and nothing is taken, when only
+/// blanks are left.
+std::string_view take_word(const char*& text);
+
+/// "%f %f ...": takes numbers, as many as are there, at most \p count.
+/// \return how many; the values behind them are left as they are
+int take_floats(const char*& text, float* values, int count);
+
+/// "%d" where a number begins at once, without skipping blanks. A number out of range becomes the
+/// nearest int. \return false, and nothing is taken, when there is no number
+bool take_int(const char*& text, int& value);
+
+/// " -option ": skips blanks, takes the option, skips blanks. The option may run into what follows.
+/// \return false, and nothing is taken, when there is something else
+bool take_option(const char*& text, std::string_view option);
+
+/// While it lives, numbers are read and written with a point, whatever the locale of the program.
+class PlainNumbers {
+public:
+    PlainNumbers() : old_(uselocale(newlocale(LC_ALL_MASK, "C", nullptr))) {}
+    ~PlainNumbers() { uselocale(old_); }
+    PlainNumbers(const PlainNumbers&) = delete;
+    PlainNumbers& operator=(const PlainNumbers&) = delete;
+
+private:
+    locale_t old_;
+};
+
+} // namespace obj

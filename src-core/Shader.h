@@ -1,0 +1,36 @@
+#pragma once
+
+#include <GL/glew.h>
+
+/// One GLSL shader object of the ARB_shader_objects extension, made from a source file.
+///
+/// The extension's entry points come from GLEW: a shader can be created only after glewInit, with a
+/// current GL context. Without the entry points no shader object is made or deleted.
+class Shader {
+public:
+    GLhandleARB handle = 0; ///< the shader object; 0 until create makes one
+
+    Shader() = default;
+    Shader(const Shader&) = delete;
+    Shader& operator=(const Shader&) = delete;
+
+    /// Deletes the shader object, 0 included, which GL ignores. Needs: the GL context, unless the
+    /// entry points were never loaded.
+    ~Shader();
+
+    /// Reads a source file and compiles it. The compile log is not read: a compile that fails is
+    /// reported, by GL_err("Compile"), only when GL holds an error at that moment. A second call
+    /// makes a second object and leaves the first one to its GL context.
+    /// \param path  a regular file of 1 byte to 16 MiB; nothing happens, and nothing is printed,
+    ///              when it is null or cannot be read
+    /// \param type  GL_VERTEX_SHADER_ARB or GL_FRAGMENT_SHADER_ARB
+    /// \return a pointer into this object, to the handle, in every case
+    GLhandleARB* create(const char* path, unsigned long type);
+
+    GLhandleARB getHandle() const { return handle; }
+
+    /// Reports a pending GL error once in the life of the program: takes it with glGetError and
+    /// writes "%s: %s\n" (label, GLU's text) to standard error. After the first report GL is not
+    /// asked again, by no shader. Needs: current GL context.
+    static void GL_err(const char* label);
+};

@@ -1,0 +1,50 @@
+"""Checks that folders include each other in the order that the architecture allows.
+
+Usage: include_directions.py ROOT
+Prints each line that goes against it; the exit status is 1 when there is one.
+"""
+import pathlib
+import re
+import sys
+
+# Folder -> the folders whose headers it may include.
+ALLOWED = {
+    "src-math": [],
+    "src-image": [],
+    "src-sound": [],
+    "src-cluster": [],
+    "src-core": ["src-math", "src-image"],
+    "kelpix": ["src-math", "src-image", "src-core", "src-sound"],
+}
+INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"')
+
+
+def headers(folder):
+    return {path.name for path in folder.rglob("*.h")}
+
+
+def wrong_includes(root):
+    owner = {name: folder for folder in ALLOWED for name in headers(root / folder)}
+    for folder, allowed in ALLOWED.items():
+        for path in sorted((root / folder).rglob("*")):
+            if path.suffix not in (".h", ".cpp"):
+                continue
+            for number, line in enumerate(path.read_text().splitlines(), 1):
+                match = INCLUDE.match(line)
+                if not match:
+                    continue
+                source = owner.get(match.group(1))
+                if source is None:
+                    yield f"{path}:{number}: {match.group(1)} is no header of the project"
+                elif source != folder and source not in allowed:
+                    yield f"{path}:{number}: {folder} must not include from {source}"
+
+
+def main(root):
+    lines = list(wrong_includes(pathlib.Path(root)))
+    print("\n".join(lines))
+    return 1 if lines else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1]))

@@ -1,0 +1,329 @@
+#include "ReadPicture.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <png.h>
+
+namespace {
+
+std::string path(const std::string& name)
+{
+    return std::string(KELPIX_MEDIA_DIR "/data/") + name;
+}
+
+struct Rgb {
+    double r = 0;
+    double g = 0;
+    double b = 0;
+};
+
+/// The mean colour of the pixels x0 <= x < x1, y0 <= y < y1, given as shares of the picture.
+Rgb mean(const Picture& picture, double x0, double y0, double x1, double y1)
+{
+    Rgb sum;
+    int count = 0;
+    for (int y = static_cast<int>(y0 * picture.height); y < static_cast<int>(y1 * picture.height);
+         ++y) {
+        for (int x = static_cast<int>(x0 * picture.width); x < static_cast<int>(x1 * picture.width);
+             ++x) {
+            sum.r += picture.at(x, y, 0);
+            sum.g += picture.at(x, y, 1);
+            sum.b += picture.at(x, y, 2);
+            ++count;
+        }
+    }
+    return {sum.r / count, sum.g / count, sum.b / count};
+}
+
+double brightness(const Rgb& c)
+{
+    return 0.3 * c.r + 0.6 * c.g + 0.1 * c.b;
+}
+
+TEST(WaterPictureTest, IsATrueColourJpegThatEveryReaderAndTextureUnitTakes)
+{
+    const Picture water = readJpeg(path("underwater.jpg"));
+    EXPECT_EQ(water.width, 1024);
+    EXPECT_EQ(water.height, 1024);
+    EXPECT_EQ(water.channels, 3);
+    EXPECT_EQ(water.bitDepth, 8);
+    ASSERT_EQ(water.samplingFactors.size(), 3u);
+    for (const auto& factors : water.samplingFactors) {
+        EXPECT_EQ(factors[0], 1) << "colour is stored at full width";
+        EXPECT_EQ(factors[1], 1) << "colour is stored at full height";
+    }
+}
+
+TEST(WaterPictureTest, RunsOutIntoTwiceTheClearColour)
+{
+    const Picture water = readJpeg(path("underwater.jpg"));
+    for (const Rgb& rim : {mean(water, 0, 0, 1, 0.004), mean(water, 0, 0.996, 1, 1),
+                           mean(water, 0, 0, 0.004, 1), mean(water, 0.996, 0, 1, 1)}) {
+        EXPECT_NEAR(rim.r, 10, 6);
+        EXPECT_NEAR(rim.g, 51, 8);
+        EXPECT_NEAR(rim.b, 77, 8);
+    }
+    // Nothing of that is left a little further in, above all in what the square window shows.
+    EXPECT_GT(brightness(mean(water, 0.3, 0.03, 0.6, 0.05)), 120);
+}
+
+TEST(WaterPictureTest, KeepsRedBelowHalfOfGreenNearTheSurface)
+{
+    const Picture water = readJpeg(path("underwater.jpg"));
+    for (double y = 0.03; y < 0.3; y += 0.02) {
+        for (double x = 0.28; x < 0.72; x += 0.02) {
+            const Rgb c = mean(water, x, y, x + 0.02, y + 0.02);
+            EXPECT_LT(c.r, 0.5 * c.g) << x << ", " << y;
+        }
+    }
+}
+
+TEST(WaterPictureTest, GrowsDarkerTowardsTheDepthAndStaysBlue)
+{
+    const Picture water = readJpeg(path("underwater.jpg"));
+    const Rgb top = mean(water, 0.3, 0.03, 0.7, 0.15);
+    const Rgb middle = mean(water, 0.3, 0.4, 0.7, 0.5);
+    const Rgb deep = mean(water, 0.3, 0.65, 0.7, 0.75);
+    EXPECT_GT(brightness(top), 1.4 * brightness(middle));
+    EXPECT_GT(brightness(middle), 1.2 * brightness(deep));
+    EXPECT_GT(deep.b, 1.4 * deep.g);
+    EXPECT_GT(top.g, 180);
+}
+
+TEST(WaterPictureTest, HasKelpAtBothSidesAndLeavesTheMiddleFree)
+{
+    const Picture water = readJpeg(path("underwater.jpg"));
+    const auto greenShare = [&water](double x0, double x1) {
+        int green = 0;
+        int count = 0;
+        for (int y = water.height / 10; y < water.height * 8 / 10; ++y) {
+            for (int x = static_cast<int>(x0 * water.width); x < static_cast<int>(x1 * water.width);
+                 ++x) {
+                green += water.at(x, y, 1) > water.at(x, y, 2) + 20 ? 1 : 0;
+                ++count;
+            }
+        }
+        return static_cast<double>(green) / count;
+    };
+    EXPECT_GT(greenShare(0.04, 0.16), 0.25);
+    EXPECT_GT(greenShare(0.84, 0.96), 0.25);
+    EXPECT_LT(greenShare(0.35, 0.65), 0.01);
+}
+
+TEST(WaterPictureTest, ShowsNoBandsInItsGradient)
+{
+    // Flat bands of one colour would show when the scene halves the picture: somewhere in every
+    // small patch of open water neighbouring pixels have to differ.
+    const Picture water = readJpeg(path("underwater.jpg"));
+    for (int y = 300; y < 700; y += 16) {
+        for (int x = 400; x < 640; x += 16) {
+            int low = 255;
+            int high = 0;
+            for (int v = y; v < y + 16; ++v) {
+                for (int u = x; u < x + 16; ++u) {
+                    low = std::min(low, water.at(u, v, 1));
+                    high = std::max(high, water.at(u, v, 1));
+                }
+            }
+            EXPECT_GT(high - low, 1) << x << ", " << y;
+        }
+    }
+}
+
+class SpriteTest : public testing::TestWithParam<const char*> {};
+
+TEST_P(SpriteTest, IsAStraightRgbaPictureWithATransparentMargin)
+{
+    const Picture sprite = readPng(path(GetParam()));
+    ASSERT_GT(sprite.width, 0);
+    EXPECT_EQ(sprite.bitDepth, 8);
+    EXPECT_EQ(sprite.colourType, PNG_COLOR_TYPE_RGB_ALPHA);
+    for (int y = 0; y < sprite.height; ++y) {
+        for (int x = 0; x < sprite.width; ++x) {
+            const int margin = std::min({x, y, sprite.width - 1 - x, sprite.height - 1 - y});
+            if (margin < 2) {
+                EXPECT_EQ(sprite.at(x, y, 3), 0) << x << ", " << y;
+            }
+        }
+    }
+}
+
+TEST_P(SpriteTest, CarriesTheNeighboursColourWhereItIsTransparent)
+{
+    const Picture sprite = readPng(path(GetParam()));
+    int checked = 0;
+    for (int y = 1; y + 1 < sprite.height; ++y) {
+        for (int x = 1; x + 1 < sprite.width; ++x) {
+            if (sprite.at(x, y, 3) != 0) {
+                continue;
+            }
+            // Each channel lies between the smallest and the largest one of the painted
+            // neighbours, give or take a rounding.
+            for (int k = 0; k < 3; ++k) {
+                int low = 255;
+                int high = 0;
+                for (int v = y - 1; v <= y + 1; ++v) {
+                    for (int u = x - 1; u <= x + 1; ++u) {
+                        if (sprite.at(u, v, 3) > 0) {
+                            low = std::min(low, sprite.at(u, v, k));
+                            high = std::max(high, sprite.at(u, v, k));
+                        }
+                    }
+                }
+                if (low <= high) {
+                    EXPECT_GE(sprite.at(x, y, k), low - 2) << x << ", " << y;
+                    EXPECT_LE(sprite.at(x, y, k), high + 2) << x << ", " << y;
+                    ++checked;
+                }
+            }
+        }
+    }
+    EXPECT_GT(checked, 100);
+    EXPECT_GT(sprite.at(0, 0, 0) + sprite.at(0, 0, 1) + sprite.at(0, 0, 2), 60)
+        << "even the corner has a colour";
+}
+
+INSTANTIATE_TEST_SUITE_P(Sprites, SpriteTest,
+                         testing::Values("fish0.png", "bubble.png", "squid.png"));
+
+TEST(FishSpriteTest, IsSixtyFourTexelsWideAndSymmetric)
+{
+    const Picture fish = readPng(path("fish0.png"));
+    ASSERT_EQ(fish.width, 64);
+    ASSERT_EQ(fish.height, 64);
+    for (int y = 0; y < 64; ++y) {
+        for (int x = 0; x < 32; ++x) {
+            for (int k = 0; k < 4; ++k) {
+                EXPECT_NEAR(fish.at(x, y, k), fish.at(63 - x, y, k), 2) << x << ", " << y;
+            }
+        }
+    }
+}
+
+/// The runs of opaque texels in a row, as pairs of first and last.
+std::vector<std::pair<int, int>> opaqueRuns(const Picture& picture, int y)
+{
+    std::vector<std::pair<int, int>> runs;
+    for (int x = 0; x < picture.width; ++x) {
+        if (picture.at(x, y, 3) > 127) {
+            if (runs.empty() || runs.back().second != x - 1) {
+                runs.emplace_back(x, x);
+            }
+            runs.back().second = x;
+        }
+    }
+    return runs;
+}
+
+TEST(FishSpriteTest, HasItsHeadAtTheTopAndAForkedTailBelow)
+{
+    const Picture fish = readPng(path("fish0.png"));
+    int first = 0;
+    int last = 63;
+    while (opaqueRuns(fish, first).empty()) {
+        ++first;
+    }
+    while (opaqueRuns(fish, last).empty()) {
+        --last;
+    }
+    EXPECT_LT(first, 8);
+    EXPECT_GT(last, 55);
+    // The snout is one narrow run on the axis, the tail's end two runs beside it.
+    const auto snout = opaqueRuns(fish, first + 1);
+    ASSERT_EQ(snout.size(), 1u);
+    EXPECT_LT(snout[0].second - snout[0].first, 14);
+    EXPECT_LE(snout[0].first, 31);
+    EXPECT_GE(snout[0].second, 32);
+    const auto tail = opaqueRuns(fish, last - 1);
+    ASSERT_EQ(tail.size(), 2u);
+    EXPECT_LT(tail[0].second, 30);
+    EXPECT_GT(tail[1].first, 33);
+}
+
+TEST(FishSpriteTest, IsOrangeWithTwoWhiteBandsAndYellowFins)
+{
+    const Picture fish = readPng(path("fish0.png"));
+    int bands = 0;
+    bool before = false;
+    for (int y = 0; y < 64; ++y) {
+        const bool white = fish.at(32, y, 3) > 200 && fish.at(32, y, 2) > 220;
+        bands += white && !before ? 1 : 0;
+        before = white;
+    }
+    EXPECT_EQ(bands, 2);
+    int orange = 0;
+    int yellow = 0;
+    int dark = 0;
+    int opaque = 0;
+    for (int y = 0; y < 64; ++y) {
+        for (int x = 0; x < 64; ++x) {
+            if (fish.at(x, y, 3) > 127) {
+                const int r = fish.at(x, y, 0);
+                const int g = fish.at(x, y, 1);
+                const int b = fish.at(x, y, 2);
+                orange += r > 230 && g > 60 && g < 190 && b < 70 ? 1 : 0;
+                yellow += r > 230 && g > 200 && b < 170 ? 1 : 0;
+                dark += std::max({r, g, b}) < 150 ? 1 : 0;
+                ++opaque;
+            }
+        }
+    }
+    EXPECT_GT(orange, opaque / 4);
+    EXPECT_GT(yellow, opaque / 6);
+    EXPECT_LT(dark, opaque / 50) << "dark lines turn brown over the water; only the eyes are dark";
+}
+
+TEST(BubbleSpriteTest, HasAClearMiddleABrightRimTwoLightsAndAWarmReflex)
+{
+    const Picture bubble = readPng(path("bubble.png"));
+    ASSERT_EQ(bubble.width, 64);
+    ASSERT_EQ(bubble.height, 64);
+    double rim = 0;
+    int rimTexels = 0;
+    int middle = 0;
+    int warm = 0;
+    int upperLight = 0;
+    int lowerLight = 0;
+    for (int y = 0; y < 64; ++y) {
+        for (int x = 0; x < 64; ++x) {
+            const double r = std::hypot(x - 31.5, y - 31.5);
+            const int alpha = bubble.at(x, y, 3);
+            if (r < 6) {
+                middle = std::max(middle, alpha);
+            } else if (r > 27 && r < 29) {
+                rim += alpha;
+                ++rimTexels;
+            }
+            warm += alpha > 60 && bubble.at(x, y, 0) > bubble.at(x, y, 2) + 40 ? 1 : 0;
+            const bool bright = r < 25 && alpha > 200 && bubble.at(x, y, 2) > 240;
+            upperLight += bright && x < 32 && y < 32 ? 1 : 0;
+            lowerLight += bright && x >= 32 && y >= 32 ? 1 : 0;
+        }
+    }
+    EXPECT_LT(middle, 26);
+    EXPECT_GT(rim / rimTexels, 120);
+    EXPECT_GT(warm, 30);
+    EXPECT_GT(upperLight, 15);
+    EXPECT_GT(lowerLight, 2);
+    EXPECT_GT(upperLight, lowerLight);
+}
+
+TEST(SquidPictureTest, IsTwoHundredAndFiftySixTexelsWide)
+{
+    const Picture squid = readPng(path("squid.png"));
+    EXPECT_EQ(squid.width, 256);
+    EXPECT_EQ(squid.height, 256);
+}
+
+TEST(CubeMapTest, IsASmallTrueColourPicture)
+{
+    const Picture map = readPng(path("cube.png"));
+    EXPECT_EQ(map.width, 64);
+    EXPECT_EQ(map.height, 64);
+    EXPECT_EQ(map.bitDepth, 8);
+    EXPECT_EQ(map.colourType, PNG_COLOR_TYPE_RGB);
+}
+
+} // namespace

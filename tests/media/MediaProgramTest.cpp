@@ -1,0 +1,219 @@
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sstream>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+std::string content(const fs::path& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+/// The files below a folder with their content, by name.
+std::vector<std::pair<std::string, std::string>> filesOf(const fs::path& folder)
+{
+    std::vector<std::pair<std::string, std::string>> files;
+    if (fs::is_directory(folder)) {
+        for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+            if (entry.is_regular_file()) {
+                files.emplace_back(fs::relative(entry.path(), folder).string(),
+                                   content(entry.path()));
+            }
+        }
+    }
+    std::sort(files.begin(), files.end());
+    return files;
+}
+
+std::vector<std::string> namesOf(const fs::path& folder)
+{
+    std::vector<std::string> names;
+    for (const auto& [name, bytes] : filesOf(folder)) {
+        names.push_back(name);
+    }
+    return names;
+}
+
+const std::vector<std::string> THE_SET = {"data/bubble.png",
+                                          "data/cube.mtl",
+                                          "data/cube.obj",
+                                          "data/cube.png",
+                                          "data/dance.txt",
+                                          "data/fish0.png",
+                                          "data/mocap.txt",
+                                          "data/rehearsal.txt",
+                                          "data/squid.png",
+                                          "data/underwater.jpg",
+                                          "fonts/ChalkboardBold.LICENSE.txt",
+                                          "fonts/ChalkboardBold.ttf",
+                                          "sound/bubbles_sound.ogg",
+                                          "sound/magpie_vocal.ogg"};
+
+class MediaProgramTest : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        folder = fs::path(testing::TempDir()) / ("kelpix-media-" + std::to_string(getpid()));
+        fs::remove_all(folder);
+        fs::create_directories(folder);
+    }
+
+    void TearDown() override { fs::remove_all(folder); }
+
+    /// Runs the generator and keeps what it prints.
+    /// \return its exit status
+    int run(const std::string& arguments)
+    {
+        const std::string command = std::string("'" KELPIX_MEDIA_PROGRAM "' ") + arguments + " >'" +
+                                    (folder / "out").string() + "' 2>'" +
+                                    (folder / "err").string() + "'";
+        const int status = std::system(command.c_str());
+        out = content(folder / "out");
+        err = content(folder / "err");
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+    std::string quoted(const char* name) const
+    {
+        std::string text = "'";
+        text += (folder / name).string();
+        return text += '\'';
+    }
+
+    fs::path folder;
+    std::string out;
+    std::string err;
+};
+
+TEST_F(MediaProgramTest, MakesTheWholeSetWithALineForEachFile)
+{
+    ASSERT_EQ(run("--out " + quoted("set") + " --seconds 20 --water 64"), 0) << err;
+    EXPECT_EQ(namesOf(folder / "set"), THE_SET);
+    EXPECT_THAT(err, IsEmpty());
+    for (const std::string& name : THE_SET) {
+        EXPECT_THAT(out, HasSubstr(name + ": "));
+    }
+    EXPECT_EQ(static_cast<std::size_t>(std::count(out.begin(), out.end(), '\n')), THE_SET.size());
+}
+
+TEST_F(MediaProgramTest, MakesTheSameBytesTwice)
+{
+    ASSERT_EQ(run("--out " + quoted("again")), 0) << err;
+    const auto files = filesOf(folder / "again");
+    ASSERT_EQ(files.size(), THE_SET.size());
+    for (const auto& [name, bytes] : files) {
+        EXPECT_TRUE(bytes == content(fs::path(KELPIX_MEDIA_DIR) / name)) << name;
+    }
+}
+
+TEST_F(MediaProgramTest, MakesAnotherSetFromAnotherSeed)
+{
+    ASSERT_EQ(run("--out " + quoted("other") + " --only bubbles --seed 7"), 0) << err;
+    EXPECT_NE(content(folder / "other/sound/bubbles_sound.ogg"),
+              content(KELPIX_MEDIA_DIR "/sound/bubbles_sound.ogg"));
+}
+
+TEST_F(MediaProgramTest, MakesASingleAssetAsItIsInTheSet)
+{
+    ASSERT_EQ(run("--only fish --out " + quoted("one")), 0) << err;
+    EXPECT_THAT(namesOf(folder / "one"), testing::ElementsAre("data/fish0.png"));
+    EXPECT_TRUE(content(folder / "one/data/fish0.png") ==
+                content(KELPIX_MEDIA_DIR "/data/fish0.png"));
+    EXPECT_EQ(out, "data/fish0.png: 64 x 64\n");
+}
+
+TEST_F(MediaProgramTest, CopiesTheFontWithItsLicence)
+{
+    EXPECT_THAT(content(KELPIX_MEDIA_DIR "/fonts/ChalkboardBold.LICENSE.txt"),
+                HasSubstr("SIL OPEN FONT LICENSE Version 1.1"));
+    EXPECT_EQ(content(KELPIX_MEDIA_DIR "/fonts/ChalkboardBold.ttf").substr(0, 4), "OTTO");
+}
+
+TEST_F(MediaProgramTest, CopiesAnotherFontWithoutALicence)
+{
+    std::ofstream(folder / "mine.ttf") << "a font";
+    ASSERT_EQ(run("--only font --font " + quoted("mine.ttf") + " --out " + quoted("set")), 0)
+        << err;
+    EXPECT_THAT(namesOf(folder / "set"), testing::ElementsAre("fonts/ChalkboardBold.ttf"));
+    EXPECT_EQ(content(folder / "set/fonts/ChalkboardBold.ttf"), "a font");
+}
+
+TEST_F(MediaProgramTest, ReplacesOldFilesAndLeavesNoPartialOnes)
+{
+    fs::create_directories(folder / "set/data");
+    std::ofstream(folder / "set/data/fish0.png") << "old";
+    std::ofstream(folder / "set/data/fish0.png.part") << "from a run that was cut off";
+    ASSERT_EQ(run("--only fish --out " + quoted("set")), 0) << err;
+    EXPECT_THAT(namesOf(folder / "set"), testing::ElementsAre("data/fish0.png"));
+    EXPECT_TRUE(content(folder / "set/data/fish0.png") ==
+                content(KELPIX_MEDIA_DIR "/data/fish0.png"));
+}
+
+TEST_F(MediaProgramTest, SaysWhatIsWrongWithTheCommandLine)
+{
+    const std::vector<std::pair<std::string, std::string>> lines = {
+        {"", "--out DIR is missing"},
+        {"--colour red", "unknown option \"--colour\""},
+        {"set", "unknown option \"set\""},
+        {"--out", "--out needs a value"},
+        {"--out set --seed x", "--seed takes a number from 0 to 18446744073709551615, not \"x\""},
+        {"--out set --water 1000", "--water takes a power of two, not \"1000\""},
+        {"--out set --seconds 10", "--seconds takes a number from 20 to 600, not \"10\""},
+        {"--out set --only whale", "--only takes one of voice, "},
+    };
+    for (const auto& [arguments, message] : lines) {
+        EXPECT_EQ(run(arguments), 2) << arguments;
+        EXPECT_THAT(err, HasSubstr("kelpix-media: " + message)) << arguments;
+        EXPECT_THAT(out, IsEmpty()) << arguments;
+    }
+    EXPECT_FALSE(fs::exists("set"));
+}
+
+TEST_F(MediaProgramTest, FailsClearlyWhereItCannotWrite)
+{
+    std::ofstream(folder / "file") << "not a folder";
+    EXPECT_EQ(run("--only fish --out " + quoted("file/set")), 1);
+    EXPECT_THAT(err, HasSubstr("kelpix-media: cannot write " +
+                               (folder / "file/set/data/fish0.png").string()));
+    // A folder that is in the way of a file.
+    fs::create_directories(folder / "set/data/fish0.png/x");
+    EXPECT_EQ(run("--only fish --out " + quoted("set")), 1);
+    EXPECT_THAT(err, HasSubstr("cannot write"));
+    EXPECT_THAT(namesOf(folder / "set"), IsEmpty()) << "no partial file stays behind";
+}
+
+TEST_F(MediaProgramTest, FailsClearlyWithoutAFont)
+{
+    EXPECT_EQ(run("--only font --font /nowhere/font.ttf --out " + quoted("set")), 1);
+    EXPECT_EQ(err, "kelpix-media: cannot read /nowhere/font.ttf\n");
+    EXPECT_THAT(namesOf(folder / "set"), IsEmpty());
+}
+
+TEST_F(MediaProgramTest, ExplainsItself)
+{
+    EXPECT_EQ(run("--help"), 0);
+    for (const char* option :
+         {"--out", "--seed", "--water", "--seconds", "--only", "--font", "--help"}) {
+        EXPECT_THAT(out, HasSubstr(option));
+    }
+    for (const char* asset :
+         {"voice", "water", "bubbles", "dance", "squid", "fish", "bubble", "cube", "font"}) {
+        EXPECT_THAT(out, HasSubstr(std::string("\n  ") + asset + " "));
+    }
+    EXPECT_THAT(err, IsEmpty());
+}
+
+} // namespace

@@ -1,0 +1,60 @@
+#include "Options.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace {
+
+using media::Options;
+using media::parseOptions;
+
+TEST(OptionsTest, DefaultsMakeTheSetThatTheScenePlays)
+{
+    const Options options = parseOptions({"--out", "x"});
+    EXPECT_EQ(options.out, "x");
+    EXPECT_EQ(options.request.seed, 1u);
+    EXPECT_EQ(options.request.waterSize, 1024);
+    EXPECT_EQ(options.request.seconds, 120);
+    EXPECT_EQ(options.only, nullptr);
+    EXPECT_FALSE(options.request.font.empty());
+    EXPECT_FALSE(options.request.fontLicense.empty());
+}
+
+TEST(OptionsTest, AreTakenInAnyOrder)
+{
+    const Options options = parseOptions({"--seconds", "20", "--only", "water", "--seed",
+                                          "18446744073709551615", "--out", "x", "--water", "4096"});
+    EXPECT_EQ(options.request.seconds, 20);
+    EXPECT_STREQ(options.only->name, "water");
+    EXPECT_EQ(options.request.seed, UINT64_MAX);
+    EXPECT_EQ(options.request.waterSize, 4096);
+}
+
+TEST(OptionsTest, HelpNeedsNothingElse)
+{
+    EXPECT_TRUE(parseOptions({"--help"}).help);
+    EXPECT_TRUE(parseOptions({"--seed", "3", "--help", "--nonsense"}).help);
+}
+
+TEST(OptionsTest, TakeWholeNumbersInTheirRangeOnly)
+{
+    for (const char* text : {"", "-1", "1x", "x", " 1", "1.5", "18446744073709551616"}) {
+        EXPECT_THROW(parseOptions({"--out", "x", "--seed", text}), media::UsageError) << text;
+    }
+    for (const char* text : {"0", "32", "63", "65", "1000", "8192", "-64"}) {
+        EXPECT_THROW(parseOptions({"--out", "x", "--water", text}), media::UsageError) << text;
+    }
+    for (const char* text : {"19", "601", "120s"}) {
+        EXPECT_THROW(parseOptions({"--out", "x", "--seconds", text}), media::UsageError) << text;
+    }
+}
+
+TEST(OptionsTest, UsageListsEveryAsset)
+{
+    for (const media::Asset& asset : media::assets()) {
+        EXPECT_THAT(media::usage(), testing::HasSubstr(asset.about));
+        EXPECT_EQ(parseOptions({"--out", "x", "--only", asset.name}).only, &asset);
+    }
+}
+
+} // namespace

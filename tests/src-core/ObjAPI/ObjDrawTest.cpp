@@ -1,0 +1,703 @@
+#include "ObjAPI.h"
+
+#include "GLTest.h"
+#include "ObjModel.h"
+
+#include <cstring>
+#include <functional>
+#include <gmock/gmock.h>
+
+namespace {
+
+using testing::ElementsAre;
+
+/// Starts with the capabilities of the context, as a program does.
+class ObjDrawTest : public GLTest, public ObjFixture {
+protected:
+    void SetUp() override
+    {
+        GLTest::SetUp();
+        GL_is_initialized = false;
+        obj_init_gl();
+    }
+
+    void TearDown() override
+    {
+        while (obj_num_file() > 0) {
+            obj_del_file(0);
+        }
+        GLTest::TearDown();
+    }
+
+    /// A square of two triangles, (0, 0) to (0.5, 0.5), with a line along its lower edge. The
+    /// texture coordinates are twice the positions, the normals point to +z.
+    static int square()
+    {
+        const int fi = obj_add_file(nullptr);
+        const float corners[4][2] = {{0, 0}, {0.5f, 0}, {0.5f, 0.5f}, {0, 0.5f}};
+        for (const auto& corner : corners) {
+            const int vi = obj_add_vert(fi);
+            const float v[3] = {corner[0], corner[1], 0.25f};
+            const float t[2] = {2 * corner[0], 2 * corner[1]};
+            const float n[3] = {0, 0, 1};
+            obj_set_vert_v(fi, vi, v);
+            obj_set_vert_t(fi, vi, t);
+            obj_set_vert_n(fi, vi, n);
+        }
+        obj_add_mtrl(fi);
+        obj_add_surf(fi);
+        const int triangles[2][3] = {{0, 1, 2}, {0, 2, 3}};
+        for (const auto& vi : triangles) {
+            obj_set_poly(fi, 0, obj_add_poly(fi, 0), vi);
+        }
+        const int line[2] = {0, 1};
+        obj_set_line(fi, 0, obj_add_line(fi, 0), line);
+        return fi;
+    }
+
+    /// Gives a property a texture of one texel.
+    static GLuint add_map(int fi, int ki)
+    {
+        GLuint& map = obj::prop(fi, 0, ki)->map;
+        glGenTextures(1, &map);
+        glBindTexture(GL_TEXTURE_2D, map);
+        const unsigned char texel[4] = {255, 255, 255, 255};
+        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 1, 1, 0, GL_RGBA, GL_UNSIGNED_BYTE, texel);
+        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+        glBindTexture(GL_TEXTURE_2D, 0);
+        return map;
+    }
+
+    static std::vector<Feedback::Primitive> drawn(int fi)
+    {
+        return Feedback::of([fi] { obj_draw_file(fi); });
+    }
+
+    /// Primitives as text.
+    static std::string print(const std::vector<Feedback::Primitive>& primitives)
+    {
+        std::string text;
+        for (const Feedback::Primitive& primitive : primitives) {
+            text += primitive.token == GL_POLYGON_TOKEN ? "triangle" : "line";
+            for (const Feedback::Vertex& v : primitive.vertices) {
+                char line[200];
+                snprintf(line, sizeof line, " (%.0f %.0f, t %.2f %.2f)", static_cast<double>(v.x),
+                         static_cast<double>(v.y), static_cast<double>(v.texture[0]),
+                         static_cast<double>(v.texture[1]));
+                text += line;
+            }
+            text += '\n';
+        }
+        return text;
+    }
+
+    static constexpr const char* SQUARE =
+        "triangle (370 370, t 0.00 0.00) (555 370, t 1.00 0.00) (555 555, t 1.00 1.00)\n"
+        "triangle (370 370, t 0.00 0.00) (555 555, t 1.00 1.00) (370 555, t 0.00 1.00)\n"
+        "line (370 370, t 0.00 0.00) (555 370, t 1.00 0.00)\n";
+
+    static bool enabled(int unit)
+    {
+        glActiveTextureARB(GL_TEXTURE0_ARB + static_cast<GLenum>(unit));
+        return isEnabled(GL_TEXTURE_2D);
+    }
+
+    static GLuint bound(int unit)
+    {
+        glActiveTextureARB(GL_TEXTURE0_ARB + static_cast<GLenum>(unit));
+        return static_cast<GLuint>(getInteger(GL_TEXTURE_BINDING_2D));
+    }
+
+    /// The units back to how GLTest expects them.
+    static void reset_units()
+    {
+        for (int unit = 3; unit >= 0; --unit) {
+            glActiveTextureARB(GL_TEXTURE0_ARB + static_cast<GLenum>(unit));
+            glBindTexture(GL_TEXTURE_2D, 0);
+            glDisable(GL_TEXTURE_2D);
+            glMatrixMode(GL_TEXTURE);
+            glLoadIdentity();
+            glMatrixMode(GL_MODELVIEW);
+        }
+    }
+
+    static std::array<float, 4> material(GLenum what)
+    {
+        std::array<float, 4> value = {};
+        glGetMaterialfv(GL_FRONT, what, value.data());
+        std::array<float, 4> back = {};
+        glGetMaterialfv(GL_BACK, what, back.data());
+        EXPECT_EQ(value, back);
+        return value;
+    }
+};
+
+// ---- Capabilities -------------------------------------------------------------------------------
+
+TEST(ObjExtensionTest, AnExtensionIsAWholeWord)
+{
+    EXPECT_TRUE(obj::extension_in("GL_A GL_B", "GL_A"));
+    EXPECT_TRUE(obj::extension_in("GL_A GL_B", "GL_B"));
+    EXPECT_TRUE(obj::extension_in("GL_A", "GL_A"));
+    EXPECT_FALSE(obj::extension_in("GL_A GL_B", "GL_C"));
+    EXPECT_FALSE(obj::extension_in("GL_AB", "GL_A"));
+    EXPECT_TRUE(obj::extension_in("GL_AB GL_A", "GL_A"));
+    EXPECT_FALSE(obj::extension_in("GL_", "GL_A"));
+    EXPECT_FALSE(obj::extension_in("", "GL_A"));
+    EXPECT_FALSE(obj::extension_in(nullptr, "GL_A"));
+}
+
+TEST(ObjExtensionTest, TheSearchGoesOnBehindAMismatch)
+{
+    EXPECT_TRUE(obj::extension_in("xGL_A", "GL_A"));  // the first x is the mismatch
+    EXPECT_FALSE(obj::extension_in("GGL_A", "GL_A")); // the second G is, and is not looked at again
+    EXPECT_FALSE(obj::extension_in("aab", "ab"));
+    EXPECT_TRUE(obj::extension_in("a ab", "ab"));
+}
+
+TEST_F(ObjDrawTest, TheContextIsAskedOnce)
+{
+    EXPECT_TRUE(GL_is_initialized);
+    EXPECT_TRUE(GL_has_vertex_buffer_object);
+    EXPECT_TRUE(GL_has_multitexture);
+    EXPECT_EQ(GL_max_texture_image_units, getInteger(GL_MAX_TEXTURE_IMAGE_UNITS));
+    GL_max_texture_image_units = 1;
+    obj_init_gl();
+    EXPECT_EQ(GL_max_texture_image_units, 1);
+}
+
+// ---- Geometry -----------------------------------------------------------------------------------
+
+TEST_F(ObjDrawTest, TrianglesThenLinesAreDrawnFromABuffer)
+{
+    const int fi = square();
+    EXPECT_EQ(print(drawn(fi)), SQUARE);
+    const GLuint vbo = obj::file(fi)->vbo;
+    ASSERT_TRUE(glIsBufferARB(vbo));
+    EXPECT_EQ(print(drawn(fi)), SQUARE);
+    EXPECT_EQ(obj::file(fi)->vbo, vbo);
+    glBindBufferARB(GL_ARRAY_BUFFER_ARB, vbo);
+    GLint value = 0;
+    glGetBufferParameterivARB(GL_ARRAY_BUFFER_ARB, GL_BUFFER_SIZE_ARB, &value);
+    EXPECT_EQ(value, 4 * 44);
+    glGetBufferParameterivARB(GL_ARRAY_BUFFER_ARB, GL_BUFFER_USAGE_ARB, &value);
+    EXPECT_EQ(value, GL_STATIC_DRAW_ARB);
+    obj_vert got[4];
+    glGetBufferSubDataARB(GL_ARRAY_BUFFER_ARB, 0, sizeof got, got);
+    EXPECT_EQ(std::memcmp(got, obj::file(fi)->vv, sizeof got), 0);
+    glBindBufferARB(GL_ARRAY_BUFFER_ARB, 0);
+}
+
+TEST_F(ObjDrawTest, WithoutBuffersTheyAreDrawnFromClientMemory)
+{
+    GL_has_vertex_buffer_object = false;
+    const int fi = square();
+    EXPECT_EQ(print(drawn(fi)), SQUARE);
+    EXPECT_EQ(obj::file(fi)->vbo, 0U);
+}
+
+TEST_F(ObjDrawTest, AChangedVertexThrowsTheBufferAway)
+{
+    const int fi = square();
+    const float moved[3] = {0.5f, 0.5f, 0.5f};
+    const std::function<void()> changes[] = {
+        [=] { obj_set_vert_v(fi, 2, moved); }, [=] { obj_set_vert_t(fi, 2, moved); },
+        [=] { obj_set_vert_n(fi, 2, moved); }, [=] { obj_add_vert(fi); },
+        [=] { obj_del_vert(fi, 4); }};
+    for (const auto& change : changes) {
+        obj_init_file(fi);
+        const GLuint vbo = obj::file(fi)->vbo;
+        ASSERT_TRUE(glIsBufferARB(vbo));
+        change();
+        EXPECT_EQ(obj::file(fi)->vbo, 0U);
+        EXPECT_FALSE(glIsBufferARB(vbo));
+    }
+    // Drawn from client memory, then from a new buffer.
+    const float far[3] = {1, 1, 0};
+    obj_set_vert_v(fi, 2, far);
+    const auto by_hand = Feedback::of([fi] {
+        glPushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT);
+        obj_draw_vert(fi);
+        obj_draw_surf(fi, 0);
+        glPopClientAttrib();
+    });
+    EXPECT_EQ(obj::file(fi)->vbo, 0U);
+    EXPECT_EQ(by_hand.at(0).vertices.at(2).x, 740);
+    EXPECT_EQ(print(drawn(fi)), print(by_hand));
+    EXPECT_NE(obj::file(fi)->vbo, 0U);
+}
+
+TEST_F(ObjDrawTest, DeletingAFileDeletesItsBuffer)
+{
+    const int fi = square();
+    obj_init_file(fi);
+    const GLuint vbo = obj::file(fi)->vbo;
+    ASSERT_TRUE(glIsBufferARB(vbo));
+    obj_del_file(fi);
+    EXPECT_FALSE(glIsBufferARB(vbo));
+}
+
+TEST_F(ObjDrawTest, SurfacesAreDrawnInStoreOrder)
+{
+    const int fi = square();
+    obj_add_surf(fi);
+    const int line[2] = {2, 3};
+    obj_set_line(fi, 1, obj_add_line(fi, 1), line);
+    obj_add_surf(fi); // empty
+    EXPECT_EQ(print(drawn(fi)),
+              std::string(SQUARE) + "line (555 555, t 1.00 1.00) (370 555, t 0.00 1.00)\n");
+}
+
+TEST_F(ObjDrawTest, PrimitivesWithoutTheirVerticesAreLeftOut)
+{
+    for (const bool buffers : {true, false}) {
+        GL_has_vertex_buffer_object = buffers;
+        const int fi = square();
+        for (const int bad : {4, -1, INT_MAX, INT_MIN}) {
+            const int vi[3] = {0, 1, bad};
+            obj_set_poly(fi, 0, obj_add_poly(fi, 0), vi);
+            obj_set_line(fi, 0, obj_add_line(fi, 0), vi + 1);
+        }
+        const int whole[3] = {1, 2, 3};
+        obj_set_poly(fi, 0, obj_add_poly(fi, 0), whole);
+        const auto primitives = drawn(fi);
+        ASSERT_EQ(primitives.size(), 4U);
+        EXPECT_EQ(print({primitives[0], primitives[1], primitives[3]}), SQUARE);
+        obj_del_file(fi);
+    }
+}
+
+TEST_F(ObjDrawTest, AnEmptyModelDrawsNothing)
+{
+    for (const bool buffers : {true, false}) {
+        GL_has_vertex_buffer_object = buffers;
+        const int fi = obj_add_file(nullptr);
+        EXPECT_EQ(print(drawn(fi)), "");
+        obj_draw_axes(fi, 1);
+    }
+}
+
+TEST_F(ObjDrawTest, TheTangentIsVertexAttribute6)
+{
+    const int fi = square();
+    for (int vi = 0; vi < 4; ++vi) {
+        const float u[3] = {0.2f, 0.4f, 0.8f};
+        std::copy_n(u, 3, obj::vert(fi, vi)->u);
+    }
+    // A vertex program that shows the attribute as the colour.
+    const char program[] = "!!ARBvp1.0\n"
+                           "MOV result.position, vertex.position;\n"
+                           "MOV result.color, vertex.attrib[6];\n"
+                           "END\n";
+    GLuint name = 0;
+    glGenProgramsARB(1, &name);
+    glBindProgramARB(GL_VERTEX_PROGRAM_ARB, name);
+    glProgramStringARB(GL_VERTEX_PROGRAM_ARB, GL_PROGRAM_FORMAT_ASCII_ARB, sizeof program - 1,
+                       program);
+    glEnable(GL_VERTEX_PROGRAM_ARB);
+    for (const bool buffers : {true, false}) {
+        GL_has_vertex_buffer_object = buffers;
+        obj_set_vert_n(fi, 0, obj::vert(fi, 0)->n); // no buffer
+        glClear(GL_COLOR_BUFFER_BIT);
+        obj_draw_file(fi);
+        const auto rgba = pixel(450, 450);
+        EXPECT_NEAR(rgba[0], 51, 1);
+        EXPECT_NEAR(rgba[1], 102, 1);
+        EXPECT_NEAR(rgba[2], 204, 1);
+    }
+    glDisable(GL_VERTEX_PROGRAM_ARB);
+    glDeleteProgramsARB(1, &name);
+}
+
+TEST_F(ObjDrawTest, TheArraysPointIntoTheVertices)
+{
+    const int fi = square();
+    for (const bool buffers : {true, false}) {
+        GL_has_vertex_buffer_object = buffers;
+        obj_set_vert_n(fi, 0, obj::vert(fi, 0)->n);
+        obj_init_file(fi);
+        glPushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT);
+        obj_draw_vert(fi);
+        const char* base = buffers ? nullptr : reinterpret_cast<const char*>(obj::file(fi)->vv);
+        const auto offset = [base](GLenum what) {
+            GLvoid* pointer = nullptr;
+            glGetPointerv(what, &pointer);
+            return static_cast<const char*>(pointer) - base;
+        };
+        EXPECT_EQ(offset(GL_NORMAL_ARRAY_POINTER), 12);
+        EXPECT_EQ(offset(GL_TEXTURE_COORD_ARRAY_POINTER), 24);
+        EXPECT_EQ(offset(GL_VERTEX_ARRAY_POINTER), 32);
+        GLvoid* tangent = nullptr;
+        glGetVertexAttribPointervARB(6, GL_VERTEX_ATTRIB_ARRAY_POINTER_ARB, &tangent);
+        EXPECT_EQ(static_cast<const char*>(tangent) - base, 0);
+        const auto attribute = [](GLenum what) {
+            GLint value = -1;
+            glGetVertexAttribivARB(6, what, &value);
+            return value;
+        };
+        EXPECT_EQ(attribute(GL_VERTEX_ATTRIB_ARRAY_ENABLED_ARB), 1);
+        EXPECT_EQ(attribute(GL_VERTEX_ATTRIB_ARRAY_SIZE_ARB), 3);
+        EXPECT_EQ(attribute(GL_VERTEX_ATTRIB_ARRAY_STRIDE_ARB), 44);
+        EXPECT_EQ(attribute(GL_VERTEX_ATTRIB_ARRAY_NORMALIZED_ARB), 0);
+        EXPECT_EQ(getInteger(GL_VERTEX_ARRAY_STRIDE), 44);
+        EXPECT_EQ(getInteger(GL_VERTEX_ARRAY_SIZE), 3);
+        EXPECT_EQ(getInteger(GL_TEXTURE_COORD_ARRAY_SIZE), 2);
+        EXPECT_EQ(static_cast<GLuint>(getInteger(GL_ARRAY_BUFFER_BINDING_ARB)), obj::file(fi)->vbo);
+        glPopClientAttrib();
+    }
+}
+
+// ---- Materials ----------------------------------------------------------------------------------
+
+TEST_F(ObjDrawTest, TheColoursBecomeTheMaterial)
+{
+    const int fi = square();
+    for (int ki = 0; ki < 4; ++ki) {
+        const auto value = static_cast<float>(ki) / 8;
+        const float c[4] = {value, 0.5f, 0.25f, 0.75f};
+        obj_set_mtrl_c(fi, 0, ki, c);
+    }
+    obj_draw_mtrl(fi, 0);
+    EXPECT_THAT(material(GL_DIFFUSE), ElementsAre(0, 0.5f, 0.25f, 0.75f));
+    EXPECT_THAT(material(GL_AMBIENT), ElementsAre(0.125f, 0.5f, 0.25f, 0.75f));
+    EXPECT_THAT(material(GL_EMISSION), ElementsAre(0.25f, 0.5f, 0.25f, 0.75f));
+    EXPECT_THAT(material(GL_SPECULAR), ElementsAre(0.375f, 0.5f, 0.25f, 0.75f));
+    EXPECT_EQ(material(GL_SHININESS)[0], 8);
+}
+
+TEST_F(ObjDrawTest, AShininessOutOfRangeBecomesTheNearestInIt)
+{
+    const int fi = square();
+    for (const auto& [given, expected] : {std::pair{1000.0f, 128.0f}, {-5.0f, 0.0f}}) {
+        const float c[4] = {given, 0, 0, 0};
+        obj_set_mtrl_c(fi, 0, 4, c);
+        obj_draw_mtrl(fi, 0);
+        EXPECT_EQ(material(GL_SHININESS)[0], expected);
+    }
+}
+
+TEST_F(ObjDrawTest, ASurfaceWithoutAMaterialIsDrawnWithTheStateAsItIs)
+{
+    const int fi = square();
+    const float before[4] = {0.125f, 0.25f, 0.5f, 1};
+    glMaterialfv(GL_FRONT_AND_BACK, GL_DIFFUSE, before);
+    for (const int mi : {1, -1}) {
+        obj_set_surf(fi, 0, mi);
+        EXPECT_EQ(print(drawn(fi)), SQUARE);
+        glPushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT);
+        obj_draw_vert(fi);
+        obj_draw_surf(fi, 0);
+        glPopClientAttrib();
+        EXPECT_THAT(material(GL_DIFFUSE), ElementsAre(0.125f, 0.25f, 0.5f, 1));
+    }
+}
+
+TEST_F(ObjDrawTest, MapsGoToAsManyUnitsAsThereAre)
+{
+    const int fi = square();
+    GLuint maps[5];
+    for (int ki = 0; ki < 5; ++ki) {
+        maps[ki] = add_map(fi, ki);
+    }
+    const GLuint expected[] = {maps[0], maps[1], maps[3], maps[4]};
+    for (const int units : {0, 1, 2, 3, 4, 16}) {
+        reset_units();
+        GL_max_texture_image_units = units;
+        obj_draw_mtrl(fi, 0);
+        EXPECT_EQ(getInteger(GL_ACTIVE_TEXTURE_ARB), GL_TEXTURE0_ARB);
+        for (int unit = 0; unit < 4; ++unit) {
+            EXPECT_EQ(enabled(unit), unit < units) << unit << " of " << units;
+            EXPECT_EQ(bound(unit), unit < units ? expected[unit] : 0) << unit << " of " << units;
+        }
+        for (int unit = 4; unit < 8; ++unit) {
+            EXPECT_FALSE(enabled(unit));
+        }
+    }
+    reset_units();
+}
+
+TEST_F(ObjDrawTest, TheLastUnitWithAMapStaysActive)
+{
+    const int fi = square();
+    add_map(fi, 1);
+    add_map(fi, 4);
+    obj_draw_mtrl(fi, 0);
+    EXPECT_EQ(getInteger(GL_ACTIVE_TEXTURE_ARB), GL_TEXTURE1_ARB);
+    EXPECT_FALSE(enabled(0));
+    EXPECT_FALSE(enabled(2));
+    reset_units();
+}
+
+TEST_F(ObjDrawTest, WithoutMultitexturingOnlyTheDiffuseMapIsBound)
+{
+    const int fi = square();
+    const GLuint map = add_map(fi, 0);
+    add_map(fi, 1);
+    GL_has_multitexture = false;
+    obj_draw_mtrl(fi, 0);
+    EXPECT_EQ(bound(0), map);
+    EXPECT_TRUE(enabled(0));
+    EXPECT_FALSE(enabled(1));
+    reset_units();
+}
+
+TEST_F(ObjDrawTest, AnEmissiveMapIsNeverBound)
+{
+    const int fi = square();
+    add_map(fi, 2);
+    obj_draw_mtrl(fi, 0);
+    for (int unit = 3; unit >= 0; --unit) {
+        EXPECT_FALSE(enabled(unit));
+        EXPECT_EQ(bound(unit), 0U);
+    }
+}
+
+TEST_F(ObjDrawTest, AMaterialWithoutMapsLeavesTheUnitsAsTheyWere)
+{
+    const int fi = square();
+    const GLuint map = add_map(fi, 0);
+    obj_add_mtrl(fi);
+    obj_draw_mtrl(fi, 0);
+    obj_draw_mtrl(fi, 1);
+    EXPECT_EQ(bound(0), map);
+    EXPECT_TRUE(enabled(0));
+    reset_units();
+}
+
+TEST_F(ObjDrawTest, OptionOffsetAndScaleOfAMapAreSet)
+{
+    const int fi = square();
+    const GLuint map = add_map(fi, 0);
+    const float o[3] = {0.5f, 0.25f, 3};
+    const float s[3] = {2, 4, 1};
+    obj_set_mtrl_o(fi, 0, 0, o);
+    obj_set_mtrl_s(fi, 0, 0, s);
+    for (const auto& [opt, wrap] : {std::pair{0U, GL_REPEAT},
+                                    {1U, GL_CLAMP_TO_EDGE},
+                                    {2U, GL_REPEAT},
+                                    {3U, GL_CLAMP_TO_EDGE}}) {
+        obj_set_mtrl_opt(fi, 0, 0, opt);
+        glMatrixMode(GL_PROJECTION);
+        obj_draw_prop(fi, 0, 0);
+        EXPECT_EQ(getInteger(GL_MATRIX_MODE), GL_MODELVIEW);
+        EXPECT_EQ(bound(0), map);
+        for (const GLenum what : {GL_TEXTURE_WRAP_S, GL_TEXTURE_WRAP_T}) {
+            GLint value = 0;
+            glGetTexParameteriv(GL_TEXTURE_2D, what, &value);
+            EXPECT_EQ(value, wrap);
+        }
+        EXPECT_THAT(getMatrix(GL_TEXTURE_MATRIX),
+                    ElementsAre(2, 0, 0, 0, 0, 4, 0, 0, 0, 0, 1, 0, 0.5f, 0.25f, 3, 1));
+    }
+    reset_units();
+    // The coordinate (1, 1) becomes (1, 1) * (2, 4) + (0.5, 0.25).
+    EXPECT_EQ(drawn(fi).at(0).vertices.at(2).texture[0], 2.5f);
+    EXPECT_EQ(drawn(fi).at(0).vertices.at(2).texture[1], 4.25f);
+}
+
+TEST_F(ObjDrawTest, APropertyWithoutAMapChangesNothing)
+{
+    const int fi = square();
+    glMatrixMode(GL_PROJECTION);
+    obj_draw_prop(fi, 0, 0);
+    EXPECT_EQ(getInteger(GL_MATRIX_MODE), GL_PROJECTION);
+    EXPECT_FALSE(isEnabled(GL_TEXTURE_2D));
+    glMatrixMode(GL_MODELVIEW);
+}
+
+TEST_F(ObjDrawTest, ColourTrackingIsOffWhileAModelIsDrawn)
+{
+    const int fi = square();
+    const float green[4] = {0, 1, 0, 1};
+    obj_set_mtrl_c(fi, 0, 2, green); // shines by itself
+    const float black[4] = {0, 0, 0, 1};
+    obj_set_mtrl_c(fi, 0, 0, black);
+    obj_set_mtrl_c(fi, 0, 1, black);
+    glEnable(GL_LIGHTING);
+    glColorMaterial(GL_FRONT_AND_BACK, GL_EMISSION);
+    glEnable(GL_COLOR_MATERIAL);
+    glColor4f(1, 0, 0, 1);
+    obj_draw_file(fi);
+    EXPECT_THAT(pixel(450, 450), ElementsAre(0, 255, 0, 255));
+    EXPECT_TRUE(isEnabled(GL_COLOR_MATERIAL));
+    glDisable(GL_COLOR_MATERIAL);
+    glColorMaterial(GL_FRONT_AND_BACK, GL_AMBIENT_AND_DIFFUSE);
+    glMaterialfv(GL_FRONT_AND_BACK, GL_EMISSION, black);
+}
+
+// ---- State --------------------------------------------------------------------------------------
+
+/// What drawing could touch, as text.
+class StateTest : public ObjDrawTest {
+protected:
+    static void add(std::string& text, const char* label, const float* values, int count)
+    {
+        text += label;
+        for (int i = 0; i < count; ++i) {
+            text += ' ' + std::to_string(values[i]);
+        }
+        text += '\n';
+    }
+
+    static std::string state()
+    {
+        std::string text;
+        const auto integer = [&text](const char* label, GLenum what) {
+            text += std::string(label) + ' ' + std::to_string(getInteger(what)) + '\n';
+        };
+        integer("matrix mode", GL_MATRIX_MODE);
+        integer("array buffer", GL_ARRAY_BUFFER_BINDING_ARB);
+        integer("element buffer", GL_ELEMENT_ARRAY_BUFFER_BINDING_ARB);
+        integer("client unit", GL_CLIENT_ACTIVE_TEXTURE_ARB);
+        integer("attribute depth", GL_ATTRIB_STACK_DEPTH);
+        integer("client depth", GL_CLIENT_ATTRIB_STACK_DEPTH);
+        integer("vertex stride", GL_VERTEX_ARRAY_STRIDE);
+        integer("normal stride", GL_NORMAL_ARRAY_STRIDE);
+        integer("coordinate stride", GL_TEXTURE_COORD_ARRAY_STRIDE);
+        for (const GLenum what : {GL_VERTEX_ARRAY, GL_NORMAL_ARRAY, GL_TEXTURE_COORD_ARRAY,
+                                  GL_COLOR_ARRAY, GL_LIGHTING, GL_COLOR_MATERIAL, GL_TEXTURE_2D}) {
+            text += std::to_string(what) + (isEnabled(what) ? " on\n" : " off\n");
+        }
+        GLint attribute = 0;
+        glGetVertexAttribivARB(6, GL_VERTEX_ATTRIB_ARRAY_ENABLED_ARB, &attribute);
+        text += std::string("attribute 6 ") + std::to_string(attribute) + '\n';
+        for (const GLenum what : {GL_DIFFUSE, GL_AMBIENT, GL_EMISSION, GL_SPECULAR, GL_SHININESS}) {
+            const auto value = material(what);
+            add(text, "material", value.data(), 4);
+        }
+        float color[4];
+        glGetFloatv(GL_CURRENT_COLOR, color);
+        add(text, "colour", color, 4);
+        add(text, "modelview", getMatrix(GL_MODELVIEW_MATRIX).data(), 16);
+        const GLint active = getInteger(GL_ACTIVE_TEXTURE_ARB);
+        integer("active unit", GL_ACTIVE_TEXTURE_ARB);
+        for (int unit = 0; unit < 4; ++unit) {
+            text += std::string("unit ") + std::to_string(unit) + ' ' +
+                    std::to_string(bound(unit)) + (enabled(unit) ? " on\n" : " off\n");
+            add(text, "matrix", getMatrix(GL_TEXTURE_MATRIX).data(), 16);
+        }
+        glActiveTextureARB(static_cast<GLenum>(active));
+        return text;
+    }
+
+    /// Calls \p draw in a state where everything differs from the defaults and from what drawing
+    /// sets, and expects that state again.
+    static void expect_restored(const std::function<void()>& draw)
+    {
+        GLuint buffers[2];
+        glGenBuffersARB(2, buffers);
+        glBindBufferARB(GL_ARRAY_BUFFER_ARB, buffers[0]);
+        glBufferDataARB(GL_ARRAY_BUFFER_ARB, 1000, nullptr, GL_STATIC_DRAW_ARB);
+        glBindBufferARB(GL_ELEMENT_ARRAY_BUFFER_ARB, buffers[1]);
+        glBufferDataARB(GL_ELEMENT_ARRAY_BUFFER_ARB, 1000, nullptr, GL_STATIC_DRAW_ARB);
+        glVertexPointer(2, GL_FLOAT, 20, nullptr);
+        GLuint textures[4];
+        glGenTextures(4, textures);
+        for (int unit = 0; unit < 4; ++unit) {
+            glActiveTextureARB(GL_TEXTURE0_ARB + static_cast<GLenum>(unit));
+            glBindTexture(GL_TEXTURE_2D, textures[unit]);
+            glMatrixMode(GL_TEXTURE);
+            glLoadIdentity();
+            glTranslatef(static_cast<float>(unit), 5, 6);
+        }
+        glActiveTextureARB(GL_TEXTURE2_ARB);
+        glMatrixMode(GL_PROJECTION);
+        const float color[4] = {0.25f, 0.5f, 0.75f, 0.5f};
+        glMaterialfv(GL_FRONT_AND_BACK, GL_AMBIENT_AND_DIFFUSE, color);
+        glMaterialf(GL_FRONT_AND_BACK, GL_SHININESS, 3);
+        glColor4fv(color);
+        glEnable(GL_LIGHTING);
+
+        const std::string before = state();
+        draw();
+        EXPECT_EQ(state(), before);
+
+        glDisable(GL_LIGHTING);
+        glDeleteBuffersARB(2, buffers);
+        reset_units();
+        glDeleteTextures(4, textures);
+        const float defaults[2][4] = {{0.2f, 0.2f, 0.2f, 1}, {0.8f, 0.8f, 0.8f, 1}};
+        glMaterialfv(GL_FRONT_AND_BACK, GL_AMBIENT, defaults[0]);
+        glMaterialfv(GL_FRONT_AND_BACK, GL_DIFFUSE, defaults[1]);
+        glMaterialf(GL_FRONT_AND_BACK, GL_SHININESS, 0);
+    }
+};
+
+TEST_F(StateTest, DrawingAFileLeavesTheStateAsItWas)
+{
+    for (const bool buffers : {true, false}) {
+        for (const bool multitexture : {true, false}) {
+            const int fi = square();
+            for (int ki = 0; ki < 5; ++ki) {
+                add_map(fi, ki);
+            }
+            GL_has_vertex_buffer_object = buffers;
+            GL_has_multitexture = multitexture;
+            expect_restored([fi] { obj_draw_file(fi); });
+        }
+    }
+}
+
+TEST_F(StateTest, DrawingAFileWithFewerUnitsLeavesTheStateAsItWas)
+{
+    for (const int units : {0, 1, 2}) {
+        const int fi = square();
+        for (int ki = 0; ki < 5; ++ki) {
+            add_map(fi, ki);
+        }
+        GL_max_texture_image_units = units;
+        expect_restored([fi] { obj_draw_file(fi); });
+    }
+}
+
+TEST_F(StateTest, DrawingAxesLeavesTheStateAsItWas)
+{
+    const int fi = square();
+    expect_restored([fi] { obj_draw_axes(fi, 1); });
+    EXPECT_NE(obj::file(fi)->vbo, 0U);
+}
+
+TEST_F(StateTest, MakingABufferLeavesTheStateAsItWas)
+{
+    const int fi = square();
+    expect_restored([fi] { obj_init_file(fi); });
+}
+
+TEST_F(StateTest, ABoundElementBufferDoesNotMatter)
+{
+    const int fi = square();
+    expect_restored([fi] { EXPECT_EQ(print(drawn(fi)), SQUARE); });
+}
+
+// ---- Axes ---------------------------------------------------------------------------------------
+
+TEST_F(ObjDrawTest, AxesAreLinesAlongTangentAcrossAndNormal)
+{
+    const int fi = obj_add_file(nullptr);
+    obj_add_vert(fi);
+    obj_vert& vertex = *obj::vert(fi, 0);
+    vertex = {{1, 0, 0}, {0, 0, 1}, {0, 0}, {0.25f, 0.5f, 0}}; // n x u = (0, 1, 0)
+    glEnable(GL_LIGHTING);
+    glEnable(GL_TEXTURE_2D);
+    const auto lines = Feedback::of([fi] { obj_draw_axes(fi, 0.25f); });
+    glDisable(GL_LIGHTING);
+    glDisable(GL_TEXTURE_2D);
+    ASSERT_EQ(lines.size(), 3U);
+    const float ends[3][3] = {{555, 555, 0.5f}, {462.5f, 647.5f, 0.5f}, {462.5f, 555, 0.625f}};
+    for (std::size_t i = 0; i < 3; ++i) {
+        ASSERT_EQ(lines[i].vertices.size(), 2U);
+        EXPECT_EQ(lines[i].vertices[0].x, 462.5f);
+        EXPECT_EQ(lines[i].vertices[0].y, 555);
+        EXPECT_EQ(lines[i].vertices[0].z, 0.5f);
+        EXPECT_EQ(lines[i].vertices[1].x, ends[i][0]);
+        EXPECT_EQ(lines[i].vertices[1].y, ends[i][1]);
+        EXPECT_EQ(lines[i].vertices[1].z, ends[i][2]);
+        for (const Feedback::Vertex& v : lines[i].vertices) {
+            for (std::size_t k = 0; k < 4; ++k) {
+                EXPECT_EQ(v.color[k], k == 3 || k == i ? 1 : 0);
+            }
+        }
+    }
+}
+
+} // namespace

@@ -1,0 +1,520 @@
+#include "ImageJPEG.h"
+
+#include "ImageFiles.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+namespace {
+
+using testing::HasSubstr;
+using testing::internal::CaptureStderr;
+using testing::internal::CaptureStdout;
+using testing::internal::GetCapturedStderr;
+using testing::internal::GetCapturedStdout;
+
+std::size_t sizeOf(const ImageJPEG& image)
+{
+    return static_cast<std::size_t>(image.w) * static_cast<std::size_t>(image.h) *
+           static_cast<std::size_t>(image.c);
+}
+
+Bytes bytesOf(const ImageJPEG& image)
+{
+    return {image.buffer, image.buffer + sizeOf(image)};
+}
+
+struct Outcome {
+    int status;
+    std::string out;
+    std::string err;
+};
+
+Outcome read(ImageJPEG& image, const char* filename)
+{
+    CaptureStdout();
+    CaptureStderr();
+    const int status = image.read(filename);
+    const std::string err = GetCapturedStderr();
+    return {status, GetCapturedStdout(), err};
+}
+
+Outcome write(ImageJPEG& image, const char* filename, int quality = 90)
+{
+    CaptureStdout();
+    CaptureStderr();
+    const int status = image.write(filename, quality);
+    const std::string err = GetCapturedStderr();
+    return {status, GetCapturedStdout(), err};
+}
+
+/// Reads a file that is whole, and says nothing.
+void readWhole(ImageJPEG& image, const TempPath& path)
+{
+    const Outcome outcome = read(image, path.name());
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err, "");
+}
+
+/// Where the first scan starts.
+std::size_t firstScan(const Bytes& file)
+{
+    const Bytes startOfScan = {0xFF, 0xDA};
+    const auto at = std::search(file.begin(), file.end(), startOfScan.begin(), startOfScan.end());
+    return static_cast<std::size_t>(at - file.begin());
+}
+
+TEST(ImageJPEGTest, StartsWithoutAPicture)
+{
+    ImageJPEG image;
+    EXPECT_EQ(image.getPixelBuffer(), nullptr);
+    EXPECT_EQ(image.getWidth(), 0);
+    EXPECT_EQ(image.getHeight(), 0);
+    EXPECT_EQ(image.getComponents(), 0);
+    EXPECT_EQ(image.getSourceFile(), nullptr);
+    EXPECT_EQ(image.getImageType(), IMAGE_JPEG);
+}
+
+TEST(ImageJPEGTest, ReadsOnePixelOfColour)
+{
+    const TempPath path(".jpg");
+    writeJpeg(path, {1, 1, 3, {128, 128, 128}}, 100);
+    ImageJPEG image;
+    readWhole(image, path);
+    EXPECT_EQ(image.getWidth(), 1);
+    EXPECT_EQ(image.getHeight(), 1);
+    EXPECT_EQ(image.getComponents(), 3);
+    EXPECT_EQ(bytesOf(image), (Bytes{128, 128, 128}));
+}
+
+TEST(ImageJPEGTest, ReadsOnePixelOfGrey)
+{
+    const TempPath path(".jpg");
+    writeJpeg(path, {1, 1, 1, {128}}, 100);
+    ImageJPEG image;
+    readWhole(image, path);
+    EXPECT_EQ(image.getWidth(), 1);
+    EXPECT_EQ(image.getHeight(), 1);
+    EXPECT_EQ(image.getComponents(), 1);
+    EXPECT_EQ(bytesOf(image), Bytes{128});
+}
+
+TEST(ImageJPEGTest, TheFirstBufferRowIsTheLastRowOfTheFile)
+{
+    const TempPath path(".jpg");
+    writeJpeg(path, {3, 2, 1, {40, 40, 40, 200, 200, 200}}, 100);
+    ImageJPEG image;
+    readWhole(image, path);
+    for (int x = 0; x < 3; ++x) {
+        EXPECT_NEAR(image.buffer[x], 200, 3);
+        EXPECT_NEAR(image.buffer[3 + x], 40, 3);
+    }
+}
+
+TEST(ImageJPEGTest, ReadsWhatTheLibraryDecodesForEveryKindAndShape)
+{
+    for (const JpegKind kind : {JpegKind::baseline, JpegKind::progressive}) {
+        for (const std::size_t channels : {1, 3, 4}) {
+            for (const std::size_t width : {1, 5, 16, 33}) {
+                for (const std::size_t height : {1, 2, 7, 40}) {
+                    const TempPath path(".jpg");
+                    writeJpeg(path, noise(width, height, channels), 85, kind);
+                    const Picture expected = readJpeg(path);
+                    ASSERT_EQ(expected.channels, channels);
+                    ImageJPEG image;
+                    readWhole(image, path);
+                    ASSERT_EQ(image.w, static_cast<int>(width));
+                    ASSERT_EQ(image.h, static_cast<int>(height));
+                    ASSERT_EQ(image.c, static_cast<int>(channels));
+                    ASSERT_EQ(bytesOf(image), expected.bottomUp());
+                }
+            }
+        }
+    }
+}
+
+TEST(ImageJPEGTest, GreyPixelsAreReadableAsRgb)
+{
+    const TempPath path(".jpg");
+    writeJpeg(path, noise(5, 3, 1));
+    ImageJPEG image;
+    readWhole(image, path);
+    EXPECT_EQ(Bytes(image.buffer + 15, image.buffer + 45), Bytes(30, 0));
+}
+
+TEST(ImageJPEGTest, KeepsACopyOfTheFileName)
+{
+    const TempPath path(".jpg");
+    writeJpeg(path, noise(2, 2, 3));
+    std::string name = path.name();
+    ImageJPEG image;
+    ASSERT_EQ(image.read(name.c_str()), 1);
+    name.assign(name.size(), 'x');
+    EXPECT_STREQ(image.getSourceFile(), path.name());
+
+    // A failed read is none to remember.
+    read(image, name.c_str());
+    EXPECT_STREQ(image.getSourceFile(), path.name());
+}
+
+TEST(ImageJPEGTest, TheFileNameOutlivesTheImage)
+{
+    const TempPath path(".jpg");
+    writeJpeg(path, noise(2, 2, 3));
+    char* name = nullptr;
+    {
+        ImageJPEG image;
+        ASSERT_EQ(image.read(path.name()), 1);
+        name = image.getSourceFile();
+    }
+    EXPECT_STREQ(name, path.name());
+    delete[] name;
+}
+
+TEST(ImageJPEGTest, ASecondReadReplacesThePicture)
+{
+    const TempPath first(".jpg");
+    const TempPath second(".jpg");
+    writeJpeg(first, noise(9, 9, 3));
+    writeJpeg(second, noise(4, 2, 1));
+    ImageJPEG image;
+    readWhole(image, first);
+    readWhole(image, second);
+    EXPECT_EQ(image.w, 4);
+    EXPECT_EQ(image.h, 2);
+    EXPECT_EQ(image.c, 1);
+    EXPECT_EQ(bytesOf(image), readJpeg(second).bottomUp());
+    EXPECT_STREQ(image.getSourceFile(), second.name());
+}
+
+TEST(ImageJPEGTest, FreeBufferReleasesTheBufferAndKeepsTheSizes)
+{
+    const TempPath path(".jpg");
+    writeJpeg(path, noise(2, 3, 3));
+    ImageJPEG image;
+    readWhole(image, path);
+    image.freeBuffer();
+    EXPECT_EQ(image.getPixelBuffer(), nullptr);
+    EXPECT_EQ(image.getWidth(), 2);
+    image.freeBuffer();
+    EXPECT_EQ(image.getPixelBuffer(), nullptr);
+}
+
+TEST(ImageJPEGTest, AFileThatCannotBeOpenedIsReportedOnStandardOutput)
+{
+    const TempPath path(".jpg");
+    ImageJPEG image;
+    const Outcome outcome = read(image, path.name());
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out, std::string("can't open ") + path.name() + "\n");
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(image.buffer, nullptr);
+}
+
+TEST(ImageJPEGTest, ANullNameCannotBeOpened)
+{
+    ImageJPEG image;
+    const Outcome outcome = read(image, nullptr);
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out, "can't open (null)\n");
+}
+
+TEST(ImageJPEGTest, ADirectoryAPipeAndADeviceCannotBeOpened)
+{
+    const TempPath pipe(".jpg");
+    ASSERT_EQ(mkfifo(pipe.name(), 0600), 0);
+    for (const std::string& name :
+         {testing::TempDir(), std::string(pipe.name()), std::string("/dev/zero")}) {
+        ImageJPEG image;
+        const Outcome outcome = read(image, name.c_str());
+        EXPECT_EQ(outcome.status, 0);
+        EXPECT_EQ(outcome.out, "can't open " + name + "\n");
+        EXPECT_EQ(outcome.err, "");
+    }
+}
+
+TEST(ImageJPEGTest, AnEmptyOrForeignFileGivesTheLibrarysMessage)
+{
+    const TempPath path(".jpg");
+    ImageJPEG image;
+    path.write({});
+    Outcome outcome = read(image, path.name());
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err, "Empty input file\n");
+
+    writePng(path, noise(2, 2, 3));
+    outcome = read(image, path.name());
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, "Not a JPEG file: starts with 0x89 0x50\n");
+    EXPECT_EQ(image.buffer, nullptr);
+}
+
+TEST(ImageJPEGTest, AFileCutAnywhereIsReadAsFarAsItGoes)
+{
+    const TempPath whole(".jpg");
+    const TempPath path(".jpg");
+    for (const JpegKind kind : {JpegKind::baseline, JpegKind::progressive}) {
+        writeJpeg(whole, noise(9, 17, 3), 60, kind);
+        const Bytes file = whole.read();
+        const std::size_t scan = firstScan(file);
+        for (std::size_t size = 0; size < file.size(); ++size) {
+            path.write(Bytes(file.begin(), file.begin() + static_cast<std::ptrdiff_t>(size)));
+            ImageJPEG image;
+            const Outcome outcome = read(image, path.name());
+            EXPECT_NE(outcome.err, "") << size;
+            if (size <= scan) {
+                EXPECT_EQ(outcome.status, 0) << size;
+                EXPECT_EQ(image.buffer, nullptr) << size;
+                EXPECT_EQ(sizeOf(image), 0u) << size;
+            } else if (outcome.status == 1) {
+                EXPECT_EQ(bytesOf(image).size(), 9u * 17u * 3u) << size;
+            } else {
+                EXPECT_EQ(image.sourceFile, nullptr) << size;
+            }
+        }
+    }
+}
+
+TEST(ImageJPEGTest, AFileWithAnyByteChangedIsReadOrRefused)
+{
+    const TempPath path(".jpg");
+    writeJpeg(path, noise(9, 5, 3), 50);
+    const Bytes file = path.read();
+    const int flips[] = {0x01, 0x80, 0xFF};
+    for (std::size_t at = 0; at < file.size(); ++at) {
+        Bytes damaged = file;
+        damaged[at] = static_cast<unsigned char>(damaged[at] ^ flips[at % 3]);
+        path.write(damaged);
+        ImageJPEG image;
+        const int status = read(image, path.name()).status;
+        EXPECT_TRUE(status == 0 || status == 1);
+        EXPECT_EQ(status == 1, image.sourceFile != nullptr);
+        // Every byte that is promised can be read.
+        const Bytes bytes = image.buffer != nullptr ? bytesOf(image) : Bytes{};
+    }
+}
+
+TEST(ImageJPEGTest, AFailedReadKeepsThePreviousPicture)
+{
+    const TempPath good(".jpg");
+    const TempPath bad(".jpg");
+    writeJpeg(good, noise(5, 4, 3));
+    bad.write({0xFF, 0xD8, 0xFF});
+    ImageJPEG image;
+    readWhole(image, good);
+    EXPECT_EQ(read(image, bad.name()).status, 0);
+    EXPECT_EQ(bytesOf(image), readJpeg(good).bottomUp());
+}
+
+TEST(ImageJPEGTest, AnErrorBehindThePixelsKeepsThem)
+{
+    const TempPath path(".jpg");
+    writeJpeg(path, noise(5, 4, 3));
+    const Bytes expected = readJpeg(path).bottomUp();
+    Bytes file = path.read();
+    // A second frame header where the end of the picture should be.
+    file.erase(file.end() - 2, file.end());
+    const Bytes frame = {0xFF, 0xC0, 0, 11, 8, 0, 4, 0, 5, 1, 1, 0x11, 0};
+    file.insert(file.end(), frame.begin(), frame.end());
+    path.write(file);
+    ImageJPEG image;
+    const Outcome outcome = read(image, path.name());
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, "Invalid JPEG file structure: two SOF markers\n");
+    EXPECT_EQ(bytesOf(image), expected);
+    EXPECT_EQ(image.sourceFile, nullptr);
+}
+
+TEST(ImageJPEGTest, APictureTooLargeForMemoryIsRefused)
+{
+    const TempPath path(".jpg");
+    writeJpeg(path, noise(8, 8, 3));
+    Bytes file = path.read();
+    const Bytes startOfFrame = {0xFF, 0xC0};
+    const auto frame =
+        std::search(file.begin(), file.end(), startOfFrame.begin(), startOfFrame.end());
+    const Bytes size = {0xFD, 0xE8, 0xFD, 0xE8}; // 65000 by 65000
+    std::copy(size.begin(), size.end(), frame + 5);
+    path.write(file);
+
+    const TempPath good(".jpg");
+    writeJpeg(good, noise(4, 4, 3));
+    ImageJPEG image;
+    readWhole(image, good);
+    const Outcome outcome = read(image, path.name());
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, "65000 x 65000 pixels are too many\n");
+    EXPECT_EQ(image.buffer, nullptr);
+    EXPECT_EQ(sizeOf(image), 0u);
+    EXPECT_STREQ(image.sourceFile, good.name());
+}
+
+TEST(ImageJPEGTest, AFileOfEndlessScansIsRefused)
+{
+    const TempPath path(".jpg");
+    writeJpeg(path, noise(16, 16, 1), 90, JpegKind::progressive);
+    const Bytes file = path.read();
+    const Bytes startOfScan = {0xFF, 0xDA};
+    const auto lastScan =
+        std::find_end(file.begin(), file.end(), startOfScan.begin(), startOfScan.end());
+    const auto endOfImage = file.end() - 2;
+    Bytes endless(file.begin(), endOfImage);
+    for (int i = 0; i < 200; ++i) {
+        endless.insert(endless.end(), lastScan, endOfImage);
+    }
+    endless.insert(endless.end(), endOfImage, file.end());
+    path.write(endless);
+    ImageJPEG image;
+    const Outcome outcome = read(image, path.name());
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.err, HasSubstr("More than 100 scans\n"));
+}
+
+TEST(ImageJPEGTest, TheFileIsClosedWhateverHappens)
+{
+    const TempPath good(".jpg");
+    const TempPath bad(".jpg");
+    writeJpeg(good, noise(3, 3, 3));
+    bad.write({0xFF, 0xD8, 0xFF});
+    ImageJPEG image;
+    readWhole(image, good);
+    EXPECT_FALSE(good.isOpen());
+    EXPECT_EQ(read(image, bad.name()).status, 0);
+    EXPECT_FALSE(bad.isOpen());
+    EXPECT_EQ(write(image, bad.name()).status, 1);
+    EXPECT_FALSE(bad.isOpen());
+    image.c = 1;
+    EXPECT_EQ(write(image, bad.name()).status, 0);
+    EXPECT_FALSE(bad.isOpen());
+}
+
+TEST(ImageJPEGTest, WritesTheBufferRowsInTheirOrder)
+{
+    const TempPath path(".jpg");
+    const TempPath expected(".jpg");
+    const Picture rows = noise(13, 6, 3);
+    writeJpeg(expected, rows, 77);
+    ImageJPEG image;
+    image.buffer = new unsigned char[rows.bytes.size()];
+    std::copy(rows.bytes.begin(), rows.bytes.end(), image.buffer);
+    image.w = 13;
+    image.h = 6;
+    image.c = 3;
+    const Outcome outcome = write(image, path.name(), 77);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(path.read(), expected.read());
+}
+
+TEST(ImageJPEGTest, APictureThatWasJustReadIsWrittenUpsideDown)
+{
+    const TempPath original(".jpg");
+    const TempPath copy(".jpg");
+    writeJpeg(original, gradient(24, 24, 3), 100);
+    ImageJPEG image;
+    readWhole(image, original);
+    EXPECT_EQ(write(image, copy.name(), 100).status, 1);
+    const Bytes expected = readJpeg(original).bottomUp();
+    const Bytes written = readJpeg(copy).bytes;
+    ASSERT_EQ(written.size(), expected.size());
+    for (std::size_t i = 0; i < written.size(); ++i) {
+        ASSERT_NEAR(written[i], expected[i], 6) << i;
+    }
+    EXPECT_GT(written.front(), written[23 * 24 * 3]);
+}
+
+TEST(ImageJPEGTest, QualityBeyondItsRangeCountsAsTheNearerEnd)
+{
+    const TempPath low(".jpg");
+    const TempPath lowest(".jpg");
+    const TempPath high(".jpg");
+    const TempPath highest(".jpg");
+    const TempPath original(".jpg");
+    writeJpeg(original, noise(32, 32, 3), 100);
+    ImageJPEG image;
+    readWhole(image, original);
+    EXPECT_EQ(write(image, lowest.name(), -5).status, 1);
+    EXPECT_EQ(write(image, low.name(), 0).status, 1);
+    EXPECT_EQ(write(image, high.name(), 100).status, 1);
+    EXPECT_EQ(write(image, highest.name(), 1000).status, 1);
+    EXPECT_EQ(lowest.read(), low.read());
+    EXPECT_EQ(highest.read(), high.read());
+    EXPECT_LT(low.read().size(), high.read().size());
+}
+
+TEST(ImageJPEGTest, WritingWithoutAPictureMakesNoFile)
+{
+    const TempPath path(".jpg");
+    ImageJPEG image;
+    const Outcome outcome = write(image, path.name());
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_FALSE(path.exists());
+
+    const TempPath missing(".jpg");
+    read(image, missing.name());
+    EXPECT_EQ(write(image, path.name()).status, 0);
+    EXPECT_FALSE(path.exists());
+}
+
+TEST(ImageJPEGTest, AFileThatCannotBeWrittenIsReportedOnStandardError)
+{
+    const TempPath original(".jpg");
+    writeJpeg(original, noise(3, 3, 3));
+    ImageJPEG image;
+    readWhole(image, original);
+    const std::string nowhere = std::string(original.name()) + "/below-a-file.jpg";
+    Outcome outcome = write(image, nowhere.c_str());
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err, "can't open " + nowhere + "\n");
+    outcome = write(image, nullptr);
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, "can't open (null)\n");
+}
+
+TEST(ImageJPEGTest, AFullDiskFailsTheWrite)
+{
+    const TempPath original(".jpg");
+    writeJpeg(original, noise(64, 64, 3), 100);
+    ImageJPEG image;
+    readWhole(image, original);
+    const Outcome outcome = write(image, "/dev/full");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.err, HasSubstr("Output file write error"));
+}
+
+TEST(ImageJPEGTest, PixelsThatAreNotRgbAreNotWritten)
+{
+    const TempPath original(".jpg");
+    const TempPath path(".jpg");
+    for (const std::size_t channels : {1, 4}) {
+        writeJpeg(original, noise(3, 3, channels));
+        ImageJPEG image;
+        readWhole(image, original);
+        const Outcome outcome = write(image, path.name());
+        EXPECT_EQ(outcome.status, 0);
+        EXPECT_EQ(outcome.err, "Bogus input colorspace\n");
+    }
+}
+
+TEST(ImageJPEGTest, APictureWithoutRowsIsNotWritten)
+{
+    const TempPath path(".jpg");
+    ImageJPEG image;
+    image.buffer = new unsigned char[3];
+    image.c = 3;
+    const Outcome outcome = write(image, path.name());
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, "Empty JPEG image (DNL not supported)\n");
+}
+
+} // namespace

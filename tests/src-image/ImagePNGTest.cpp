@@ -1,0 +1,379 @@
+#include "ImagePNG.h"
+
+#include "ImageFiles.h"
+
+#include <cstdint>
+#include <cstring>
+#include <filesystem>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <png.h>
+#include <sys/stat.h>
+#include <zlib.h>
+
+namespace {
+
+using testing::HasSubstr;
+using testing::internal::CaptureStderr;
+using testing::internal::CaptureStdout;
+using testing::internal::GetCapturedStderr;
+using testing::internal::GetCapturedStdout;
+
+Bytes bytesOf(const ImagePNG& image)
+{
+    return {image.buffer, image.buffer + static_cast<std::size_t>(image.w) *
+                                             static_cast<std::size_t>(image.h) *
+                                             static_cast<std::size_t>(image.c)};
+}
+
+struct Outcome {
+    int status;
+    std::string out;
+    std::string err;
+};
+
+Outcome read(ImagePNG& image, const char* filename)
+{
+    CaptureStdout();
+    CaptureStderr();
+    const int status = image.read(filename);
+    const std::string err = GetCapturedStderr();
+    return {status, GetCapturedStdout(), err};
+}
+
+/// Reads a file that is whole, and says nothing.
+void readWhole(ImagePNG& image, const TempPath& path)
+{
+    const Outcome outcome = read(image, path.name());
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err, "");
+}
+
+/// Reads a file of one row of grey samples.
+Bytes samplesOf(int bitDepth, std::size_t width, const Bytes& packed)
+{
+    const TempPath path(".png");
+    writePng(path, width, 1, PNG_COLOR_TYPE_GRAY, bitDepth, packed);
+    ImagePNG image;
+    readWhole(image, path);
+    EXPECT_EQ(image.c, 1);
+    return bytesOf(image);
+}
+
+TEST(ImagePNGTest, StartsWithoutAPicture)
+{
+    ImagePNG image;
+    EXPECT_EQ(image.getPixelBuffer(), nullptr);
+    EXPECT_EQ(image.getWidth(), 0);
+    EXPECT_EQ(image.getHeight(), 0);
+    EXPECT_EQ(image.getComponents(), 0);
+    EXPECT_EQ(image.getSourceFile(), nullptr);
+    EXPECT_EQ(image.getImageType(), IMAGE_PNG);
+}
+
+TEST(ImagePNGTest, TheFirstBufferRowIsTheLastRowOfTheFile)
+{
+    const TempPath path(".png");
+    writePng(path, {1, 2, 3, {1, 2, 3, 4, 5, 6}});
+    ImagePNG image;
+    readWhole(image, path);
+    EXPECT_EQ(bytesOf(image), (Bytes{4, 5, 6, 1, 2, 3}));
+}
+
+TEST(ImagePNGTest, ReadsEveryKindAndShapeExactly)
+{
+    for (const bool interlaced : {false, true}) {
+        for (const std::size_t channels : {1, 3, 4}) {
+            for (const std::size_t width : {1, 2, 5, 8, 33}) {
+                for (const std::size_t height : {1, 2, 3, 7, 20}) {
+                    const TempPath path(".png");
+                    const Picture picture = noise(width, height, channels);
+                    writePng(path, picture, interlaced);
+                    ImagePNG image;
+                    readWhole(image, path);
+                    ASSERT_EQ(image.getWidth(), static_cast<int>(width));
+                    ASSERT_EQ(image.getHeight(), static_cast<int>(height));
+                    ASSERT_EQ(image.getComponents(), static_cast<int>(channels));
+                    ASSERT_EQ(bytesOf(image), picture.bottomUp());
+                }
+            }
+        }
+    }
+}
+
+TEST(ImagePNGTest, PixelsAreReadableAsRgba)
+{
+    for (const std::size_t channels : {1, 3}) {
+        const TempPath path(".png");
+        writePng(path, noise(5, 3, channels));
+        ImagePNG image;
+        readWhole(image, path);
+        EXPECT_EQ(Bytes(image.buffer + 15 * channels, image.buffer + 60),
+                  Bytes(60 - 15 * channels, 0));
+    }
+}
+
+TEST(ImagePNGTest, SamplesOfFewBitsBecomeBytesUnscaled)
+{
+    EXPECT_EQ(samplesOf(1, 10, {0b10110010, 0b01000000}), (Bytes{1, 0, 1, 1, 0, 0, 1, 0, 0, 1}));
+    EXPECT_EQ(samplesOf(2, 5, {0b00011011, 0b11000000}), (Bytes{0, 1, 2, 3, 3}));
+    EXPECT_EQ(samplesOf(4, 3, {0x0F, 0x70}), (Bytes{0, 15, 7}));
+}
+
+TEST(ImagePNGTest, SamplesOf16BitsAreCutNotRounded)
+{
+    EXPECT_EQ(samplesOf(16, 3, {0x12, 0xFF, 0x80, 0x00, 0xFE, 0xFE}), (Bytes{0x12, 0x80, 0xFE}));
+
+    const TempPath path(".png");
+    writePng(path, 2, 1, PNG_COLOR_TYPE_RGB, 16, {1, 255, 2, 255, 3, 255, 4, 0, 5, 0, 6, 0});
+    ImagePNG image;
+    readWhole(image, path);
+    EXPECT_EQ(image.c, 3);
+    EXPECT_EQ(bytesOf(image), (Bytes{1, 2, 3, 4, 5, 6}));
+}
+
+TEST(ImagePNGTest, PalettesAndGreyWithAlphaAreNotSupported)
+{
+    struct Case {
+        int colorType;
+        int bitDepth;
+        Bytes rows;
+    };
+    const Case cases[] = {{PNG_COLOR_TYPE_PALETTE, 8, {0, 1, 2, 3}},
+                          {PNG_COLOR_TYPE_PALETTE, 2, {0b00010000, 0b10110000}},
+                          {PNG_COLOR_TYPE_GRAY_ALPHA, 8, {1, 2, 3, 4, 5, 6, 7, 8}},
+                          {PNG_COLOR_TYPE_GRAY_ALPHA, 16, Bytes(16, 7)}};
+    for (const Case& c : cases) {
+        const TempPath path(".png");
+        writePng(path, 2, 2, c.colorType, c.bitDepth, c.rows);
+        ImagePNG image;
+        const Outcome outcome = read(image, path.name());
+        EXPECT_EQ(outcome.status, -1);
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_EQ(outcome.err, "Unsupported color type!\n");
+        EXPECT_EQ(image.buffer, nullptr);
+        EXPECT_EQ(image.w, 2);
+        EXPECT_EQ(image.h, 2);
+        EXPECT_EQ(image.c, 0);
+        EXPECT_EQ(image.sourceFile, nullptr);
+    }
+}
+
+TEST(ImagePNGTest, ThePixelsAreCheckedBeforeTheColourType)
+{
+    const TempPath path(".png");
+    writePng(path, 2, 2, PNG_COLOR_TYPE_PALETTE, 8, {0, 1, 2, 3});
+    Bytes file = path.read();
+    file.erase(file.end() - 12, file.end()); // the end chunk
+    path.write(file);
+    ImagePNG image;
+    const Outcome outcome = read(image, path.name());
+    EXPECT_EQ(outcome.status, -1);
+    EXPECT_THAT(outcome.err, HasSubstr("libpng error: "));
+    EXPECT_EQ(image.w, 0);
+}
+
+TEST(ImagePNGTest, ANameWithoutTheSuffixIsRefusedSilently)
+{
+    const TempPath path(".Png");
+    writePng(path, noise(2, 2, 3));
+    ImagePNG image;
+    for (const char* name : {path.name(), "picture", "", static_cast<const char*>(nullptr)}) {
+        const Outcome outcome = read(image, name);
+        EXPECT_EQ(outcome.status, -1);
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_EQ(outcome.err, "");
+    }
+}
+
+TEST(ImagePNGTest, TheSuffixMayStandAnywhere)
+{
+    const TempPath upper(".PNG");
+    writePng(upper, noise(2, 2, 3));
+    ImagePNG image;
+    readWhole(image, upper);
+
+    const TempPath inside(".png.picture");
+    writePng(inside, noise(3, 2, 3));
+    readWhole(image, inside);
+    EXPECT_EQ(image.w, 3);
+}
+
+TEST(ImagePNGTest, AJpegWhoseNamePassesFailsInTheLibrary)
+{
+    const TempPath path(".png.jpg");
+    writeJpeg(path, noise(2, 2, 3));
+    ImagePNG image;
+    const Outcome outcome = read(image, path.name());
+    EXPECT_EQ(outcome.status, -1);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err, "libpng error: Not a PNG file\n");
+}
+
+TEST(ImagePNGTest, AFileThatCannotBeOpenedIsReportedOnStandardError)
+{
+    const TempPath missing(".png");
+    const TempPath pipe(".png");
+    ASSERT_EQ(mkfifo(pipe.name(), 0600), 0);
+    const TempPath directory(".png");
+    std::filesystem::create_directory(directory.name());
+    for (const TempPath* path : {&missing, &pipe, &directory}) {
+        ImagePNG image;
+        const Outcome outcome = read(image, path->name());
+        EXPECT_EQ(outcome.status, -1);
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_EQ(outcome.err, std::string("Can't open file ") + path->name() + "\n");
+    }
+}
+
+TEST(ImagePNGTest, AFileCutAnywhereIsRefusedAndChangesNothing)
+{
+    const TempPath previous(".png");
+    const TempPath path(".png");
+    const Picture picture = noise(3, 3, 3);
+    writePng(previous, picture);
+    ImagePNG image;
+    readWhole(image, previous);
+    for (const bool interlaced : {false, true}) {
+        writePng(path, noise(9, 7, 4), interlaced);
+        const Bytes file = path.read();
+        for (std::size_t size = 0; size < file.size(); ++size) {
+            path.write(Bytes(file.begin(), file.begin() + static_cast<std::ptrdiff_t>(size)));
+            const Outcome outcome = read(image, path.name());
+            EXPECT_EQ(outcome.status, -1) << size;
+            EXPECT_EQ(outcome.out, "") << size;
+            EXPECT_THAT(outcome.err, HasSubstr("libpng error: ")) << size;
+            EXPECT_EQ(bytesOf(image), picture.bottomUp()) << size;
+            EXPECT_STREQ(image.sourceFile, previous.name()) << size;
+        }
+    }
+}
+
+TEST(ImagePNGTest, AFileWithAnyByteChangedIsReadOrRefused)
+{
+    const TempPath path(".png");
+    writePng(path, noise(9, 5, 4), true);
+    const Bytes file = path.read();
+    const int flips[] = {0x01, 0x80, 0xFF};
+    for (std::size_t at = 0; at < file.size(); ++at) {
+        Bytes damaged = file;
+        damaged[at] = static_cast<unsigned char>(damaged[at] ^ flips[at % 3]);
+        path.write(damaged);
+        ImagePNG image;
+        const int status = read(image, path.name()).status;
+        EXPECT_TRUE(status == -1 || status == 1);
+        EXPECT_EQ(status == 1, image.sourceFile != nullptr);
+        // Every byte that is promised can be read.
+        const Bytes bytes = image.buffer != nullptr ? bytesOf(image) : Bytes{};
+    }
+}
+
+TEST(ImagePNGTest, AnUnsupportedFileTakesThePreviousPixelsWithTheSizes)
+{
+    const TempPath good(".png");
+    const TempPath palette(".png");
+    writePng(good, noise(2, 2, 4));
+    writePng(palette, 4, 4, PNG_COLOR_TYPE_PALETTE, 8, Bytes(16, 1));
+    ImagePNG image;
+    readWhole(image, good);
+    EXPECT_EQ(read(image, palette.name()).status, -1);
+    // Four by four pixels are not promised of a buffer that holds two by two.
+    EXPECT_EQ(image.w, 4);
+    EXPECT_EQ(image.c, 0);
+    EXPECT_EQ(image.buffer, nullptr);
+    EXPECT_STREQ(image.sourceFile, good.name());
+}
+
+/// A PNG file whose header claims a size; the CRC is right.
+Bytes claiming(const Bytes& file, std::uint32_t width, std::uint32_t height)
+{
+    Bytes changed = file;
+    png_save_uint_32(&changed[16], width);
+    png_save_uint_32(&changed[20], height);
+    png_save_uint_32(&changed[29], static_cast<std::uint32_t>(crc32(0, &changed[12], 17)));
+    return changed;
+}
+
+TEST(ImagePNGTest, APictureTooLargeForMemoryIsRefused)
+{
+    const TempPath path(".png");
+    writePng(path, noise(2, 2, 3));
+    const Bytes file = path.read();
+    path.write(claiming(file, 900000, 900000));
+    ImagePNG image;
+    Outcome outcome = read(image, path.name());
+    EXPECT_EQ(outcome.status, -1);
+    EXPECT_EQ(outcome.err, "Can't get pixels from PNG\n");
+    EXPECT_EQ(image.buffer, nullptr);
+    EXPECT_EQ(image.w, 0);
+
+    path.write(claiming(file, 0x7FFFFFFF, 0x7FFFFFFF));
+    outcome = read(image, path.name());
+    EXPECT_EQ(outcome.status, -1);
+    EXPECT_THAT(outcome.err, HasSubstr("libpng error: "));
+
+    path.write(claiming(file, 0, 1));
+    EXPECT_EQ(read(image, path.name()).status, -1);
+}
+
+TEST(ImagePNGTest, TheFileIsClosedWhateverHappens)
+{
+    const TempPath good(".png");
+    const TempPath foreign(".png");
+    const TempPath palette(".png");
+    writePng(good, noise(3, 3, 3));
+    writeJpeg(foreign, noise(3, 3, 3));
+    writePng(palette, 2, 2, PNG_COLOR_TYPE_PALETTE, 8, {0, 1, 2, 3});
+    ImagePNG image;
+    for (const TempPath* path : {&good, &foreign, &palette}) {
+        read(image, path->name());
+        EXPECT_FALSE(path->isOpen());
+    }
+}
+
+TEST(ImagePNGTest, KeepsACopyOfTheFileNameThatOutlivesTheImage)
+{
+    const TempPath path(".png");
+    writePng(path, noise(2, 2, 3));
+    std::string given = path.name();
+    char* name = nullptr;
+    {
+        ImagePNG image;
+        ASSERT_EQ(image.read(given.c_str()), 1);
+        given.assign(given.size(), 'x');
+        name = image.getSourceFile();
+    }
+    EXPECT_STREQ(name, path.name());
+    delete[] name;
+}
+
+TEST(ImagePNGTest, FreeBufferReleasesTheBufferAndKeepsTheSizes)
+{
+    const TempPath path(".png");
+    writePng(path, noise(2, 3, 3));
+    ImagePNG image;
+    readWhole(image, path);
+    image.freeBuffer();
+    EXPECT_EQ(image.getPixelBuffer(), nullptr);
+    EXPECT_EQ(image.getHeight(), 3);
+    image.freeBuffer();
+    EXPECT_EQ(image.getPixelBuffer(), nullptr);
+}
+
+TEST(ImagePNGTest, WriteDoesNothing)
+{
+    const TempPath original(".png");
+    const TempPath path(".png");
+    writePng(original, noise(2, 2, 3));
+    ImagePNG image;
+    readWhole(image, original);
+    CaptureStdout();
+    CaptureStderr();
+    EXPECT_EQ(image.write(path.name(), 90), 0);
+    EXPECT_EQ(GetCapturedStderr(), "");
+    EXPECT_EQ(GetCapturedStdout(), "");
+    EXPECT_FALSE(path.exists());
+}
+
+} // namespace

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+using Bytes = std::vector<unsigned char>;
+
+/// A path below the temporary folder that no other test uses; what lies there in the end is
+/// removed.
+class TempPath {
+public:
+    /// \param suffix  end of the name, ".png"
+    explicit TempPath(const std::string& suffix);
+    TempPath(const TempPath&) = delete;
+    TempPath& operator=(const TempPath&) = delete;
+    ~TempPath();
+
+    const char* name() const { return path.c_str(); }
+    bool exists() const;
+    /// This process has the file open.
+    bool isOpen() const;
+    Bytes read() const;
+    void write(const Bytes& bytes) const;
+
+private:
+    std::string path;
+};
+
+/// A picture of 8 bits to a channel, rows top-down.
+struct Picture {
+    std::size_t width;
+    std::size_t height;
+    std::size_t channels;
+    Bytes bytes;
+
+    /// The bytes with the rows in the opposite order.
+    Bytes bottomUp() const;
+};
+
+/// Every byte is as good as random, and the same on every run.
+Picture noise(std::size_t width, std::size_t height, std::size_t channels);
+
+/// A picture without edges, which JPEG keeps nearly as it is.
+Picture gradient(std::size_t width, std::size_t height, std::size_t channels);
+
+/// Writes a PNG file.
+/// \param colorType  libpng's
+/// \param rows       the file's rows, top-down, packed as PNG packs them
+void writePng(const TempPath& path, std::size_t width, std::size_t height, int colorType,
+              int bitDepth, const Bytes& rows, bool interlaced = false);
+
+/// Writes a picture of 1, 2, 3 or 4 channels as grey, grey with alpha, RGB, RGB with alpha.
+void writePng(const TempPath& path, const Picture& picture, bool interlaced = false);
+
+enum class JpegKind { baseline, progressive };
+
+/// Writes a picture of 1, 3 or 4 channels as a grey, YCbCr or CMYK JPEG file.
+void writeJpeg(const TempPath& path, const Picture& picture, int quality = 90,
+               JpegKind kind = JpegKind::baseline);
+
+/// What libjpeg makes of a file that is whole.
+Picture readJpeg(const TempPath& path);

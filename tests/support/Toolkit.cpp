@@ -1,0 +1,76 @@
+#include "Toolkit.h"
+
+#include <FL/Fl.H>
+#include <FL/Fl_Window.H>
+#include <FL/x.H>
+#include <chrono>
+#include <cstdio>
+#include <dlfcn.h>
+#include <memory>
+
+bool runUntil(bool (*condition)(void*), void* data)
+{
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (!condition(data)) {
+        if (std::chrono::steady_clock::now() > deadline) {
+            return false;
+        }
+        Fl::wait(0.02);
+    }
+    return true;
+}
+
+void handlePendingEvents()
+{
+    XSync(fl_display, False);
+    while (XPending(fl_display) > 0) {
+        Fl::wait(0);
+    }
+    Fl::check();
+}
+
+std::string xdotool(const Fl_Window& window, std::string arguments)
+{
+    const std::string id = std::to_string(fl_xid(&window));
+    for (std::size_t at = arguments.find('@'); at != std::string::npos; at = arguments.find('@')) {
+        arguments.replace(at, 1, id);
+    }
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> output(
+        popen(("xdotool " + arguments).c_str(), "r"), pclose);
+    std::string text;
+    for (int c = std::fgetc(output.get()); c != EOF; c = std::fgetc(output.get())) {
+        text += static_cast<char>(c);
+    }
+    return text.substr(0, text.find_last_not_of('\n') + 1);
+}
+
+std::vector<ArmedTimer>& armedTimers()
+{
+    static std::vector<ArmedTimer> timers;
+    return timers;
+}
+
+namespace {
+
+using ArmTimer = void (*)(double, Fl_Timeout_Handler, void*);
+
+ArmTimer toolkitsOwn(const char* symbol)
+{
+    return reinterpret_cast<ArmTimer>(dlsym(RTLD_NEXT, symbol));
+}
+
+} // namespace
+
+void Fl::add_timeout(double seconds, Fl_Timeout_Handler callback, void* argument)
+{
+    static const ArmTimer next = toolkitsOwn("_ZN2Fl11add_timeoutEdPFvPvES0_");
+    armedTimers().push_back({seconds, callback, argument, false});
+    next(seconds, callback, argument);
+}
+
+void Fl::repeat_timeout(double seconds, Fl_Timeout_Handler callback, void* argument)
+{
+    static const ArmTimer next = toolkitsOwn("_ZN2Fl14repeat_timeoutEdPFvPvES0_");
+    armedTimers().push_back({seconds, callback, argument, true});
+    next(seconds, callback, argument);
+}
