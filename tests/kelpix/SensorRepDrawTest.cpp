@@ -251,8 +251,6 @@ TEST_F(SensorRepDrawTest, TheFirstCullCompilesTheBody)
     rep.cull();
     EXPECT_EQ(rep.baseAnim[0], lists) << "once";
     EXPECT_EQ(std::rand(), random.next());
-    glDeleteLists(rep.baseAnim[0], 240);
-    glDeleteLists(rep.sensorGeom, 1);
 }
 
 } // namespace
