@@ -352,7 +352,7 @@ TEST_F(ObjStoreTest, RandomOperationsLeaveWhatThePlainFormLeaves)
             switch (below(13)) {
             case 0:
             case 1: {
-                const std::string name = std::string("m") + std::to_string(step);
+                const std::string name = std::to_string(step);
                 EXPECT_EQ(obj_add_mtrl(fi), mc);
                 obj_set_mtrl_name(fi, mc, name.c_str());
                 model.materials.push_back(model_of(fi).materials.back());
