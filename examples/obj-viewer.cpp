@@ -100,7 +100,7 @@ public:
 
     void draw() override
     {
-        glPushAttrib(GL_ENABLE_BIT | GL_LIGHTING_BIT | GL_COLOR_BUFFER_BIT);
+        glPushAttrib(GL_ENABLE_BIT | GL_LIGHTING_BIT | GL_COLOR_BUFFER_BIT | GL_LINE_BIT);
         for (const GLenum what : {GL_DEPTH_TEST, GL_LIGHTING, GL_LIGHT0, GL_NORMALIZE, GL_BLEND}) {
             glEnable(what);
         }
@@ -108,6 +108,7 @@ public:
         glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA); // opaque surfaces come first
         obj_draw_file(file);
         if (axes) {
+            glLineWidth(2);
             obj_draw_axes(file, 0.2f * radius);
         }
         glPopAttrib();

@@ -33,11 +33,6 @@ Creature::Creature() : tex(new Texture("data/squid.png", IMAGE_PNG))
 {
 }
 
-Creature::~Creature()
-{
-    delete tex;
-}
-
 void Creature::initialize()
 {
     cGeometry = glGenLists(1);

@@ -7,7 +7,8 @@
 
 /// A figure that eases towards the centre of a group of sensors: a textured, half-transparent
 /// square with a thick line to each of them. Lengths are units of its parent's frame, which must be
-/// that of the sensors, and its own transform only translates.
+/// that of the sensors, and its own transform only translates. Texture, display list and model live
+/// until the process ends.
 class Creature final : public Node {
 public:
     Vec3 pos; ///< the translation before the last update's move: where the lines start from
@@ -16,14 +17,10 @@ public:
     int model = 0;                            ///< the OBJ model's index; 0 until initialised
     bool initialized = false;
     unsigned cGeometry = 0; ///< display list of the square; 0 until initialised
-    Texture* tex;           ///< owns; "data/squid.png"; may be set to null: an untextured square
+    Texture* tex;           ///< owns; "data/squid.png"; null draws an untextured square
 
     /// Makes the texture, unread. Needs no GL context.
     Creature();
-
-    /// Frees the texture; the display list stays until the GL context goes, the model as long as
-    /// the model store.
-    ~Creature();
 
     /// Makes the square's display list, and adds "data/cube.obj" to the model store, where it stays
     /// undrawn. Needs: current GL context. Changes: what obj_add_file does.

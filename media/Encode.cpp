@@ -24,21 +24,20 @@ struct JpegErrors {
     std::longjmp(reinterpret_cast<JpegErrors*>(info->err)->back, 1);
 }
 
-/// Compresses into a block that the caller frees, null when the library refused. Holds nothing
-/// with a destructor, so that libjpeg may jump out of it.
-unsigned char* compressJpeg(const Bitmap& image, int quality, unsigned long* size)
+/// Compresses into an open stream. Holds nothing with a destructor, so that libjpeg may jump out of
+/// it. \return whether libjpeg did its work
+bool compressJpeg(const Bitmap& image, int quality, std::FILE* stream)
 {
-    unsigned char* block = nullptr;
     jpeg_compress_struct info;
     JpegErrors errors;
     info.err = jpeg_std_error(&errors.pub);
     errors.pub.error_exit = jpegFailed;
     if (setjmp(errors.back) != 0) {
         jpeg_destroy_compress(&info);
-        return nullptr;
+        return false;
     }
     jpeg_create_compress(&info);
-    jpeg_mem_dest(&info, &block, size);
+    jpeg_stdio_dest(&info, stream);
     info.image_width = static_cast<JDIMENSION>(image.width);
     info.image_height = static_cast<JDIMENSION>(image.height);
     info.input_components = image.channels;
@@ -59,7 +58,7 @@ unsigned char* compressJpeg(const Bitmap& image, int quality, unsigned long* siz
     }
     jpeg_finish_compress(&info);
     jpeg_destroy_compress(&info);
-    return block;
+    return true;
 }
 
 /// The state of a Vorbis encoder, cleared in the order that the library asks for.
@@ -144,13 +143,19 @@ private:
 
 std::string encodeJpeg(const Bitmap& image, int quality)
 {
-    unsigned long size = 0;
-    const std::unique_ptr<unsigned char, decltype(&std::free)> block(
-        compressJpeg(image, quality, &size), std::free);
-    if (!block) {
+    char* block = nullptr;
+    std::size_t size = 0;
+    std::FILE* stream = open_memstream(&block, &size);
+    if (stream == nullptr) {
+        throw std::runtime_error("no memory for the picture");
+    }
+    const bool done = compressJpeg(image, quality, stream);
+    std::fclose(stream);
+    const std::unique_ptr<char, decltype(&std::free)> owner(block, std::free);
+    if (!done) {
         throw std::runtime_error("libjpeg cannot write the picture");
     }
-    return {reinterpret_cast<const char*>(block.get()), size};
+    return {block, size};
 }
 
 std::string encodePng(const Bitmap& image)

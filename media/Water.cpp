@@ -19,6 +19,9 @@ constexpr KelpForest FAR_KELP[] = {{9, 0.42f, 0.060f, 0.86f, 0.14f, 0.80f, 0.003
 constexpr KelpForest NEAR_KELP[] = {{4, 0.22f, 0.120f, 0.94f, 0.02f, 0.34f, 0.0008f},
                                     {2, 0.09f, 0.170f, 1.02f, -0.06f, 0.08f, 0}};
 
+/// What shows beside the picture in a wide window is (5, 26, 38). The scene halves the picture.
+constexpr Color SURROUND = rgb(10, 51, 77);
+
 /// Calls \p change with every pixel and its place in the unit square.
 template<typename Change>
 void forEachPixel(Canvas& canvas, Change change)
@@ -74,12 +77,10 @@ void develop(Canvas& canvas)
     });
 }
 
-/// Lets the rim of the picture run out into the colour that surrounds it in a wide window (twice
-/// that colour, as the scene halves it), with the uneven edge of a wash. Above and below, where a
-/// window never shows what lies beyond, a narrow rim is enough.
+/// Lets the rim of the picture run out into its surroundings, with the uneven edge of a wash. Above
+/// and below, where a window never shows what lies beyond, a narrow rim is enough.
 void frame(Canvas& canvas, std::uint32_t seed)
 {
-    constexpr Color SURROUND = rgb(10, 51, 77);
     forEachPixel(canvas, [seed](Color& pixel, Point p) {
         const float uneven = fractal(p * 9, 3, seed + 70);
         const float sides = std::min(p.x, 1 - p.x) / mix(0.025f, 0.065f, uneven);

@@ -79,15 +79,18 @@ bool readNumber(std::FILE* file, float& value)
     return std::fscanf(file, "%f", &value) == 1;
 }
 
-/// Reads a keyword and the numbers after it. Numbers that cannot be read stay as they were.
-/// \return false when the keyword is wrong or missing; so do all functions below
+/// Reads a keyword and the numbers after it. Words that are no numbers leave theirs as they were.
+/// \return false when the keyword is wrong or the file ends too early; so do all functions below
 template<typename Number, std::size_t COUNT>
 bool readField(std::FILE* file, const char* keyword, Number (&values)[COUNT])
 {
     if (!readKeyword(file, keyword)) {
         return false;
     }
-    for (std::size_t i = 0; i < COUNT && readNumber(file, values[i]); ++i) {
+    for (Number& value : values) {
+        if (!readNumber(file, value)) {
+            return std::feof(file) == 0;
+        }
     }
     return true;
 }

@@ -23,7 +23,7 @@
 ///                 "Offset" float float
 ///
 /// Units are the user's: all numbers are kept as written, and nothing here interprets them. A
-/// number that cannot be read leaves its field at 0; a count of 0 or less means none.
+/// word that is no number leaves its field at 0; a count of 0 or less means none.
 ///
 /// The records live until the process ends, those of an earlier or failed read too, so that
 /// pointers to them hold for good.
@@ -63,8 +63,9 @@ public:
     /// Parses the file at \p path into a new cluster and calls cfgNode.
     /// \return 0 after a complete parse; -1, without a message and with thisNode as it was, when
     ///         the file cannot be opened or does not start with "Cluster" (cluster then stays as it
-    ///         was), or when a later keyword is wrong or missing (cluster then has the hosts that
-    ///         were complete by then). A pipe or a device counts as a file that cannot be opened.
+    ///         was), or when a later keyword is wrong or the file ends too early (cluster then has
+    ///         the hosts that were complete by then). A pipe or a device counts as a file that
+    ///         cannot be opened.
     int readDisplayCfg(const char* path);
 
     /// Prints this machine's host name, cut to 31 characters, and points thisNode at the first host

@@ -9,7 +9,7 @@ public:
     BBox() = default;
 
     /// Copies 6 floats from \p b.
-    explicit BBox(const float* b) { set(b); }
+    BBox(const float* b) { set(b); }
 
     /// Copies 6 floats from \p b.
     void set(const float* b);

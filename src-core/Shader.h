@@ -31,6 +31,6 @@ public:
 
     /// Reports a pending GL error once in the life of the program: takes it with glGetError and
     /// writes "%s: %s\n" (label, GLU's text) to standard error. After the first report GL is not
-    /// asked again, by no shader.
+    /// asked again, by no shader. Needs: current GL context.
     static void GL_err(const char* label);
 };

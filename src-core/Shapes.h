@@ -28,7 +28,7 @@ void arrow(Geometry* g, float scale);
 /// A textured sphere about the origin: n/2 quad strips from the south pole to the north pole (the
 /// poles lie on the y axis), each of 2 * (n + 1) vertices with normals. Name "sphere".
 /// \param r  radius; its sign does not count
-/// \param n  quads around the equator; its sign does not count
+/// \param n  quads around the equator; its sign does not count; the cost grows with its square
 ///
 /// Do not call it with fewer than 4 quads or a radius of 0: the list then holds one point and
 /// stays open. That is deliberate; whoever draws degenerate spheres adds to that list and closes

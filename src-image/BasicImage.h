@@ -15,6 +15,7 @@ enum IMAGE_TYPE : int { IMAGE_JPEG = 0, IMAGE_PNG = 1 };
 class BasicImage {
 public:
     /// Reads a file into the pixel buffer, in place of what was there.
+    /// A picture of more than 1 GiB counts as damaged.
     /// \param filename  copied; only a regular file counts as one that can be opened
     /// \return 1; when it fails the value of the concrete class, which need not be 0
     virtual int read(const char* filename) = 0;

@@ -6,7 +6,6 @@
 #include <csetjmp>
 #include <cstddef>
 #include <cstdio>
-#include <cstdlib>
 
 // jpeglib.h needs size_t and FILE declared before it.
 #include <jpeglib.h>

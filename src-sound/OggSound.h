@@ -54,13 +54,14 @@ public:
     /// a file that cannot be opened, so that nothing waits for it.
     void loadOGG(const char* path, std::vector<char>& out, int& format, unsigned& freq);
 
-    /// Plays from the start, or goes on looping after loopyPlay.
+    /// Plays from the start, once, or without end after loopyPlay.
     void play();
 
     /// Plays for ever.
     void loopyPlay();
 
-    /// \param gain  factor to the amplitude, passed on as it is, values above 1 too
+    /// \param gain  factor to the amplitude, passed on as it is, values above 1 too; what is heard
+    ///              is limited to the source's maximum, 1 unless somebody raised it
     void setVolume(float gain);
 
     void stop();

@@ -1,3 +1,4 @@
+#include "ObjLibrary.h"
 #include "ObjStore.h"
 #include "ObjText.h"
 
@@ -299,104 +300,6 @@ std::string join(const std::string& directory, std::string_view name)
     return directory + '/' + std::string(name);
 }
 
-bool take_clamp(const char*& text, bool& clamp)
-{
-    const char* p = text;
-    if (!take_option(p, "-clamp")) {
-        return false;
-    }
-    const std::string_view word = take_word(p);
-    if (word.empty()) {
-        return false;
-    }
-    clamp = word == "on";
-    text = p;
-    return true;
-}
-
-/// Takes an option with one to three numbers; those that are not there stay as they are.
-bool take_vector(const char*& text, std::string_view option, float* v)
-{
-    const char* p = text;
-    if (!take_option(p, option) || take_floats(p, v, 3) == 0) {
-        return false;
-    }
-    text = p;
-    return true;
-}
-
-/// A map with its options. The last word that is none of them is the name of the picture.
-void read_image(int fi, int mi, int ki, const char* text, const std::string& directory)
-{
-    bool clamp = false;
-    float o[3] = {0, 0, 0};
-    float s[3] = {1, 1, 1};
-    std::string name;
-    while (*text != '\0' && *text != '\r') {
-        if (take_clamp(text, clamp) || take_vector(text, "-s", s) || take_vector(text, "-o", o)) {
-            continue;
-        }
-        const std::string_view word = take_word(text);
-        if (word.empty()) {
-            break; // blanks before the end of the line
-        }
-        name = word;
-    }
-    obj_set_mtrl_opt(fi, mi, ki, clamp ? 1 : 0);
-    set_map(prop(fi, mi, ki), name.empty() ? nullptr : name.c_str(), join(directory, name).c_str());
-    obj_set_mtrl_o(fi, mi, ki, o);
-    obj_set_mtrl_s(fi, mi, ki, s);
-}
-
-/// A word of a material library.
-struct Keyword {
-    std::string_view word;
-    int ki;
-    enum { MAP, COLOR, ALPHA } what;
-};
-
-const Keyword* find_keyword(std::string_view word)
-{
-    static constexpr Keyword KEYWORDS[] = {
-        {"map_Kd", 0, Keyword::MAP}, {"map_Ka", 1, Keyword::MAP}, {"map_Ke", 2, Keyword::MAP},
-        {"map_Ks", 3, Keyword::MAP}, {"map_Ns", 4, Keyword::MAP}, {"Kd", 0, Keyword::COLOR},
-        {"Ka", 1, Keyword::COLOR},   {"Ke", 2, Keyword::COLOR},   {"Ks", 3, Keyword::COLOR},
-        {"Ns", 4, Keyword::COLOR},   {"d", 0, Keyword::ALPHA}};
-    for (const Keyword& keyword : KEYWORDS) {
-        if (keyword.word == word) {
-            return &keyword;
-        }
-    }
-    return nullptr;
-}
-
-/// The lines of a material: a known word, and the text behind it.
-using Lines = std::vector<std::pair<const Keyword*, std::string>>;
-
-/// The materials of a library by name. Of several with the same name, the first counts.
-using Library = std::unordered_map<std::string, Lines>;
-
-/// A library that cannot be opened has no materials.
-Library read_library(const std::string& path)
-{
-    Library library;
-    LineReader reader(path.c_str());
-    Lines* lines = nullptr;
-    while (const char* text = reader.next()) {
-        const std::string_view word = take_word(text);
-        if (word == "newmtl") {
-            const std::string_view name = take_word(text);
-            const auto [place, is_new] = library.try_emplace(std::string(name));
-            lines = is_new ? &place->second : nullptr;
-        } else if (lines != nullptr) {
-            if (const Keyword* keyword = find_keyword(word)) {
-                lines->emplace_back(keyword, text);
-            }
-        }
-    }
-    return library;
-}
-
 /// The model's directory and the libraries in it that were used so far. Each is read once.
 class Libraries {
 public:
@@ -429,20 +332,15 @@ void read_mtl(Libraries& libraries, const std::string& library, const std::strin
         return;
     }
     obj_set_mtrl_name(fi, mi, name.c_str());
-    for (const auto& [keyword, arguments] : found->second) {
-        const char* text = arguments.c_str();
-        obj_prop* p = prop(fi, mi, keyword->ki);
-        switch (keyword->what) {
-        case Keyword::MAP:
-            read_image(fi, mi, keyword->ki, text, libraries.directory());
-            break;
-        case Keyword::COLOR:
-            take_floats(text, p->c, 3);
-            break;
-        case Keyword::ALPHA:
-            take_floats(text, &p->c[3], 1);
-            break;
-        }
+    for (int ki = 0; ki < 5; ++ki) {
+        obj_set_mtrl_c(fi, mi, ki, found->second.c[ki]);
+    }
+    for (const Map& map : found->second.maps) {
+        obj_set_mtrl_opt(fi, mi, map.ki, map.clamp ? 1 : 0);
+        set_map(prop(fi, mi, map.ki), map.name.empty() ? nullptr : map.name.c_str(),
+                join(libraries.directory(), map.name).c_str());
+        obj_set_mtrl_o(fi, mi, map.ki, map.o);
+        obj_set_mtrl_s(fi, mi, map.ki, map.s);
     }
 }
 

@@ -191,12 +191,10 @@ int obj_add_mtrl(int fi)
     obj_file* f = file(fi);
     const int mi = grow(f->mv, f->mc, f->mm);
     if (mi >= 0) {
-        constexpr float colors[5][4] = {
-            {0.8f, 0.8f, 0.8f, 1}, {0.2f, 0.2f, 0.2f, 1}, {0, 0, 0, 1}, {0, 0, 0, 1}, {8, 0, 0, 0}};
         obj_mtrl& m = f->mv[mi];
         m = {};
         for (int ki = 0; ki < 5; ++ki) {
-            std::copy_n(colors[ki], 4, m.kv[ki].c);
+            std::copy_n(DEFAULT_COLORS[ki], 4, m.kv[ki].c);
             std::fill_n(m.kv[ki].s, 3, 1.0f);
         }
     }

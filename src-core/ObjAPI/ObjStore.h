@@ -25,6 +25,10 @@ struct obj_mtrl {
     obj_prop kv[5]; ///< diffuse, ambient, emissive, specular, shininess
 };
 
+/// The colours of a new material.
+inline constexpr float DEFAULT_COLORS[5][4] = {
+    {0.8f, 0.8f, 0.8f, 1}, {0.2f, 0.2f, 0.2f, 1}, {0, 0, 0, 1}, {0, 0, 0, 1}, {8, 0, 0, 0}};
+
 /// A vertex as the GPU reads it.
 struct obj_vert {
     float u[3]; ///< tangent

@@ -232,6 +232,19 @@ TEST_F(BoidUpdateTest, TheCellAfterItsOwnIsSeenOnlyFromTheUpperHalf)
     EXPECT_TRUE(sees(below, above));
 }
 
+TEST_F(BoidUpdateTest, NoMoreThanTheCellBeforeItsOwnIsSeen)
+{
+    Boid* const boid = add(BOID_FISH, 1, {0.5625f, 0.5625f, 0});
+    Boid* const twoBefore = add(BOID_FISH, 2, {0.375f, 0.375f, 0});
+    twoBefore->doupdate();
+    boid->searchRadius = 1;
+    EXPECT_FALSE(sees(boid, twoBefore));
+    Boid* const oneBefore = add(BOID_FISH, 3, {0.4375f, 0.4375f, 0});
+    oneBefore->doupdate();
+    place(boid, 0.5625f, 0.5625f);
+    EXPECT_TRUE(sees(boid, oneBefore));
+}
+
 TEST_F(BoidUpdateTest, BoidsOfTheSameIdDoNotSeeEachOther)
 {
     Boid* const fish = add(BOID_FISH, 10, {0.5f, 0.5f, 0});

@@ -42,10 +42,17 @@ public:
     std::vector<Node*> list;
 };
 
+/// A new creature. It stays, as its texture does, until the process ends.
+Creature& newCreature()
+{
+    static auto* const all = new std::deque<Creature>;
+    return all->emplace_back();
+}
+
 TEST(CreatureUpdateTest, StartsAtRestWithATextureThatIsNotRead)
 {
     testing::internal::CaptureStdout();
-    Creature creature;
+    Creature& creature = newCreature();
     EXPECT_TRUE(Vec3::Equal(creature.pos, Vec3()));
     EXPECT_TRUE(Vec3::Equal(creature.vel, Vec3()));
     EXPECT_EQ(creature.sensorList, nullptr);
@@ -61,7 +68,7 @@ TEST(CreatureUpdateTest, StartsAtRestWithATextureThatIsNotRead)
 
 TEST(CreatureUpdateTest, HasItsTypeAndNothingToGet)
 {
-    Creature creature;
+    Creature& creature = newCreature();
     Node& node = creature;
     EXPECT_EQ(node.getType(), RTTI_USER2);
     EXPECT_EQ(static_cast<int>(node.getType()), 7);
@@ -76,7 +83,7 @@ TEST(CreatureUpdateTest, HasItsTypeAndNothingToGet)
 TEST(CreatureUpdateTest, MovesATenthOfTheWayToTheCentreOfItsSensors)
 {
     Group group{{1, 0, 0}, {0, 1, 0}};
-    Creature creature;
+    Creature& creature = newCreature();
     creature.sensorList = &group.list;
     creature.update();
     EXPECT_EQ(creature.vel.x, 0.05f);
@@ -89,7 +96,7 @@ TEST(CreatureUpdateTest, MovesATenthOfTheWayToTheCentreOfItsSensors)
 TEST(CreatureUpdateTest, PosIsWhereItWasBeforeTheMove)
 {
     Group group{{1, 0, 0}, {0, 1, 0}};
-    Creature creature;
+    Creature& creature = newCreature();
     creature.sensorList = &group.list;
     creature.translate(0.25f, -0.5f, 2);
     creature.update();
@@ -100,7 +107,7 @@ TEST(CreatureUpdateTest, PosIsWhereItWasBeforeTheMove)
 TEST(CreatureUpdateTest, EasesInToTheBit)
 {
     Group group{{0.3f, 0.7f, 0}, {0.55f, 0.62f, 0}, {0.81f, 0.4f, 0}};
-    Creature creature;
+    Creature& creature = newCreature();
     creature.sensorList = &group.list;
     volatile float x = 0.1f;
     volatile float y = 0.9f;
@@ -132,7 +139,7 @@ TEST(CreatureUpdateTest, EasesInToTheBit)
 TEST(CreatureUpdateTest, KeepsItsDepth)
 {
     Group group{{0, 0, 4}, {0, 0, 6}};
-    Creature creature;
+    Creature& creature = newCreature();
     creature.sensorList = &group.list;
     creature.translate(0, 0, 3);
     creature.update();
@@ -144,7 +151,7 @@ TEST(CreatureUpdateTest, KeepsItsDepth)
 TEST(CreatureUpdateTest, WithoutSensorsItsTranslationIsNotFinite)
 {
     Group nobody;
-    Creature creature;
+    Creature& creature = newCreature();
     creature.sensorList = &nobody.list;
     creature.update();
     EXPECT_FALSE(std::isfinite(creature.transformmat[12]));
@@ -153,7 +160,7 @@ TEST(CreatureUpdateTest, WithoutSensorsItsTranslationIsNotFinite)
 
 TEST(CreatureUpdateTest, AnUnsetListCountsAsAnEmptyOne)
 {
-    Creature creature;
+    Creature& creature = newCreature();
     creature.update();
     EXPECT_FALSE(std::isfinite(creature.transformmat[12]));
     EXPECT_FALSE(std::isfinite(creature.transformmat[13]));
@@ -179,7 +186,7 @@ private:
 TEST_F(CreatureTest, TheFirstCullRegistersTheModelOnce)
 {
     const int before = obj_num_file();
-    Creature first;
+    Creature& first = newCreature();
     EXPECT_EQ(first.cull(), 1);
     EXPECT_EQ(first.cull(), 1);
     EXPECT_TRUE(first.initialized);
@@ -187,7 +194,7 @@ TEST_F(CreatureTest, TheFirstCullRegistersTheModelOnce)
     EXPECT_EQ(obj_num_file(), before + 1);
     EXPECT_EQ(obj_num_vert(first.model), 3);
 
-    Creature second;
+    Creature& second = newCreature();
     second.cull();
     EXPECT_EQ(second.model, before + 1);
     EXPECT_NE(second.cGeometry, first.cGeometry);
@@ -196,7 +203,7 @@ TEST_F(CreatureTest, TheFirstCullRegistersTheModelOnce)
 TEST_F(CreatureTest, AMissingModelIsAnEmptyOne)
 {
     std::filesystem::remove("data/cube.obj");
-    Creature creature;
+    Creature& creature = newCreature();
     EXPECT_EQ(creature.cull(), 1);
     EXPECT_EQ(creature.model, obj_num_file() - 1);
     EXPECT_EQ(obj_num_vert(creature.model), 0);
@@ -216,14 +223,14 @@ std::vector<Feedback::Vertex> verticesOf(const std::vector<Feedback::Primitive>&
 
 TEST_F(CreatureTest, CullDrawsThroughTheVirtualTable)
 {
-    Creature creature;
+    Creature& creature = newCreature();
     const auto drawn = Feedback::of([&] { static_cast<Node&>(creature).cull(); });
     EXPECT_FALSE(verticesOf(drawn, false).empty());
 }
 
 TEST_F(CreatureTest, ItsBodyIsATexturedSquareInHalfTransparentWhite)
 {
-    Creature creature;
+    Creature& creature = newCreature();
     creature.cull();
     const auto drawn = Feedback::of([&] { creature.draw(); });
     EXPECT_TRUE(verticesOf(drawn, true).empty());
@@ -247,7 +254,7 @@ TEST_F(CreatureTest, ItsBodyIsATexturedSquareInHalfTransparentWhite)
 TEST_F(CreatureTest, ALineLeadsToEachSensor)
 {
     Group group{{0.5f, 0, 0}, {-0.25f, 0.75f, 0}};
-    Creature creature;
+    Creature& creature = newCreature();
     creature.sensorList = &group.list;
     creature.pos.set(0.25f, 0.5f, 0);
     creature.cull();
@@ -263,7 +270,7 @@ TEST_F(CreatureTest, ALineLeadsToEachSensor)
 TEST_F(CreatureTest, TheLinesAreFourPixelsWide)
 {
     Group group{{0.8f, 0, 0}};
-    Creature creature;
+    Creature& creature = newCreature();
     creature.sensorList = &group.list;
     creature.cull();
     int lit = 0;
@@ -279,7 +286,7 @@ TEST_F(CreatureTest, ItsPictureIsReadByTheFirstDrawAndBlendedOver)
 {
     glClearColor(0, 0, 1, 1);
     glClear(GL_COLOR_BUFFER_BIT);
-    Creature creature;
+    Creature& creature = newCreature();
     creature.cull();
     EXPECT_TRUE(creature.tex->isLoaded());
     const GLuint name = *creature.tex->getId();
@@ -293,7 +300,7 @@ TEST_F(CreatureTest, ItsPictureIsReadByTheFirstDrawAndBlendedOver)
 
 TEST_F(CreatureTest, WithoutATextureItIsAWhiteSquare)
 {
-    Creature creature;
+    Creature& creature = newCreature();
     delete std::exchange(creature.tex, nullptr);
     EXPECT_EQ(creature.cull(), 1);
     EXPECT_NEAR(pixel(400, 330)[0], 127.5, 1);
@@ -304,7 +311,7 @@ TEST_F(CreatureTest, AMissingPictureIsDrawnAllTheSame)
 {
     std::filesystem::remove("data/squid.png");
     testing::internal::CaptureStderr();
-    Creature creature;
+    Creature& creature = newCreature();
     EXPECT_EQ(creature.cull(), 1);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "Can't open file data/squid.png\n");
     EXPECT_TRUE(creature.tex->isLoaded());
@@ -314,7 +321,7 @@ TEST_F(CreatureTest, AMissingPictureIsDrawnAllTheSame)
 TEST_F(CreatureTest, LeavesTexturingAndBlendingOffAndLinesThin)
 {
     Group group{{0.5f, 0, 0}};
-    Creature creature;
+    Creature& creature = newCreature();
     creature.sensorList = &group.list;
     creature.cull();
     EXPECT_FALSE(isEnabled(GL_TEXTURE_2D));
@@ -328,7 +335,7 @@ TEST_F(CreatureTest, LeavesTexturingAndBlendingOffAndLinesThin)
 TEST_F(CreatureTest, ACreatureThatLostItsPlaceDrawsWithoutHarm)
 {
     Group group{{0.5f, 0, 0}};
-    Creature creature;
+    Creature& creature = newCreature();
     creature.update();
     creature.update();
     EXPECT_TRUE(std::isnan(creature.pos.x));

@@ -13,6 +13,7 @@
 #include <FL/Fl.H>
 #include <cstdlib>
 #include <set>
+#include <utility>
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -237,8 +238,9 @@ TEST_F(EnvironmentTest, TheWaterIsDrawnAtHalfBrightness)
 
 TEST_F(EnvironmentTest, WithoutATextureThePlaneIsGrey)
 {
-    world->tex = nullptr;
+    Texture* const owned = std::exchange(world->tex, nullptr);
     world->cull();
+    world->tex = owned;
     const auto inside = pixel(WIDTH / 2 + 100, HEIGHT / 2 + 100);
     EXPECT_NEAR(inside[0], 128, 1);
     EXPECT_NEAR(inside[2], 128, 1);

@@ -10,7 +10,7 @@
 
 namespace {
 
-/// A body whose frame number f is one point at (f, 0): what is drawn tells which frame it was.
+/// A body whose frame number f is one point at (f, f, f): what is drawn tells which frame it was.
 class NumberedFrames {
 public:
     explicit NumberedFrames(SensorRep& rep)
@@ -23,7 +23,8 @@ public:
             rep.baseAnim[frame] = first + frame;
             glNewList(first + frame, GL_COMPILE);
             glBegin(GL_POINTS);
-            glVertex2f(static_cast<float>(frame), 0);
+            const auto place = static_cast<float>(frame);
+            glVertex3f(place, place, place);
             glEnd();
             glEndList();
         }
@@ -87,6 +88,8 @@ TEST_F(SensorRepDrawTest, TheBodyIsDrawnAtThreeTenthsOfItsSize)
     const auto shapes = ExactFeedback(256).of([this] { rep.draw(); });
     ASSERT_EQ(shapes.size(), 1u);
     EXPECT_FLOAT_EQ(shapes[0].vertices[0].x, 30);
+    EXPECT_FLOAT_EQ(shapes[0].vertices[0].y, 30);
+    EXPECT_FLOAT_EQ(shapes[0].vertices[0].z, (1 + 30 / 256.0f) / 2) << "depth";
     EXPECT_THAT(shapes[0].vertices[0].color, testing::ElementsAre(0.5f, 0.5f, 1, 0.5f));
 }
 
@@ -248,8 +251,6 @@ TEST_F(SensorRepDrawTest, TheFirstCullCompilesTheBody)
     rep.cull();
     EXPECT_EQ(rep.baseAnim[0], lists) << "once";
     EXPECT_EQ(std::rand(), random.next());
-    glDeleteLists(rep.baseAnim[0], 240);
-    glDeleteLists(rep.sensorGeom, 1);
 }
 
 } // namespace

@@ -201,6 +201,19 @@ TEST_F(SensorRepTest, EveryPointOfEveryFrameIsTheReferencesToTheBit)
     }
 }
 
+TEST_F(SensorRepTest, PointsBesideTheGridAreTheReferencesToTheBit)
+{
+    std::mt19937 generator(8);
+    std::uniform_real_distribution<float> coordinate(-1, 1);
+    for (int n = 0; n < 5000; ++n) {
+        const Vec3 p(coordinate(generator), coordinate(generator), coordinate(generator));
+        const int frame = n % 240;
+        ASSERT_THAT(rep.get_mod_p(p.x, p.y, p.z, frame),
+                    SameTriple(reference::bodyPoint(toTriple(p), frame)))
+            << "frame " << frame;
+    }
+}
+
 TEST_F(SensorRepTest, OnlyFrameZeroIsNotFinite)
 {
     for (int i = 0; i <= 15; ++i) {
@@ -218,17 +231,15 @@ TEST_F(SensorRepTest, OnlyFrameZeroIsNotFinite)
     }
 }
 
-TEST_F(SensorRepTest, AFrameWorkedOutByHand)
+TEST_F(SensorRepTest, ThePoleOfAFrameWorkedOutByHand)
 {
-    // At the top pole (0, 1, 0) of frame 120: T/360 is 1/3 rounded up, so a0 = 120 - 120.000008
-    // wraps to 0 or a residue; everything that follows is written out in double precision.
-    const Vec3 m = rep.get_mod_p(0, 1, 0, 120);
-    const double q = 3;
-    const double residueLimit = 1e-4; // what the wrap leaves of an angle of a few hundred degrees
-    EXPECT_NEAR(m.x, std::sin(190) * 0.08 * std::cos(190) * std::cos(190), 5 * residueLimit);
-    EXPECT_NEAR(m.z, std::cos(590) * 0.08 * std::cos(590) * std::cos(590), 5 * residueLimit);
-    const double r = 1 + 0.5 / 1.3;
-    EXPECT_NEAR(m.y, 0.4 * (1.4 + r), 1e-4) << q;
+    // The top (0, 1, 0) in frame 120: every wrapped angle is a residue near 0, so that the ripples
+    // are those of u = 590 and w = 190 radians, and the height has the full cosine.
+    const Vec3 pole = rep.get_mod_p(0, 1, 0, 120);
+    const double residue = 1e-3;
+    EXPECT_NEAR(pole.x, std::sin(190) * 0.08 * std::cos(190) * std::cos(190), residue);
+    EXPECT_NEAR(pole.y, 0.4 * (1.4 + 1 + 0.5 / 1.3), residue);
+    EXPECT_NEAR(pole.z, std::cos(590) * 0.08 * std::cos(590) * std::cos(590), residue);
 }
 
 } // namespace

@@ -172,7 +172,8 @@ TEST(BubblesSoundTest, NeverFallsSilent)
 TEST(BubblesSoundTest, RingsAtThePitchesOfSmallBubbles)
 {
     for (const double t : {2.0, 9.0, 15.0}) {
-        EXPECT_GT(band(bubbles(), t, t + 0.2, 350, 2600), band(bubbles(), t, t + 0.2, 4000, 8000) + 20);
+        EXPECT_GT(band(bubbles(), t, t + 0.2, 350, 2600),
+                  band(bubbles(), t, t + 0.2, 4000, 8000) + 20);
     }
 }
 

@@ -203,7 +203,7 @@ TEST_F(TileConfigTest, NumbersThatCannotBeReadLeaveTheirFields)
     pretendedName = "h";
     ASSERT_EQ(read("Cluster TileMap 7 Mullions 1 2 Nodes 1 Node Hostname h Windows 2\n"
                    "Map 5 Location 1 2 Cameras 1 Rectangle 0.5 Offset\n"
-                   "Map Location Cameras"),
+                   "Map Location Cameras none"),
               0);
     EXPECT_THAT(config.cluster->tilemap, ElementsAre(7, 0));
     ASSERT_EQ(config.thisNode->wList.size(), 2u);
@@ -248,18 +248,13 @@ TEST_F(TileConfigTest, EveryKeywordMustStandAsItIs)
     EXPECT_EQ(config.thisNode, nullptr);
 }
 
-TEST_F(TileConfigTest, AFileThatEndsBeforeItsLastKeywordIsNoWall)
+TEST_F(TileConfigTest, AFileThatEndsBeforeItsLastNumbersIsNoWall)
 {
     pretendedName = "left";
     const std::string text = WALL;
-    const std::size_t end = text.rfind("Offset") + 5;
+    const std::size_t end = text.rfind("Offset") + 7;
     for (std::size_t size = 0; size <= end; ++size) {
         const std::string part = text.substr(0, size);
-        const std::string words = part.substr(0, part.find_last_not_of(' ') + 1);
-        // A count that is cut off is 0, with which the wall may be complete.
-        if (words.ends_with("Nodes") || words.ends_with("Windows") || words.ends_with("Cameras")) {
-            continue;
-        }
         ASSERT_EQ(read(part), -1) << part;
     }
 }
@@ -335,7 +330,7 @@ TEST_F(TileConfigTest, DamageAfterACompleteHostIsHarmless)
     pretendedName = "left";
     const std::size_t start = std::string(WALL).rfind("Node\n");
     std::mt19937 random(1);
-    for (int n = 0; n < 2000; ++n) {
+    for (int n = 0; n < 500; ++n) {
         std::string text = WALL;
         for (int k = 0; k < 3; ++k) {
             text[start + random() % (text.size() - start)] = static_cast<char>(random());
@@ -366,7 +361,7 @@ TEST_F(TileConfigDeathTest, AWallWithoutThisHostEndsTheProcess)
         TempDirectory::write("wall.cfg", hosts(names));
         EXPECT_EXIT(readAloud("wall.cfg"), ExitedWithCode(0), messages);
     }
-    TempDirectory::write("wall.cfg", "Cluster TileMap 1 1 Mullions 0 0 Nodes");
+    TempDirectory::write("wall.cfg", "Cluster TileMap 1 1 Mullions 0 0 Nodes none");
     EXPECT_EXIT(readAloud("wall.cfg"), ExitedWithCode(0), messages) << "no number of hosts";
 }
 

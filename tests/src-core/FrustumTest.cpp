@@ -148,6 +148,17 @@ TEST(BBoxTest, PrintKeepsItsLabels)
               "x: 1.000000, 2.000000 y: 3.000000, 4.000000 z: 5.000000 6.000000\n");
 }
 
+TEST_F(FrustumTest, GetFrustumOfIdentityMatricesIsTheUnitCube)
+{
+    float planes[6][4];
+    Frustum::get_frustum(planes);
+    for (int i = 0; i < 6; ++i) {
+        for (int k = 0; k < 4; ++k) {
+            EXPECT_EQ(planes[i][k], CUBE[i][k]) << "plane " << i << ", value " << k;
+        }
+    }
+}
+
 TEST_F(FrustumTest, GetFrustumReadsTheCurrentMatrices)
 {
     glMatrixMode(GL_PROJECTION);

@@ -202,7 +202,7 @@ TEST_F(TextureTest, TheLastRowOfTheFileIsDrawnAtTheBottom)
     EXPECT_EQ(pixel(370, 185), (Bytes{0, 0, 255, 255}));
 }
 
-TEST_F(TextureTest, AMissingJpegIsLoadedWithoutAWord)
+TEST_F(TextureTest, AMissingJpegIsLoadedWithoutTheLoadedLine)
 {
     const TempPath path(".jpg");
     const Loaded loaded = load(path.name(), IMAGE_JPEG);

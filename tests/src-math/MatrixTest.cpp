@@ -247,6 +247,16 @@ TEST(MatrixTest, DumpCopiesAndPrintsNothing)
     EXPECT_EQ(copy, source);
 }
 
+TEST(MatrixTest, PrintOfTheIdentityWritesFourLinesThatEndWithABlank)
+{
+    testing::internal::CaptureStdout();
+    Matrix::print(IDENTITY.data());
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "1.000000 0.000000 0.000000 0.000000 \n"
+                                                      "0.000000 1.000000 0.000000 0.000000 \n"
+                                                      "0.000000 0.000000 1.000000 0.000000 \n"
+                                                      "0.000000 0.000000 0.000000 1.000000 \n");
+}
+
 TEST(MatrixTest, PrintWritesRowsWithTheTranslationInTheLastColumn)
 {
     Mat m;

@@ -50,14 +50,14 @@ SceneFolder::~SceneFolder()
 
 Environment* newWorld(unsigned seed, const reference::Recording& recording)
 {
-    static std::vector<Environment*> worlds;
+    static auto* const worlds = new std::vector<Environment*>;
     const SceneFolder folder(recording);
     emitt = 0;
     std::srand(seed);
     testing::internal::CaptureStdout();
-    worlds.push_back(new Environment(nullptr));
+    worlds->push_back(new Environment(nullptr));
     testing::internal::GetCapturedStdout();
-    return worlds.back();
+    return worlds->back();
 }
 
 void skipTextures(Environment* world)

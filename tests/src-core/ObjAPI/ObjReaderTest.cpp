@@ -558,21 +558,30 @@ TEST_F(ObjReaderTest, NumbersThatAreNoneStayInTheGeometry)
 
 TEST_F(ObjReaderTest, ManyMaterialsTakeTimeInProportion)
 {
-    // 20,000 uses of a library of 12,000 lines: read for each use, it would be 240 million lines.
+    // 20,000 uses of a library of 12,000 lines, then of a material of 12,000 lines: read for each
+    // use, these would be 240 million lines each.
     std::string library;
     for (int i = 0; i < 4000; ++i) {
-        library +=
-            "newmtl m" + std::to_string(i) + "\nKd 1 0 0\nd 0." + std::to_string(i % 10) + "\n";
+        const std::string number = std::to_string(i);
+        library += "newmtl m" + number + "\nKd 1 0 0\nd 0." + number + "\n";
+    }
+    library += "newmtl large\n";
+    for (int i = 0; i < 12000; ++i) {
+        library += "Kd 1 0 0\n";
     }
     write("m.mtl", library);
     std::string text = "mtllib m.mtl\nv 0 0 0\n";
     for (int i = 0; i < 20000; ++i) {
         text += "usemtl m" + std::to_string(i % 4000) + (i % 2 == 0 ? "\nf 1 1 1\n" : "\n");
     }
+    for (int i = 0; i < 20000; ++i) {
+        text += "usemtl large\nf 1 1 1\n";
+    }
     const Model m = model(text);
-    EXPECT_EQ(m.surfaces.size(), 10000U);
-    EXPECT_EQ(m.materials.size(), 10000U);
+    EXPECT_EQ(m.surfaces.size(), 30000U);
+    EXPECT_EQ(m.materials.size(), 30000U);
     EXPECT_EQ(m.materials[1].name, "m2");
+    EXPECT_EQ(m.materials[29999].name, "large");
 }
 
 // ---- Without a GL context -----------------------------------------------------------------------

@@ -352,7 +352,7 @@ TEST_F(ObjStoreTest, RandomOperationsLeaveWhatThePlainFormLeaves)
             switch (below(13)) {
             case 0:
             case 1: {
-                const std::string name = "m" + std::to_string(step);
+                const std::string name = std::to_string(step);
                 EXPECT_EQ(obj_add_mtrl(fi), mc);
                 obj_set_mtrl_name(fi, mc, name.c_str());
                 model.materials.push_back(model_of(fi).materials.back());
@@ -504,7 +504,7 @@ TEST_F(ObjStoreDeathTest, ABadIndexNamesItsConditionAndAborts)
         {file, [=] { obj_write_file(1, nullptr, nullptr); }},
     };
     for (std::size_t i = 0; i < calls.size(); ++i) {
-        SCOPED_TRACE("call " + std::to_string(i));
+        SCOPED_TRACE(std::string("call ") + std::to_string(i));
         std::string message = "^[^:]*ObjStore\\.cpp:[0-9]+: failed assertion `";
         for (const char* c = calls[i].condition; *c != '\0'; ++c) {
             message += *c == '(' || *c == ')' ? std::string("\\") + *c : std::string(1, *c);

@@ -216,7 +216,8 @@ TEST_F(ObjTextTest, RandomDecimalsAreThoseOfSscanfToTheBit)
                 text += static_cast<char>('0' + random() % 10);
             }
             if (random() % 4 == 0) {
-                text += "e" + std::to_string(static_cast<int>(random() % 90) - 45);
+                text += 'e';
+                text += std::to_string(static_cast<int>(random() % 90) - 45);
             }
             text += ' ';
         }

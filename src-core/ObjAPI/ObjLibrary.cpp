@@ -1,0 +1,97 @@
+#include "ObjLibrary.h"
+#include "ObjStore.h"
+#include "ObjText.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+namespace obj {
+
+namespace {
+
+bool take_clamp(const char*& text, bool& clamp)
+{
+    const char* p = text;
+    if (!take_option(p, "-clamp")) {
+        return false;
+    }
+    const std::string_view word = take_word(p);
+    if (word.empty()) {
+        return false;
+    }
+    clamp = word == "on";
+    text = p;
+    return true;
+}
+
+/// Takes an option with one to three numbers; those that are not there stay as they are.
+bool take_vector(const char*& text, std::string_view option, float* v)
+{
+    const char* p = text;
+    if (!take_option(p, option) || take_floats(p, v, 3) == 0) {
+        return false;
+    }
+    text = p;
+    return true;
+}
+
+/// Reads the options of a map. The last word that is none of them is the name of the picture.
+Map read_image(const char* text)
+{
+    Map map;
+    while (*text != '\0' && *text != '\r') {
+        if (take_clamp(text, map.clamp) || take_vector(text, "-s", map.s) ||
+            take_vector(text, "-o", map.o)) {
+            continue;
+        }
+        const std::string_view word = take_word(text);
+        if (word.empty()) {
+            break; // blanks before the end of the line
+        }
+        map.name = word;
+    }
+    return map;
+}
+
+/// Reads one line of a material.
+void read_property(Material& material, std::string_view word, const char* text)
+{
+    constexpr std::string_view LABELS[5] = {"Kd", "Ka", "Ke", "Ks", "Ns"};
+    const bool is_map = word.starts_with("map_");
+    const auto label = std::find(LABELS, LABELS + 5, is_map ? word.substr(4) : word);
+    const int ki = static_cast<int>(label - LABELS);
+    if (word == "d") {
+        take_floats(text, &material.c[0][3], 1);
+    } else if (ki < 5 && is_map) {
+        std::erase_if(material.maps, [ki](const Map& map) { return map.ki == ki; });
+        material.maps.push_back(read_image(text));
+        material.maps.back().ki = ki;
+    } else if (ki < 5) {
+        take_floats(text, material.c[ki], 3);
+    }
+}
+
+} // namespace
+
+Library read_library(const std::string& path)
+{
+    Library library;
+    LineReader reader(path.c_str());
+    Material* material = nullptr;
+    while (const char* text = reader.next()) {
+        const std::string_view word = take_word(text);
+        if (word == "newmtl") {
+            const auto [place, is_new] = library.try_emplace(std::string(take_word(text)));
+            material = is_new ? &place->second : nullptr;
+            if (material != nullptr) {
+                std::memcpy(material->c, DEFAULT_COLORS, sizeof DEFAULT_COLORS);
+            }
+        } else if (material != nullptr) {
+            read_property(*material, word, text);
+        }
+    }
+    return library;
+}
+
+} // namespace obj

@@ -1,0 +1,39 @@
+"""Checks that the code in docs/framework.md stands in the examples as it is quoted, and that what
+the page links to is there.
+
+Usage: guide.py ROOT
+"""
+import pathlib
+import re
+import sys
+import textwrap
+import unittest
+
+ROOT = pathlib.Path(sys.argv.pop())
+PAGE = (ROOT / "docs/framework.md").read_text()
+
+
+def stands_in(quote, lines):
+    """Whether the lines of a quote follow each other there, perhaps further indented."""
+    count = len(quote.splitlines())
+    return any(textwrap.dedent("\n".join(lines[i:i + count])) + "\n" == quote
+               for i in range(len(lines)))
+
+
+class Guide(unittest.TestCase):
+    def test_quotes_the_examples(self):
+        sources = [path.read_text().splitlines() for path in (ROOT / "examples").iterdir()]
+        quotes = re.findall(r"```(?:cpp|cmake)\n(.*?)```", PAGE, re.DOTALL)
+        self.assertGreater(len(quotes), 20)
+        for quote in quotes:
+            self.assertTrue(any(stands_in(quote, source) for source in sources), quote)
+
+    def test_links_to_files_that_are_there(self):
+        prose = re.sub(r"```.*?```", "", PAGE, flags=re.DOTALL)
+        links = re.findall(r"\]\(([^)#]+)\)", prose)
+        self.assertIn("pictures/hello-node.png", links)
+        for link in links:
+            self.assertTrue((ROOT / "docs" / link).is_file(), link)
+
+
+unittest.main()
