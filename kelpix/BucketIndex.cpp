@@ -54,6 +54,7 @@ void BucketIndex::release()
     std::for_each(index, index + cells, [](Bucket* bucket) { delete bucket; });
     delete[] index;
     index = nullptr;
+    std::fill_n(extents, 4, 0.0f);
 }
 
 void BucketIndex::initialize(int c, int r, Environment*)
@@ -68,8 +69,6 @@ void BucketIndex::initialize(int c, int r, Environment*)
             *next++ = new Bucket(i, j);
         }
     }
-    extents[0] = 0;
-    extents[1] = 0;
     extents[2] = static_cast<float>(columns);
     extents[3] = static_cast<float>(rows);
 }

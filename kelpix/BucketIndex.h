@@ -34,7 +34,9 @@ public:
 };
 
 /// A uniform grid of cells for finding neighbours. Grid coordinates count cells: the environment's
-/// are world coordinates times 10.
+/// are world coordinates times 10. Cells are looked up with the number of rows as the stride,
+/// though they lie row by row: only in a square grid, which the environment's is, does a point find
+/// its own cell; in others it finds another one, or none.
 class BucketIndex {
 public:
     float extents[4] = {}; ///< min x, min y, max x, max y in cells: 0, 0, columns, rows
@@ -47,7 +49,8 @@ public:
     ~BucketIndex();
 
     /// Makes a grid of \p c columns and \p r rows, replacing an earlier one. No cells for a count
-    /// of 0 or less. The environment is not used.
+    /// of 0 or less, and none left when there is not enough memory (std::bad_alloc). The
+    /// environment is not used.
     void initialize(int c, int r, Environment* env);
 
     /// \return the cell that contains the grid point, or null outside the grid. The upper bounds
@@ -56,8 +59,8 @@ public:
     Bucket* query(float x, float y);
 
     /// Appends to \p blist the cells that the grid rectangle (x0, y0) to (x1, y1) overlaps, each
-    /// coordinate cut to a whole cell and to the grid, the upper ones exclusive: column by column,
-    /// rows ascending.
+    /// coordinate cut to a whole cell (NaN to 0) and to the grid, the upper ones exclusive: column
+    /// by column, rows ascending.
     void query(std::vector<Bucket*>* blist, float x0, float y0, float x1, float y1);
 
     /// \return a pointer to the 4 floats of extents

@@ -37,7 +37,8 @@ public:
     /// Moves to the recorded position of the current step.
     /// The recorded position is scaled in the recording itself, so a step that is met again shrinks
     /// again. Deliberate: recordings are made for it.
-    /// A step beyond the recording (the voice has come to its end) ends the process with status 1.
+    /// A step beyond the recording (the voice has come to its end), or a series that it does not
+    /// have, ends the process with status 1. Does nothing without a recording.
     void doupdate() override;
 
     void drawBBox() override {}

@@ -39,8 +39,9 @@ public:
     int cull() override;
 
     /// Draws body and tentacles. Needs: current GL context, initialize, pos and vel.
-    /// Changes: colour, blend function; disables blending and the client's vertex array. The body
-    /// has texture coordinates and is drawn with whatever texture state is current.
+    /// Changes: colour, blend function, line width (to 1); disables blending and the client's
+    /// vertex array. The body has texture coordinates and is drawn with whatever texture state is
+    /// current.
     void draw() override;
 
     /// Adds the current velocity to the tentacles and advances their wave. Needs: vel.

@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <limits>
 #include <memory>
+#include <new>
 #include <utility>
 
 using testing::ElementsAre;
@@ -311,6 +312,16 @@ TEST(BucketIndexShapesTest, InitialisingAgainStartsAfresh)
     EXPECT_THAT(grid.extents, ElementsAre(0, 0, 2, 2));
     EXPECT_THAT(grid.query(1, 1)->boidList, IsEmpty());
     EXPECT_THAT(grid.query(2.5f, 2.5f), IsNull());
+}
+
+TEST(BucketIndexShapesTest, AGridThatDoesNotFitIntoMemoryIsEmpty)
+{
+    constexpr int MANY = std::numeric_limits<int>::max();
+    BucketIndex grid;
+    grid.initialize(3, 3, nullptr);
+    EXPECT_THROW(grid.initialize(MANY, MANY, nullptr), std::bad_alloc);
+    EXPECT_THAT(grid.extents, ElementsAre(0, 0, 0, 0));
+    EXPECT_THAT(grid.query(1, 1), IsNull());
 }
 
 } // namespace

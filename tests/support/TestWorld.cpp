@@ -4,10 +4,8 @@
 #include "Sensor.h"
 #include "Texture.h"
 
-#include <cstdio>
 #include <cstdlib>
-#include <gtest/gtest.h>
-#include <unistd.h>
+#include <sstream>
 
 reference::Recording farAwayRecording()
 {
@@ -16,36 +14,22 @@ reference::Recording farAwayRecording()
 }
 
 SceneFolder::SceneFolder(const reference::Recording& recording)
-    : before(std::filesystem::current_path())
 {
-    static int number = 0;
-    folder = std::filesystem::path(testing::TempDir()) /
-             ("kelpix-scene-" + std::to_string(getpid()) + "-" + std::to_string(number++));
-    std::filesystem::create_directories(folder / "data");
-    std::filesystem::current_path(folder);
-
-    std::FILE* const index = std::fopen("data/mocap.txt", "w");
-    std::fputs("MOCAP\n1 3\ndata/figures.txt\n", index);
-    std::fclose(index);
-
-    std::FILE* const figures = std::fopen("data/figures.txt", "w");
+    std::ostringstream figures;
+    figures.precision(9); // brings every float back as it was
+    const char* between = "";
     for (std::size_t step = 0; step < recording[0].size(); ++step) {
-        std::fprintf(figures, "%zu", step);
+        figures << between << step;
         for (const std::vector<reference::Triple>& series : recording) {
-            // Nine digits bring every float back as it was.
             const reference::Triple& p = series[step];
-            std::fprintf(figures, " %.9g %.9g %.9g 0 0 0", p.x.wide(), p.y.wide(), p.z.wide());
+            figures << ' ' << p.x.value << ' ' << p.y.value << ' ' << p.z.value << " 0 0 0";
         }
-        // No white space after the last word: the reader would take it for one more record.
-        std::fputs(step + 1 < recording[0].size() ? " 0 0 0 0 0 0\n" : " 0 0 0 0 0 0", figures);
+        figures << " 0 0 0 0 0 0";
+        between = "\n"; // not after the last record: the reader would look for one more
     }
-    std::fclose(figures);
-}
-
-SceneFolder::~SceneFolder()
-{
-    std::filesystem::current_path(before);
-    std::filesystem::remove_all(folder);
+    std::filesystem::create_directory("data");
+    TempDirectory::write("data/mocap.txt", "MOCAP\n1 3\ndata/figures.txt\n");
+    TempDirectory::write("data/figures.txt", figures.str());
 }
 
 Environment* newWorld(unsigned seed, const reference::Recording& recording)

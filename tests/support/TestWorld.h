@@ -3,8 +3,7 @@
 #include "Environment.h"
 #include "MoCap.h"
 #include "ReferenceScene.h"
-
-#include <filesystem>
+#include "TempDirectory.h"
 
 class Boid;
 class Sensor;
@@ -12,18 +11,13 @@ class Sensor;
 /// Three figures that rest where they cannot be seen or felt, for one step.
 reference::Recording farAwayRecording();
 
-/// A folder of its own as the working folder, with a recording in it as the scene reads it. Ends
-/// with the object.
+/// A working directory with a recording in it as the scene reads it.
 class SceneFolder {
 public:
     explicit SceneFolder(const reference::Recording& recording);
-    SceneFolder(const SceneFolder&) = delete;
-    SceneFolder& operator=(const SceneFolder&) = delete;
-    ~SceneFolder();
 
 private:
-    std::filesystem::path before;
-    std::filesystem::path folder;
+    TempDirectory directory;
 };
 
 /// An Environment as it is after srand(\p seed), with that recording, no voice, and the count of
