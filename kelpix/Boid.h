@@ -24,7 +24,7 @@ enum BOID_COLLISION_MODE { HARDBOUNCE, BOUNCE, SOFT };
 /// Positions are in world units (0..1). The boid's transform is scaled by 0.001, so its velocity
 /// counts thousandths of the world per update. Random numbers come from rand(); how many are drawn,
 /// and in which order, is part of the behaviour.
-class Boid final : public Node {
+class Boid : public Node {
 public:
     Vec3 pos;         ///< world units, from the transform at the start of each update
     Vec3 vel;         ///< units of the boid's scaled frame per update

@@ -9,7 +9,7 @@
 /// square with a thick line to each of them. Lengths are units of its parent's frame, which must be
 /// that of the sensors, and its own transform only translates. Texture, display list and model live
 /// until the process ends.
-class Creature final : public Node {
+class Creature : public Node {
 public:
     Vec3 pos; ///< the translation before the last update's move: where the lines start from
     Vec3 vel; ///< the last update's move; z, a tenth of the centre's z, is not applied

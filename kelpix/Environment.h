@@ -14,7 +14,7 @@ extern int emitt;
 /// The underwater world: a textured plane that fills the unit square (0..1 in x and y at z = 0), a
 /// hundred fish, bubbles that it emits while it is drawn, three motion-captured sensors, and the
 /// grid of 10 by 10 cells through which the boids find each other. Lives until the process ends.
-class Environment final : public Node {
+class Environment : public Node {
 public:
     bool initialized = false;
     Geometry* geom = nullptr;     ///< owns; the plane
