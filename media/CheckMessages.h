@@ -16,7 +16,7 @@ public:
     ~CheckMessages() { take(); }
 
     /// Ends the catching.
-    /// \return the messages, separated by "; "
+    /// \return the messages, those of one stream in their order, separated by "; "
     std::string take();
 
 private:

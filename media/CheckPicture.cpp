@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstdint>
-#include <cstdlib>
+#include <fstream>
 
 namespace media {
 
@@ -26,10 +26,11 @@ struct PngHeader {
     int bits = 0;
     int colourType = -1;
 
-    explicit PngHeader(const std::string& bytes)
+    explicit PngHeader(const std::filesystem::path& path)
     {
         constexpr std::size_t BITS_AT = 24;
-        if (bytes.size() > BITS_AT + 1) {
+        char bytes[BITS_AT + 2];
+        if (std::ifstream(path, std::ios::binary).read(bytes, sizeof bytes)) {
             bits = static_cast<unsigned char>(bytes[BITS_AT]);
             colourType = static_cast<unsigned char>(bytes[BITS_AT + 1]);
         }
@@ -198,7 +199,7 @@ bool readSprite(const std::filesystem::path& path, const std::string& instead, I
     if (!checkReadable(path, Mark::wrong, instead, report)) {
         return false;
     }
-    const PngHeader header(contentOf(path));
+    const PngHeader header(path);
     CheckMessages messages;
     const bool read = image.read(path.c_str()) == 1;
     const std::string said = messages.take();

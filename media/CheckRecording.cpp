@@ -73,7 +73,7 @@ std::optional<float> numberOf(std::string_view word)
 {
     const std::string text(word);
     char* end = nullptr;
-    const auto value = static_cast<float>(std::strtod(text.c_str(), &end));
+    const float value = std::strtof(text.c_str(), &end);
     if (end != text.c_str() + text.size() || !std::isfinite(value)) {
         return std::nullopt;
     }
@@ -126,7 +126,7 @@ void remarkOnLength(std::string_view text, std::size_t words, FileReport& report
 
 } // namespace
 
-Recording readRecording(const std::filesystem::path& path, FileReport& report)
+Recording readRecording(const std::filesystem::path& path, bool shown, FileReport& report)
 {
     Recording recording;
     std::error_code error;
@@ -150,7 +150,7 @@ Recording readRecording(const std::filesystem::path& path, FileReport& report)
         }
         const std::optional<float> value = numberOf(word);
         if (!value) {
-            (isPosition(i) ? badPositions : badOthers).note(words.line(), word);
+            (shown && isPosition(i) ? badPositions : badOthers).note(words.line(), word);
         }
         if (isPosition(i)) {
             Point& p = recording.positions.back()[(i - 1) / WORDS_PER_SENSOR];

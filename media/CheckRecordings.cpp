@@ -157,8 +157,9 @@ std::vector<FileReport> checkRecordings(const std::filesystem::path& folder, dou
     checkCounts(index, reports.front());
     std::vector<Recording> recordings;
     for (const std::string& name : index.names) {
-        recordings.push_back(
-            readRecording(folder / name, reports.emplace_back(FileReport{name, "", {}})));
+        const bool shown = static_cast<long>(recordings.size()) * index.sensors < SHOWN;
+        FileReport& report = reports.emplace_back(FileReport{name, "", {}});
+        recordings.push_back(readRecording(folder / name, shown, report));
     }
     const bool complete =
         std::all_of(recordings.begin(), recordings.end(),

@@ -88,9 +88,10 @@ std::string describe(const std::vector<FileReport>& reports)
             text += line(remark.mark, report.name, remark.text);
         }
     }
-    text += std::to_string(reports.size()) + " files: " + std::to_string(sums[0]) + " ok, " +
-            std::to_string(sums[1]) + " with hints, " + std::to_string(sums[2]) + " wrong, " +
-            std::to_string(sums[3]) + " that stop the scene\n";
+    text += std::to_string(reports.size()) + (reports.size() == 1 ? " file: " : " files: ") +
+            std::to_string(sums[0]) + " ok, " + std::to_string(sums[1]) + " with hints, " +
+            std::to_string(sums[2]) + " wrong, " + std::to_string(sums[3]) +
+            " that stop the scene\n";
     return text;
 }
 
