@@ -85,6 +85,30 @@ TEST_F(CheckProgramTest, WantsAFolderAndNothingElse)
     EXPECT_THAT(out, HasSubstr("  --check DIR "));
 }
 
+TEST(CheckReadableTest, SaysWhyAFileCannotBeRead)
+{
+    const CheckedFolder folder;
+    FileReport report{"loop", "", {}};
+    std::filesystem::create_symlink("loop", folder.path() / "loop");
+    EXPECT_FALSE(media::checkReadable(folder.path() / "loop", Mark::wrong, "so what", report));
+    EXPECT_THAT(report, Says(Mark::wrong, "cannot be read: Too many levels of symbolic links"));
+
+    report.remarks.clear();
+    EXPECT_FALSE(media::checkReadable("/dev/null", Mark::stops, "so what", report));
+    EXPECT_THAT(report, Says(Mark::stops, "is no regular file; so what"));
+
+    folder.write("data/fish0.png", "");
+    report.remarks.clear();
+    EXPECT_TRUE(media::checkReadable(folder.path() / "data/fish0.png", Mark::wrong, "", report));
+    EXPECT_THAT(report, IsFine());
+    if (geteuid() == 0) {
+        GTEST_SKIP() << "nothing is closed to root";
+    }
+    std::filesystem::permissions(folder.path() / "data/fish0.png", std::filesystem::perms::none);
+    EXPECT_FALSE(media::checkReadable(folder.path() / "data/fish0.png", Mark::wrong, "", report));
+    EXPECT_THAT(report, Says(Mark::wrong, "cannot be read: Permission denied"));
+}
+
 TEST(CheckReportTest, APathFromOutsideStaysOnItsLine)
 {
     const FileReport report{"data/a\nok\x1b[2Jb.txt", "", {{Mark::stops, "is missing"}}};
