@@ -47,8 +47,9 @@ Options parseOptions(const std::vector<std::string>& arguments)
             options.help = true;
             return options;
         }
-        const bool known = option == "--out" || option == "--seed" || option == "--water" ||
-                           option == "--seconds" || option == "--only" || option == "--font";
+        const bool known = option == "--out" || option == "--check" || option == "--seed" ||
+                           option == "--water" || option == "--seconds" || option == "--only" ||
+                           option == "--font";
         if (!known) {
             throw UsageError("unknown option \"" + option + "\"");
         }
@@ -58,6 +59,8 @@ Options parseOptions(const std::vector<std::string>& arguments)
         const std::string& value = arguments[++i];
         if (option == "--out") {
             options.out = value;
+        } else if (option == "--check") {
+            options.check = value;
         } else if (option == "--seed") {
             options.request.seed = parseNumber<std::uint64_t>(option, value, 0, UINT64_MAX);
         } else if (option == "--water") {
@@ -75,6 +78,12 @@ Options parseOptions(const std::vector<std::string>& arguments)
             options.request.fontLicense.clear();
         }
     }
+    if (!options.check.empty()) {
+        if (arguments.size() > 2) {
+            throw UsageError("--check DIR goes with no other option");
+        }
+        return options;
+    }
     if (options.out.empty()) {
         throw UsageError("--out DIR is missing");
     }
@@ -85,6 +94,7 @@ std::string usage()
 {
     std::string text =
         "usage: kelpix-media --out DIR [option ...]\n"
+        "       kelpix-media --check DIR\n"
         "\n"
         "Makes the pictures, sounds, models and recordings that the scene plays.\n"
         "The same options make the same bytes.\n"
@@ -97,6 +107,9 @@ std::string usage()
         "  --only ASSET   makes a single asset of the list below\n"
         "  --font FILE    another font for the scene's text; its licence is yours to\n"
         "                 look after\n"
+        "  --check DIR    says of each file of a folder, yours too, whether the scene can\n"
+        "                 play it and how it will look and sound; the exit status is 0\n"
+        "                 when nothing is wrong, hints aside\n"
         "  --help         prints this text\n"
         "\n"
         "assets:\n";

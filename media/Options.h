@@ -13,6 +13,7 @@ struct Options {
     bool help = false;
     Request request;
     std::filesystem::path out;
+    std::filesystem::path check; ///< empty = make the set; else the folder to look at
     const Asset* only = nullptr; ///< null = the whole set
 };
 

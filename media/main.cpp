@@ -1,3 +1,4 @@
+#include "Check.h"
 #include "Options.h"
 #include "OutputFile.h"
 
@@ -71,6 +72,11 @@ int main(int argc, char* argv[])
         if (options.help) {
             std::fputs(media::usage().c_str(), stdout);
             return 0;
+        }
+        if (!options.check.empty()) {
+            const std::vector<media::FileReport> reports = media::checkFolder(options.check);
+            std::fputs(media::describe(reports).c_str(), stdout);
+            return media::playsWell(reports) ? 0 : 1;
         }
         const std::string error = Workshop(options).run();
         if (!error.empty()) {

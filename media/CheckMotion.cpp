@@ -1,0 +1,128 @@
+#include "CheckMotion.h"
+
+#include "Choreography.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace media {
+
+namespace {
+
+constexpr double UPDATES_PER_SECOND = 40;
+
+/// Where the scene puts a figure for a recorded position.
+Point worldOf(Point recorded, int figure)
+{
+    constexpr float SCALE = 0.45f;
+    return recorded * SCALE + homeOf(figure);
+}
+
+std::string nameOf(int figure)
+{
+    return "figure " + std::to_string(figure);
+}
+
+std::string at(double seconds)
+{
+    return decimal(seconds, 1) + " s";
+}
+
+/// Where a figure is at each update of the scene while the voice lasts.
+std::vector<Point> updatesOf(const Motion& motion)
+{
+    // A day of voice is beyond what the scene can hold.
+    const double most = 86400 * UPDATES_PER_SECOND;
+    const auto updates =
+        static_cast<std::size_t>(std::min(motion.seconds * UPDATES_PER_SECOND, most));
+    std::vector<Point> places;
+    for (std::size_t i = 0; i <= updates; ++i) {
+        const double fraction =
+            updates == 0 ? 0 : static_cast<double>(i) / static_cast<double>(updates);
+        const auto step =
+            static_cast<std::size_t>(std::ceil(static_cast<double>(motion.steps) * fraction));
+        places.push_back(
+            worldOf(motion.path[std::min(step, motion.path.size() - 1)], motion.figure));
+    }
+    return places;
+}
+
+void checkSpeed(const Motion& motion, const std::vector<Point>& places, FileReport& report)
+{
+    constexpr float STANDS = 0.15f;
+    constexpr float JAGGED = 0.012f;
+    std::size_t stands = 0;
+    std::size_t jagged = 0;
+    double firstStand = 0;
+    double firstJagged = 0;
+    for (std::size_t i = 1; i < places.size(); ++i) {
+        const Point v = places[i] - places[i - 1];
+        const double seconds = static_cast<double>(i) / UPDATES_PER_SECOND;
+        if (std::abs(v.x) > STANDS || std::abs(v.y) > STANDS) {
+            firstStand = stands++ == 0 ? seconds : firstStand;
+        } else if (length(v) > JAGGED) {
+            firstJagged = jagged++ == 0 ? seconds : firstJagged;
+        }
+    }
+    if (stands > 0) {
+        report.wrong(nameOf(motion.figure) + " moves by more than 0.15 in an update, " +
+                     std::to_string(stands) + " times, first at " + at(firstStand) +
+                     ": it stands still there, and jumps");
+    }
+    if (jagged > 0) {
+        report.hint(nameOf(motion.figure) + " moves by more than 0.012 in an update, " +
+                    std::to_string(jagged) + " times, first at " + at(firstJagged) +
+                    ": its tentacles get long and jagged");
+    }
+}
+
+void checkPlace(const Motion& motion, const std::vector<Point>& places, FileReport& report)
+{
+    // Where figures rest is 0.1 below the picture.
+    constexpr float BELOW = -0.15f;
+    std::size_t seen = 0;
+    std::size_t astray = 0;
+    double firstAstray = 0;
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        const Point p = places[i];
+        const bool beside = p.x < 0 || p.x > 1;
+        seen += !beside && p.y >= 0 && p.y <= 1 ? 1 : 0;
+        if (beside || p.y > 1 || p.y < BELOW) {
+            firstAstray = astray++ == 0 ? static_cast<double>(i) / UPDATES_PER_SECOND : firstAstray;
+        }
+    }
+    if (seen == 0) {
+        report.wrong(nameOf(motion.figure) + " is never in the picture");
+    } else if (astray > 0) {
+        report.hint(nameOf(motion.figure) + " leaves the picture, first at " + at(firstAstray) +
+                    ", for " + at(static_cast<double>(astray) / UPDATES_PER_SECOND) + " in all");
+    }
+}
+
+void checkRest(const Motion& motion, FileReport& report)
+{
+    constexpr float NEAR = 0.1f;
+    const Point first = motion.path.front();
+    const Point last = motion.path[std::min(motion.steps, motion.path.size() - 1)];
+    if (first.x != 0 || first.y != 0) {
+        report.hint("record 0 of " + nameOf(motion.figure) +
+                    " is not at 0 0: before the voice starts and after its end, the figure drops "
+                    "from there to below the picture");
+    }
+    if (length(last) > NEAR) {
+        report.hint(nameOf(motion.figure) + " does not end at 0 0: at the end of the voice it "
+                                            "jumps from the picture");
+    }
+}
+
+} // namespace
+
+void checkMotion(const Motion& motion, FileReport& report)
+{
+    const std::vector<Point> places = updatesOf(motion);
+    checkSpeed(motion, places, report);
+    checkPlace(motion, places, report);
+    checkRest(motion, report);
+}
+
+} // namespace media

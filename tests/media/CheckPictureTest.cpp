@@ -1,0 +1,232 @@
+#include "CheckPicture.h"
+
+#include "CheckedFolder.h"
+#include "ImageFiles.h"
+
+#include <cmath>
+#include <png.h>
+#include <sys/stat.h>
+
+namespace {
+
+using media::checkBubble;
+using media::checkFish;
+using media::checkWater;
+using media::Mark;
+
+class CheckPictureTest : public testing::Test {
+protected:
+    void putJpeg(const Picture& picture) const
+    {
+        const TempPath path(".jpg");
+        writeJpeg(path, picture);
+        put("data/underwater.jpg", path.read());
+    }
+
+    void putPng(const std::string& name, const Picture& picture) const
+    {
+        const TempPath path(".png");
+        writePng(path, picture);
+        put(name, path.read());
+    }
+
+    void putPng(const std::string& name, int colourType, int bits, std::size_t rowBytes) const
+    {
+        const TempPath path(".png");
+        writePng(path, 64, 64, colourType, bits, Bytes(rowBytes * 64));
+        put(name, path.read());
+    }
+
+    void put(const std::string& name, const Bytes& bytes) const
+    {
+        folder.write(name, {bytes.begin(), bytes.end()});
+    }
+
+    CheckedFolder folder;
+};
+
+/// A disc in the middle of a picture, bright and solid, in a transparent surround of one colour.
+Picture disc(std::size_t size, double radius, unsigned char surround = 200)
+{
+    Picture picture{size, size, 4, {}};
+    const double middle = static_cast<double>(size) / 2 - 0.5;
+    for (std::size_t y = 0; y < size; ++y) {
+        for (std::size_t x = 0; x < size; ++x) {
+            const bool inside = std::hypot(static_cast<double>(x) - middle,
+                                           static_cast<double>(y) - middle) < radius;
+            const unsigned char colour = inside ? 200 : surround;
+            const unsigned char alpha = inside ? 255 : 0;
+            for (const unsigned char byte : {colour, colour, colour, alpha}) {
+                picture.bytes.push_back(byte);
+            }
+        }
+    }
+    return picture;
+}
+
+TEST_F(CheckPictureTest, TheSetIsFine)
+{
+    EXPECT_THAT(checkWater(folder.path()), IsFine());
+    EXPECT_THAT(checkFish(folder.path()), IsFine());
+    EXPECT_THAT(checkBubble(folder.path()), IsFine());
+    EXPECT_EQ(checkFish(folder.path()).summary, "64 x 64, RGBA");
+}
+
+TEST_F(CheckPictureTest, SaysWhichPicturesAreMissingAndWhatIsSeenInstead)
+{
+    folder.remove("data/underwater.jpg");
+    folder.remove("data/fish0.png");
+    folder.remove("data/bubble.png");
+    EXPECT_THAT(checkWater(folder.path()), Says(Mark::wrong, "is missing; the water is plain"));
+    EXPECT_THAT(checkFish(folder.path()), Says(Mark::wrong, "is missing; every fish is a pale"));
+    EXPECT_THAT(checkBubble(folder.path()), Says(Mark::wrong, "is missing; every bubble is a"));
+}
+
+TEST_F(CheckPictureTest, FoldersAndPipesAreNoPictures)
+{
+    folder.makeFolder("data/underwater.jpg");
+    folder.remove("data/fish0.png");
+    ASSERT_EQ(mkfifo((folder.path() / "data/fish0.png").c_str(), 0600), 0);
+    EXPECT_THAT(checkWater(folder.path()), Says(Mark::wrong, "is a folder"));
+    EXPECT_THAT(checkFish(folder.path()), Says(Mark::wrong, "is no regular file"));
+}
+
+TEST_F(CheckPictureTest, AJpegOfOtherThanThreeComponentsIsGarbled)
+{
+    putJpeg(gradient(64, 64, 1));
+    EXPECT_THAT(checkWater(folder.path()),
+                Says(Mark::wrong, "is grey: the scene takes it for RGB"));
+    putJpeg(gradient(64, 64, 4));
+    EXPECT_THAT(checkWater(folder.path()), Says(Mark::wrong, "is CMYK"));
+    putJpeg(gradient(64, 64, 3));
+    EXPECT_THAT(checkWater(folder.path()), IsFine());
+}
+
+TEST_F(CheckPictureTest, HintsAtSizesThatAreNotForEveryCard)
+{
+    putJpeg(gradient(96, 96, 3));
+    EXPECT_THAT(checkWater(folder.path()),
+                Says(Mark::hint, "is 96 x 96: sizes that are no powers"));
+    putJpeg(gradient(62, 62, 3));
+    EXPECT_THAT(checkWater(folder.path()), SaysAlso(Mark::hint, "no multiple of 4"));
+    putJpeg(gradient(64, 32, 3));
+    EXPECT_THAT(checkWater(folder.path()), Says(Mark::hint, "is 64 x 32: not square"));
+    putJpeg(gradient(16384, 8, 3));
+    EXPECT_THAT(checkWater(folder.path()), SaysAlso(Mark::hint, "too large"));
+}
+
+TEST_F(CheckPictureTest, ADamagedJpegIsNamedWithTheLibrarysWords)
+{
+    const std::string whole = folder.read("data/underwater.jpg");
+    folder.write("data/underwater.jpg", whole.substr(0, whole.size() / 2));
+    testing::internal::CaptureStderr();
+    EXPECT_THAT(checkWater(folder.path()), Says(Mark::wrong, "is damaged (Premature end of JPEG"));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "") << "it is told once";
+    folder.write("data/underwater.jpg", whole.substr(0, 30));
+    EXPECT_THAT(checkWater(folder.path()), Says(Mark::wrong, "cannot be decoded ("));
+    folder.write("data/underwater.jpg", "");
+    EXPECT_THAT(checkWater(folder.path()),
+                Says(Mark::wrong, "cannot be decoded (Empty input file)"));
+    folder.write("data/underwater.jpg", "not a picture");
+    EXPECT_THAT(checkWater(folder.path()), Says(Mark::wrong, "Not a JPEG file"));
+}
+
+TEST_F(CheckPictureTest, PngKindsThatTheSceneDoesNotTakeLeaveSquares)
+{
+    putPng("data/fish0.png", PNG_COLOR_TYPE_PALETTE, 8, 64);
+    EXPECT_THAT(checkFish(folder.path()), Says(Mark::wrong, "has a palette (Unsupported color"));
+    putPng("data/fish0.png", PNG_COLOR_TYPE_PALETTE, 2, 16);
+    EXPECT_THAT(checkFish(folder.path()), Says(Mark::wrong, "has a palette"));
+    putPng("data/bubble.png", PNG_COLOR_TYPE_GRAY_ALPHA, 8, 128);
+    EXPECT_THAT(checkBubble(folder.path()), Says(Mark::wrong, "is grey with alpha"));
+}
+
+TEST_F(CheckPictureTest, PngKindsOfOtherThanFourComponentsAreGarbled)
+{
+    putPng("data/fish0.png", PNG_COLOR_TYPE_GRAY, 8, 64);
+    EXPECT_THAT(checkFish(folder.path()),
+                Says(Mark::wrong, "is grey: the scene takes it for RGBA"));
+    putPng("data/fish0.png", PNG_COLOR_TYPE_RGB, 8, 192);
+    EXPECT_THAT(checkFish(folder.path()), Says(Mark::wrong, "has no alpha channel"));
+}
+
+TEST_F(CheckPictureTest, ADamagedPngIsNamedWithTheLibrarysWords)
+{
+    const std::string whole = folder.read("data/fish0.png");
+    for (const std::string& bytes : {std::string(), std::string("not a picture"),
+                                     whole.substr(0, 30), whole.substr(0, whole.size() / 2)}) {
+        folder.write("data/fish0.png", bytes);
+        EXPECT_THAT(checkFish(folder.path()), Says(Mark::wrong, "cannot be decoded (libpng error"));
+    }
+}
+
+TEST_F(CheckPictureTest, HintsAtSixteenBits)
+{
+    const Picture picture = disc(64, 24);
+    Bytes wide;
+    for (const unsigned char byte : picture.bytes) {
+        wide.push_back(byte);
+        wide.push_back(byte);
+    }
+    const TempPath path(".png");
+    writePng(path, 64, 64, PNG_COLOR_TYPE_RGB_ALPHA, 16, wide);
+    put("data/bubble.png", path.read());
+    EXPECT_THAT(checkBubble(folder.path()), Says(Mark::hint, "16 bits"));
+}
+
+TEST_F(CheckPictureTest, ASpriteNeedsATransparentEdge)
+{
+    putPng("data/bubble.png", disc(64, 30));
+    EXPECT_THAT(checkBubble(folder.path()), IsFine()) << "exactly 2 pixels are left";
+    putPng("data/bubble.png", disc(64, 31));
+    EXPECT_THAT(checkBubble(folder.path()), Says(Mark::hint, "only 1 transparent pixel"));
+    putPng("data/bubble.png", disc(64, 32));
+    EXPECT_THAT(checkBubble(folder.path()), Says(Mark::wrong, "reaches its edge"));
+    putPng("data/bubble.png", disc(64, 60));
+    EXPECT_THAT(checkBubble(folder.path()), Says(Mark::wrong, "reaches its edge"));
+}
+
+TEST_F(CheckPictureTest, DarkTransparentPixelsMakeADarkFringe)
+{
+    putPng("data/fish0.png", disc(64, 24, 0));
+    EXPECT_THAT(checkFish(folder.path()), Says(Mark::wrong, "dark fringe"));
+    putPng("data/fish0.png", disc(64, 24, 120));
+    EXPECT_THAT(checkFish(folder.path()), IsFine()) << "half as bright is not seen";
+}
+
+TEST_F(CheckPictureTest, ASpriteHasSomethingToSee)
+{
+    putPng("data/fish0.png", disc(64, 0));
+    EXPECT_THAT(checkFish(folder.path()), Says(Mark::wrong, "nothing to see"));
+}
+
+TEST_F(CheckPictureTest, HintsAtAFishThatSeemsToSwimBackwards)
+{
+    Picture fish = disc(64, 24);
+    // The upper half of the disc but for a stem.
+    for (std::size_t y = 0; y < 32; ++y) {
+        for (std::size_t x = 0; x < 64; ++x) {
+            if (x < 28 || x > 35) {
+                fish.bytes[(y * 64 + x) * 4 + 3] = 0;
+            }
+        }
+    }
+    putPng("data/fish0.png", fish);
+    EXPECT_THAT(checkFish(folder.path()), Says(Mark::hint, "swims backwards"));
+    fish.bytes = fish.bottomUp();
+    putPng("data/fish0.png", fish);
+    EXPECT_THAT(checkFish(folder.path()), IsFine());
+    fish.bytes = fish.bottomUp();
+    putPng("data/bubble.png", fish);
+    EXPECT_THAT(checkBubble(folder.path()), IsFine()) << "bubbles have no head";
+}
+
+TEST_F(CheckPictureTest, TakesSpritesOfASinglePixel)
+{
+    putPng("data/fish0.png", disc(1, 1));
+    EXPECT_THAT(checkFish(folder.path()), SaysAlso(Mark::wrong, "reaches its edge"));
+    putPng("data/fish0.png", disc(2, 2));
+    EXPECT_THAT(checkFish(folder.path()), SaysAlso(Mark::wrong, "reaches its edge"));
+}
+
+} // namespace
