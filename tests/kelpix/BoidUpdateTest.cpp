@@ -235,11 +235,15 @@ TEST_F(BoidUpdateTest, TheCellAfterItsOwnIsSeenOnlyFromTheUpperHalf)
 TEST_F(BoidUpdateTest, NoMoreThanTheCellBeforeItsOwnIsSeen)
 {
     Boid* const boid = add(BOID_FISH, 1, {0.5625f, 0.5625f, 0});
-    Boid* const twoBefore = add(BOID_FISH, 2, {0.375f, 0.375f, 0});
-    twoBefore->doupdate();
     boid->searchRadius = 1;
-    EXPECT_FALSE(sees(boid, twoBefore));
-    Boid* const oneBefore = add(BOID_FISH, 3, {0.4375f, 0.4375f, 0});
+    Boid* const twoLeft = add(BOID_FISH, 2, {0.375f, 0.5625f, 0});
+    twoLeft->doupdate();
+    EXPECT_FALSE(sees(boid, twoLeft));
+    Boid* const twoDown = add(BOID_FISH, 3, {0.5625f, 0.375f, 0});
+    twoDown->doupdate();
+    place(boid, 0.5625f, 0.5625f);
+    EXPECT_FALSE(sees(boid, twoDown));
+    Boid* const oneBefore = add(BOID_FISH, 4, {0.4375f, 0.4375f, 0});
     oneBefore->doupdate();
     place(boid, 0.5625f, 0.5625f);
     EXPECT_TRUE(sees(boid, oneBefore));
