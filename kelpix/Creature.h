@@ -14,7 +14,8 @@ public:
     Vec3 pos; ///< the translation before the last update's move: where the lines start from
     Vec3 vel; ///< the last update's move; z, a tenth of the centre's z, is not applied
     std::vector<Node*>* sensorList = nullptr; ///< borrows; Sensors, set by the creator
-    int model = 0;                            ///< the OBJ model's index; 0 until initialised
+    int model = 0;                            ///< the OBJ model's index; 0 until initialised,
+                                              ///< -1 when memory ran out
     bool initialized = false;
     unsigned cGeometry = 0; ///< display list of the square; 0 until initialised
     Texture* tex;           ///< owns; "data/squid.png"; null draws an untextured square
@@ -31,7 +32,8 @@ public:
 
     /// Draws the square over what is there, then a line to each sensor. Reads the texture's file on
     /// the first call. Needs: current GL context, initialize.
-    /// Changes: colour, blend function, 2-D texture binding (to 0); disables texturing, blending.
+    /// Changes: colour, line width (to 1), blend function, 2-D texture binding (to 0); disables
+    /// texturing, blending.
     void draw() override;
 
     /// Moves by a tenth of the way to the sensors' centre. No sensors, or no list, have no centre:

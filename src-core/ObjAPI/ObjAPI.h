@@ -71,7 +71,9 @@ void obj_set_mtrl_name(int fi, int mi, const char* name);
 /// a path relative to the working directory. Null, or a picture that cannot be read, leaves no
 /// texture. Keeps a copy of \p filename as the map's name, which obj_write_file writes. (Of a model
 /// that was read, the map's name is the name in the material library, without the directory, so
-/// that the library can be written again in its place.)
+/// that the library can be written again in its place.) A picture whose pixels, at 8 bits per
+/// component, take 1 GiB or more cannot be read, nor can a progressive JPEG of more than 100 scans.
+/// What is wrong with a damaged JPEG comes on standard error, in the words of its library.
 /// Needs: current GL context (without one there is no texture). Changes: 2-D texture binding.
 void obj_set_mtrl_map(int fi, int mi, int ki, const char* filename);
 
@@ -182,7 +184,9 @@ void obj_norm_file(int fi);
 /// multitexturing. Every operation below does this first.
 void obj_init_gl();
 
-/// Copies the file's vertices to a new vertex buffer, if it has none and the GL has such buffers.
+/// Copies the file's vertices to a new vertex buffer, if it has none and the GL has such buffers
+/// and the memory. Without one the file is drawn from client memory.
+/// Changes: nothing, the array buffer binding stays as it was.
 void obj_init_file(int fi);
 
 /// Points vertex attribute 6 (tangent) and the arrays of normals, texture coordinates and positions
@@ -198,16 +202,21 @@ void obj_draw_prop(int fi, int mi, int ki);
 
 /// Sets the material's colours, front and back, and binds its maps: Ns to unit 3, Ks to 2, Ka to 1
 /// and Kd to 0, as far as there are units, in this order. The emissive map is never bound. A
-/// shininess beyond GL's range of 0 to 128 becomes the nearest in it.
+/// shininess beyond GL's range of 0 to 128 becomes the nearest in it, NaN becomes 0.
 /// Changes: lighting material, active texture unit, and what obj_draw_prop changes.
 void obj_draw_mtrl(int fi, int mi);
 
 /// Draws the surface's triangles, then its lines, with its material, from the arrays that
 /// obj_draw_vert has set.
+/// Changes: what obj_draw_mtrl changes; the array buffer binding stays as it was. The current
+/// normal, texture coordinate and vertex attribute 6 are undefined after drawing from arrays.
 void obj_draw_surf(int fi, int si);
 
 /// Draws the model: makes the vertex buffer if need be, then draws the surfaces in store order.
-/// Only texture unit 0 has texture coordinates. Restores all GL state.
+/// Only texture unit 0 has texture coordinates.
+/// Restores all GL state but this: the current normal, texture coordinate and vertex attribute 6
+/// are undefined after drawing from arrays, and the textures of maps keep the wrapping set for
+/// them.
 void obj_draw_file(int fi);
 
 /// Draws, for each vertex, lines of length \p k along the tangent (red), the tangent turned by 90

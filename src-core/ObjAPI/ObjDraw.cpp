@@ -141,7 +141,8 @@ void obj_init_gl()
     glGetIntegerv(GL_MAX_TEXTURE_IMAGE_UNITS_ARB, &GL_max_texture_image_units);
     GL_has_vertex_buffer_object = gl_ext("GL_ARB_vertex_buffer_object") &&
                                   glGenBuffersARB != nullptr && glBindBufferARB != nullptr &&
-                                  glBufferDataARB != nullptr;
+                                  glBufferDataARB != nullptr && glDeleteBuffersARB != nullptr &&
+                                  glGetBufferParameterivARB != nullptr;
     GL_has_multitexture = gl_ext("GL_ARB_multitexture") && glActiveTextureARB != nullptr;
     // Without a context the GL answers nothing, and before glewInit there are no entry points: both
     // may come later, so the question stays open.
@@ -155,13 +156,19 @@ void obj_init_file(int fi)
     if (f.vbo != 0 || !GL_has_vertex_buffer_object) {
         return;
     }
+    const GLsizeiptrARB wanted = static_cast<GLsizeiptrARB>(sizeof(obj_vert)) * f.vc;
+    GLint size = -1;
     GLint bound = 0;
     glGetIntegerv(GL_ARRAY_BUFFER_BINDING_ARB, &bound);
     glGenBuffersARB(1, &f.vbo);
     glBindBufferARB(GL_ARRAY_BUFFER_ARB, f.vbo);
-    glBufferDataARB(GL_ARRAY_BUFFER_ARB, static_cast<GLsizeiptrARB>(sizeof(obj_vert)) * f.vc, f.vv,
-                    GL_STATIC_DRAW_ARB);
+    glBufferDataARB(GL_ARRAY_BUFFER_ARB, wanted, f.vv, GL_STATIC_DRAW_ARB);
+    glGetBufferParameterivARB(GL_ARRAY_BUFFER_ARB, GL_BUFFER_SIZE_ARB, &size);
     glBindBufferARB(GL_ARRAY_BUFFER_ARB, static_cast<GLuint>(bound));
+    if (size != wanted) { // out of memory: the buffer would be drawn from beyond its end
+        glDeleteBuffersARB(1, &f.vbo);
+        f.vbo = 0;
+    }
 }
 
 void obj_draw_vert(int fi)
@@ -225,8 +232,9 @@ void obj_draw_mtrl(int fi, int mi)
     glMaterialfv(GL_FRONT_AND_BACK, GL_AMBIENT, m.kv[1].c);
     glMaterialfv(GL_FRONT_AND_BACK, GL_EMISSION, m.kv[2].c);
     glMaterialfv(GL_FRONT_AND_BACK, GL_SPECULAR, m.kv[3].c);
-    // Material libraries go up to 1000.
-    glMaterialf(GL_FRONT_AND_BACK, GL_SHININESS, std::clamp(m.kv[4].c[0], 0.0f, 128.0f));
+    // Material libraries go up to 1000, and may hold NaN, which GL would take without an error.
+    const float shininess = m.kv[4].c[0];
+    glMaterialf(GL_FRONT_AND_BACK, GL_SHININESS, shininess > 0 ? std::min(shininess, 128.0f) : 0);
 }
 
 void obj_draw_surf(int fi, int si)

@@ -82,7 +82,11 @@ bool read_png(std::FILE* file, Picture& picture)
         return false;
     }
     png_infop info = png_create_info_struct(png);
-    if (info == nullptr || setjmp(png_jmpbuf(png)) != 0) {
+    if (info == nullptr) {
+        png_destroy_read_struct(&png, nullptr, nullptr);
+        return false;
+    }
+    if (setjmp(png_jmpbuf(png)) != 0) {
         png_destroy_read_struct(&png, &info, nullptr);
         return false;
     }
@@ -113,13 +117,16 @@ struct JpegErrors {
     std::jmp_buf failed;
 };
 
-[[noreturn]] void jpeg_failed(j_common_ptr jpeg)
+[[noreturn]] void give_up(j_common_ptr jpeg)
 {
     std::longjmp(reinterpret_cast<JpegErrors*>(jpeg->err)->failed, 1);
 }
 
-void jpeg_warned(j_common_ptr, int)
+/// Says what the library's own handler says, but does not end the process as that does.
+[[noreturn]] void jpeg_failed(j_common_ptr jpeg)
 {
+    jpeg->err->output_message(jpeg);
+    give_up(jpeg);
 }
 
 /// A progressive picture may come in any number of scans, each of which takes the time of the whole
@@ -128,7 +135,7 @@ void jpeg_progress(j_common_ptr jpeg)
 {
     constexpr int MOST_SCANS = 100;
     if (reinterpret_cast<j_decompress_ptr>(jpeg)->input_scan_number > MOST_SCANS) {
-        jpeg_failed(jpeg);
+        give_up(jpeg);
     }
 }
 
@@ -139,7 +146,6 @@ bool read_jpeg(std::FILE* file, Picture& picture)
     jpeg_decompress_struct jpeg = {};
     jpeg.err = jpeg_std_error(&errors.base);
     errors.base.error_exit = jpeg_failed;
-    errors.base.emit_message = jpeg_warned;
     if (setjmp(errors.failed) != 0) {
         jpeg_destroy_decompress(&jpeg);
         return false;

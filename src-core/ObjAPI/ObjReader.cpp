@@ -3,10 +3,11 @@
 #include "ObjText.h"
 
 #include <algorithm>
+#include <map>
 #include <new>
 #include <string>
 #include <string_view>
-#include <unordered_map>
+#include <sys/stat.h>
 #include <utility>
 #include <vector>
 
@@ -300,7 +301,9 @@ std::string join(const std::string& directory, std::string_view name)
     return directory + '/' + std::string(name);
 }
 
-/// The model's directory and the libraries in it that were used so far. Each is read once.
+/// The model's directory and the libraries in it that were used so far. Each is read once, however
+/// many names a model has for it ("m.mtl", "./m.mtl", a link): the time and memory that a model
+/// takes stay in proportion to the files there are.
 class Libraries {
 public:
     explicit Libraries(std::string directory) : directory_(std::move(directory)) {}
@@ -309,16 +312,22 @@ public:
 
     const Library& get(const std::string& name)
     {
-        const auto known = libraries_.find(name);
-        if (known != libraries_.end()) {
-            return known->second;
+        const std::string path = join(directory_, name);
+        struct stat about = {};
+        if (stat(path.c_str(), &about) != 0) {
+            return none_;
         }
-        return libraries_.emplace(name, read_library(join(directory_, name))).first->second;
+        const auto [place, is_new] = libraries_.try_emplace({about.st_dev, about.st_ino});
+        if (is_new) {
+            place->second = read_library(path);
+        }
+        return place->second;
     }
 
 private:
     std::string directory_;
-    std::unordered_map<std::string, Library> libraries_;
+    std::map<std::pair<dev_t, ino_t>, Library> libraries_; ///< by their files
+    const Library none_;                                   ///< of a file that is not there
 };
 
 /// Gives a new material the name and properties of one in the library; if it is not there, the

@@ -428,8 +428,9 @@ void obj_del_mtrl(int fi, int mi)
 
 void obj_del_vert(int fi, int vi)
 {
+    vert(fi, vi); // checks the indices
     obj_file* f = file(fi);
-    erase(f->vv, f->vc, static_cast<int>(vert(fi, vi) - f->vv));
+    erase(f->vv, f->vc, vi);
     for (int si = 0; si < f->sc; ++si) {
         drop_vertex(f->sv[si].pv, f->sv[si].pc, vi);
         drop_vertex(f->sv[si].lv, f->sv[si].lc, vi);

@@ -6,6 +6,8 @@
 #include <cstring>
 #include <functional>
 #include <gmock/gmock.h>
+#include <limits>
+#include <utility>
 
 namespace {
 
@@ -196,6 +198,33 @@ TEST_F(ObjDrawTest, WithoutBuffersTheyAreDrawnFromClientMemory)
     EXPECT_EQ(obj::file(fi)->vbo, 0U);
 }
 
+GLuint buffer_without_memory = 0;
+
+/// A GL that has no memory for the buffer that is bound.
+void GLAPIENTRY upload_without_memory(GLenum target, GLsizeiptrARB, const void*, GLenum)
+{
+    ASSERT_EQ(target, static_cast<GLenum>(GL_ARRAY_BUFFER_ARB));
+    GLint bound = 0;
+    glGetIntegerv(GL_ARRAY_BUFFER_BINDING_ARB, &bound);
+    buffer_without_memory = static_cast<GLuint>(bound);
+}
+
+TEST_F(ObjDrawTest, WithoutMemoryForABufferTheyAreDrawnFromClientMemory)
+{
+    const int fi = square();
+    const auto upload = std::exchange(glBufferDataARB, upload_without_memory);
+    const auto primitives = drawn(fi);
+    glBufferDataARB = upload;
+    EXPECT_EQ(print(primitives), SQUARE);
+    EXPECT_EQ(obj::file(fi)->vbo, 0U);
+    EXPECT_NE(buffer_without_memory, 0U);
+    EXPECT_FALSE(glIsBufferARB(buffer_without_memory));
+    EXPECT_EQ(getInteger(GL_ARRAY_BUFFER_BINDING_ARB), 0);
+    // With memory there is a buffer again.
+    EXPECT_EQ(print(drawn(fi)), SQUARE);
+    EXPECT_NE(obj::file(fi)->vbo, 0U);
+}
+
 TEST_F(ObjDrawTest, AChangedVertexThrowsTheBufferAway)
 {
     const int fi = square();
@@ -374,6 +403,16 @@ TEST_F(ObjDrawTest, AShininessOutOfRangeBecomesTheNearestInIt)
         obj_draw_mtrl(fi, 0);
         EXPECT_EQ(material(GL_SHININESS)[0], expected);
     }
+}
+
+TEST_F(ObjDrawTest, AShininessThatIsNoNumberIsNone)
+{
+    const int fi = square();
+    const float c[4] = {std::numeric_limits<float>::quiet_NaN(), 0, 0, 0};
+    obj_set_mtrl_c(fi, 0, 4, c);
+    glMaterialf(GL_FRONT_AND_BACK, GL_SHININESS, 5);
+    obj_draw_mtrl(fi, 0);
+    EXPECT_EQ(material(GL_SHININESS)[0], 0);
 }
 
 TEST_F(ObjDrawTest, ASurfaceWithoutAMaterialIsDrawnWithTheStateAsItIs)

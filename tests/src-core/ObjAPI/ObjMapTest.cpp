@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 #include <jpeglib.h>
 #include <png.h>
+#include <sys/stat.h>
 
 namespace {
 
@@ -283,17 +284,29 @@ TEST_F(ObjMapTest, DamagedPicturesGiveNoTexture)
     EXPECT_EQ(texture(path("folder.png")), 0U);
 }
 
-TEST_F(ObjMapTest, DamagedPicturesSayNothing)
+TEST_F(ObjMapTest, APipeIsNoPictureAndIsNotWaitedFor)
+{
+    for (const char* name : {"pipe.png", "pipe.jpg"}) {
+        ASSERT_EQ(mkfifo(path(name).c_str(), 0600), 0);
+        EXPECT_EQ(texture(path(name)), 0U) << name;
+    }
+}
+
+TEST_F(ObjMapTest, ADamagedJpegIsReportedInTheWordsOfItsLibrary)
 {
     write_jpeg("a.jpg", 64, 64, 3, Bytes(64 * 64 * 3, 5));
     const std::string whole = read("a.jpg");
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
-    texture(write("text.jpg", "not a picture\n"));
+    const GLuint text = texture(write("text.jpg", "not a picture\n"));
+    const GLuint cut = texture(write("cut.jpg", whole.substr(0, whole.size() - 20)));
+    texture(write_jpeg("127.jpg", 16, 16, 1, Bytes(256, 5), 2)); // too many scans are no damage
     texture(write("text.png", "not a picture\n"));
-    texture(write("cut.jpg", whole.substr(0, whole.size() - 20)));
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "Not a JPEG file: starts with 0x6e 0x6f\n"
+                                                      "Premature end of JPEG file\n");
+    EXPECT_EQ(text, 0U);
+    EXPECT_NE(cut, 0U); // what is missing is grey
 }
 
 TEST_F(ObjMapTest, APictureThatIsTooLargeGivesNoTexture)
@@ -372,6 +385,7 @@ TEST_F(ObjMapTest, AModelsPicturesLieInItsDirectory)
 {
     std::filesystem::create_directory(path("deep"));
     write_png("deep/tex.png", {.width = 1, .height = 1, .rows = {9, 8, 7}});
+    std::filesystem::copy_file(path("deep/tex.png"), path("deep/tex.tga")); // the name decides
     write("deep/m.mtl", "newmtl a\nmap_Kd -s 2 2 1 tex.png\nmap_Ka tex.tga\nmap_Ks gone.png\n");
     write("deep/m.obj", "mtllib m.mtl\nv 0 0 0\nusemtl a\nf 1 1 1\nusemtl a\nf 1 1 1\n");
     const int fi = obj_add_file(path("deep/m.obj").c_str());
