@@ -18,7 +18,8 @@ if(KELPIX_WERROR)
 endif()
 if(KELPIX_SANITIZE)
     target_compile_options(kelpix_options INTERFACE
-        -O1 -fsanitize=address,undefined -fno-sanitize-recover=undefined -fsized-deallocation)
+        $<$<NOT:$<BOOL:$<TARGET_PROPERTY:KELPIX_IS_TEST>>>:-O1>
+        -fsanitize=address,undefined -fno-sanitize-recover=undefined -fsized-deallocation)
     target_link_options(kelpix_options INTERFACE -fsanitize=address,undefined)
 endif()
 

@@ -1,0 +1,1 @@
+// The precompiled headers need a target, and a target needs a source.
