@@ -62,8 +62,8 @@ class ObjViewer(unittest.TestCase):
         path.write_text(text)
         return path
 
-    def assert_shows_a_red_box(self, program):
-        picture = program.await_picture(lambda p: p.places(is_red) and p.places(is_text), "a model")
+    def check_red_box(self, picture):
+        self.assertTrue(picture.places(is_text))
         self.assertTrue(is_red(*picture.at(370, 370)))
         # A box of radius 0.4 at a distance of 1 reaches over less than 300 pixels, however turned.
         reach = [abs(value - 370) for place in picture.places(is_red) for value in place]
@@ -74,11 +74,10 @@ class ObjViewer(unittest.TestCase):
             self.assertEqual(picture.at(x, y), BACKGROUND)
         for x, y in picture.places(is_text):
             self.assertTrue(x < 300 and y > 640, (x, y))
-        return picture
 
     def test_shows_turns_and_writes_a_model(self):
         with Program(PROGRAM, self.model("box.obj", box(True))) as program:
-            first = self.assert_shows_a_red_box(program)
+            first = program.await_look(self.check_red_box)
             program.await_picture(lambda p: p.places(is_red) != first.places(is_red), "a turn")
             self.assertFalse(program.picture().places(is_blue, step=1))
             program.press("a")
@@ -112,12 +111,12 @@ class ObjViewer(unittest.TestCase):
                           "Ns": ["32.00000000"], "d": ["1.00000000"]})
 
         with Program(PROGRAM, self.folder / "box-copy.obj") as program:
-            self.assert_shows_a_red_box(program)
+            program.await_look(self.check_red_box)
             program.quit()
 
     def test_lights_a_model_without_normals(self):
         with Program(PROGRAM, self.model("bare.obj", box(False))) as program:
-            picture = self.assert_shows_a_red_box(program)
+            picture = program.await_look(self.check_red_box)
             self.assertTrue(picture.places(lambda r, g, b: is_red(r, g, b) and r > 150))
             program.quit()
 

@@ -81,6 +81,20 @@ class Program:
             return picture if condition(picture) else None
         return self.await_value(ask, what)
 
+    def await_look(self, check):
+        """The first picture on which check(picture) does not fail. A picture that is taken while a
+        frame is on its way to the screen holds only part of it, so one failure proves nothing."""
+        end = time.monotonic() + PATIENCE
+        while True:
+            picture = self.picture()
+            try:
+                check(picture)
+                return picture
+            except AssertionError:
+                if time.monotonic() > end or self.process.poll() is not None:
+                    raise
+            time.sleep(0.05)
+
     def press(self, *keys):
         subprocess.run(["xdotool", "windowfocus", "--sync", self.window, "key", *keys], check=True)
 

@@ -37,11 +37,14 @@ class Shader(unittest.TestCase):
         for x, y in ((10, 10), (729, 10), (10, 729), (729, 729)):
             self.assertEqual(picture.at(x, y), BACKGROUND)
 
+    def check_waves(self, picture):
+        self.assertTrue(picture.places(is_crest))
+        self.assertTrue(picture.places(is_trough))
+        self.assert_is_sphere(picture, lambda *colour: colour != BACKGROUND)
+
     def test_draws_with_its_own_shaders(self):
         with Program(PROGRAM) as program:
-            picture = program.await_picture(lambda p: p.places(is_crest), "a crest")
-            self.assertTrue(picture.places(is_trough))
-            self.assert_is_sphere(picture, lambda *colour: colour != BACKGROUND)
+            picture = program.await_look(self.check_waves)
             crests = picture.places(is_crest)
             program.await_picture(lambda p: p.places(is_crest) != crests, "a wave that moves")
             output, errors = program.quit()
@@ -55,22 +58,20 @@ class Shader(unittest.TestCase):
             fragment = pathlib.Path(folder, "changing.frag")
             fragment.write_text(BROKEN)
             with Program(PROGRAM, SHADERS / "anemone.vert", fragment) as program:
-                picture = program.await_picture(lambda p: p.places(is_plain), "a plain sphere")
-                self.assert_is_sphere(picture, is_plain)
+                program.await_look(lambda picture: self.assert_is_sphere(picture, is_plain))
                 errors = program.printed(program.errors)
                 self.assertTrue(errors.startswith(f"{fragment}:\n"), errors)
                 self.assertIn("nothing", errors)
 
                 fragment.write_text(GREEN)
                 program.press("space")
-                picture = program.await_picture(lambda p: p.places(is_green), "a green one")
-                self.assert_is_sphere(picture, is_green)
+                program.await_look(lambda picture: self.assert_is_sphere(picture, is_green))
 
                 fragment.write_text(BROKEN)
                 program.click(370, 370)
                 program.await_value(lambda: program.printed(program.errors) == 2 * errors,
                                     "a second report")
-                self.assert_is_sphere(program.picture(), is_green)
+                program.await_look(lambda picture: self.assert_is_sphere(picture, is_green))
 
                 fragment.unlink()
                 program.press("space")
