@@ -16,23 +16,33 @@ count() {
     convert "$picture" -resize 25% -fx "$1" -format '%[fx:round(mean*w*h)]' info:
 }
 
+# Ends this script unless the scene still runs and there is time left.
+check_scene() {
+    if ! kill -0 "$scene" 2>/dev/null; then
+        status=0
+        wait "$scene" || status=$?
+        echo "The scene ended, with status $status, before there was a picture." >&2
+        exit 1
+    fi
+    if [ $(($(date +%s) - started)) -gt "$seconds" ]; then
+        echo "After $seconds s there is no window with fish and figures: see $picture" >&2
+        exit 1
+    fi
+}
+
+started=$(date +%s)
 until window=$(xdotool search --onlyvisible --name '^kelpix \(' 2>/dev/null); do
-    kill -0 "$scene" 2>/dev/null || { wait "$scene"; exit; }
+    check_scene
     sleep 0.2
 done
 
-started=$(date +%s)
 while :; do
     sleep 1
-    kill -0 "$scene" 2>/dev/null || { wait "$scene"; exit; }
+    check_scene
     import -window "$window" "$picture"
     fish=$(count 'u.r > u.g + 0.08 && u.r > u.b + 0.1')
     figures=$(count 'u.b > u.g + 0.1 && u.b > u.r + 0.1 && u.r > 0.25')
     [ "$fish" -gt 60 ] && [ "$figures" -gt 60 ] && break
-    if [ $(($(date +%s) - started)) -gt "$seconds" ]; then
-        echo "After $seconds s there are no fish and figures in the window: see $picture" >&2
-        exit 1
-    fi
 done
 
 xdotool windowfocus --sync "$window" key q

@@ -140,8 +140,8 @@ void Boid::doupdate()
             }
         }
     }
-    std::vector<Boid*> flockmates = allneighbors;
-    move(&allneighbors, &flockmates);
+    // It swims with the same boids that it avoids.
+    move(&allneighbors, &allneighbors);
 }
 
 void Boid::enterGrid(Bucket* bucket)
