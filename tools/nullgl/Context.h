@@ -70,8 +70,13 @@ struct Context {
 /// What a stack of attributes holds.
 constexpr std::size_t ATTRIBUTES = 16;
 
-/// The one context.
-Context& context();
+/// The one context, made before main runs.
+inline Context theContext;
+
+inline Context& context()
+{
+    return theContext;
+}
 
 /// A command that changes nothing that is kept.
 inline void forget()

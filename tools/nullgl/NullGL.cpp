@@ -5,12 +5,6 @@
 
 namespace nullgl {
 
-Context& context()
-{
-    static Context instance;
-    return instance;
-}
-
 void Context::raise(GLenum what)
 {
     if (error == GL_NO_ERROR) {

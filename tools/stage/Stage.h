@@ -16,6 +16,9 @@ class MoCap;
 /// Time goes in steps of a fortieth of a second, the program's rate of updates and of redraws. The
 /// recording follows the position that the voice would have at its last tick, 90 a second.
 ///
+/// One at a time: random numbers and the count of draws between bubbles are the process's. A new
+/// stage begins both anew.
+///
 /// Plays the media below the working directory, and ends the process as their readers do.
 class Stage {
 public:
