@@ -68,12 +68,13 @@ std::vector<soak::Sample> play(Stage& stage, const soak::Options& options)
     const std::int64_t every = options.every * STEPS_PER_MINUTE;
     std::vector<soak::Sample> samples;
     samples.reserve(static_cast<std::size_t>(steps / every) + 8); // it must not count as growth
+    stage.draw();
     for (std::int64_t step = 1; step <= steps; ++step) {
         stage.update();
         stage.draw();
         // The first second makes textures and lists.
         const bool first = step == Stage::STEPS_PER_SECOND;
-        if (step == Stage::STEPS_PER_SECOND) {
+        if (first) {
             std::printf("    hour   fish  bubbles    lists  textures   slots   heap KiB\n");
         }
         if (first || step % STEPS_PER_MINUTE == 0 || step == steps) {

@@ -48,8 +48,8 @@ public:
     void update();
 
     /// Draws one frame into the current framebuffer, as the window does; the program draws once
-    /// after each update. Needs: current GL context, the same one at each call; the first call sets
-    /// it up.
+    /// before its first update and once after each. Needs: current GL context, the same one at each
+    /// call; the first call sets it up.
     void draw() { window.draw(); }
 
     /// Seconds since the start, at the last update; 0 before the first.
