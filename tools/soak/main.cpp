@@ -97,9 +97,8 @@ bool run(const soak::Options& options, Stage::Voice voice, unsigned seed)
 {
     const auto start = std::chrono::steady_clock::now();
     nullgl::reset();
+    std::printf("\nseed %u, voice %.1f s\n", seed, static_cast<double>(voice.samples) / voice.rate);
     const auto stage = std::make_unique<Stage>(SIZE, SIZE, seed, voice);
-    std::printf("\nseed %u, voice %.1f s\n", seed,
-                voice.rate > 0 ? static_cast<double>(voice.samples) / voice.rate : 0);
     const std::vector<soak::Sample> samples = play(*stage, options);
     const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
     std::printf("played in %.1f s\n", taken.count());
@@ -121,6 +120,9 @@ int main(int argc, char* argv[])
         if (options.help) {
             std::fputs(soak::usage().c_str(), stdout);
             return 0;
+        }
+        if (!std::filesystem::is_directory(options.media)) {
+            throw soak::UsageError("there is no folder \"" + options.media.string() + "\"");
         }
         std::filesystem::current_path(options.media);
         MediaFolder::reportMissingFiles();
