@@ -49,7 +49,7 @@ class Soak(unittest.TestCase):
             hours = [sample[0] for sample in samples]
             self.assertEqual(hours, sorted(hours))
             self.assertAlmostEqual(hours[-1], float(HOURS), places=2)
-            self.assertEqual(samples[0][1], 100)
+            self.assertTrue(90 < samples[0][1] <= 100)
             fish = [sample[1] for sample in samples]
             self.assertEqual(fish, sorted(fish, reverse=True))
             self.assertTrue(all(sample[4] == 131 for sample in samples))
