@@ -48,6 +48,12 @@ Stage::Stage(int width, int height, unsigned seed, Voice voice)
     window.getRender()->setSG(&graph);
 }
 
+Stage::~Stage()
+{
+    // Not by font_data::clean: the context may be gone by now.
+    delete[] font.textures;
+}
+
 void Stage::update()
 {
     const std::int64_t tick = updates * TICKS_PER_SECOND / STEPS_PER_SECOND;

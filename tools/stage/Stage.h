@@ -40,6 +40,9 @@ public:
     /// Builds the scene as the program does after srand(\p seed). Makes no GL call.
     /// \param width,height  of what is drawn, pixels
     Stage(int width, int height, unsigned seed, Voice voice);
+
+    /// The nodes live until the process ends, lists and textures as long as their GL context.
+    ~Stage();
     Stage(const Stage&) = delete;
     Stage& operator=(const Stage&) = delete;
 
