@@ -115,8 +115,7 @@ class Kiosk(unittest.TestCase):
                 check=True, stdout=subprocess.PIPE, text=True).stdout
             width, height, left, right, middle = text.split(" ")
             self.assertEqual((width, height), ("1280", "720"))
-            self.assertEqual(left, right)
-            return left == "srgb(5,26,38)" and middle != left
+            return left == right == "srgb(5,26,38)" and middle != left
 
         self.wait_for(colours, process)
 
