@@ -65,6 +65,12 @@ class Start(unittest.TestCase):
         self.assertEqual(scene.wait(60), -15)
         self.assertEqual(self.printed("err"), "")
 
+    @unittest.skipUnless((KELPIX.parent / "kelpix-record").exists(), "the recorder is not built")
+    def test_the_recorder_finds_the_installed_media(self):
+        subprocess.run([KELPIX.parent / "kelpix-record", "--png", "scene.png"], cwd=self.folder,
+                       check=True, stdout=subprocess.DEVNULL)
+        self.assertTrue((self.folder / "scene.png").exists())
+
     def test_says_that_the_display_cannot_be_opened(self):
         scene = self.start(DISPLAY=":99999", ALSOFT_DRIVERS="null")
         self.assertEqual(scene.wait(60), 1)
