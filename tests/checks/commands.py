@@ -154,6 +154,22 @@ class Commands(unittest.TestCase):
         self.assertRegex(check, r"(?m)^ok +data/fish0\.png")
         self.assertNotRegex(check, r"(?m)^(wrong|stops)")
 
+    def test_messages_are_quoted_as_they_are(self):
+        sources = [*(ROOT / "kelpix").glob("*.cpp"), *(ROOT / "src-core").glob("*.cpp"),
+                   *(ROOT / "src-sound").glob("*.cpp"), ROOT / "packaging/launcher.sh.in",
+                   ROOT / "packaging/kiosk/kelpix-kiosk.service"]
+        code = "".join(path.read_text() for path in sources)
+        code = re.sub(r'"\s*\n\s*"', "", code)  # texts over several lines
+        for page in (ROOT / "README.md", ROOT / "docs/running.md"):
+            quoted = re.findall(r"`(kelpix: [^`]+|[A-Z][A-Za-z_']+ [^`]*?(?:\.\.\.|!|\.))`",
+                                page.read_text())
+            self.assertGreater(len(quoted), 6, page)
+            for message in quoted:
+                # What the launcher says gets its name in front; names and details vary.
+                start = re.split(r"\.\.\.| [A-Z]{3,}| sound/| N$", message.removeprefix("kelpix: "))[0]
+                start = start.split("Can't open display")[0].split("X I/O")[0].strip()
+                self.assertTrue(start and start in code, f"{page.name}: {message}")
+
     def test_links_lead_to_files_that_are_there(self):
         for page in pages():
             prose = re.sub(r"^```.*?^```$", "", page.read_text(), flags=re.M | re.S)
