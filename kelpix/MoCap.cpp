@@ -7,9 +7,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <limits>
 #include <new>
+#include <sys/stat.h>
 
 namespace {
 
@@ -22,9 +22,8 @@ using Word = std::array<char, 4096>;
 /// directory opens and reads as an empty file.
 std::FILE* openFile(const char* path)
 {
-    std::error_code error;
-    const std::filesystem::file_status status = std::filesystem::status(path, error);
-    if (!is_regular_file(status) && !is_directory(status)) {
+    struct stat status = {};
+    if (stat(path, &status) != 0 || !(S_ISREG(status.st_mode) || S_ISDIR(status.st_mode))) {
         return nullptr;
     }
     return std::fopen(path, "r");

@@ -402,7 +402,7 @@ TEST_F(MoCapDeathTest, AnIndexThatRunsOutOfPathsEndsTheProcess)
 
 TEST_F(MoCapDeathTest, ARecordingThatMemoryCannotHoldCannotBeRead)
 {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef KELPIX_SANITIZED
     GTEST_SKIP() << "the sanitizer's own memory counts too";
 #endif
     std::string data;

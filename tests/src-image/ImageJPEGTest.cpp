@@ -481,6 +481,21 @@ TEST(ImageJPEGTest, AFileThatCannotBeWrittenIsReportedOnStandardError)
     EXPECT_EQ(outcome.err, "can't open (null)\n");
 }
 
+TEST(ImageJPEGTest, ADirectoryAndAPipeCannotBeWritten)
+{
+    const TempPath original(".jpg");
+    const TempPath pipe(".jpg");
+    writeJpeg(original, noise(3, 3, 3));
+    ASSERT_EQ(mkfifo(pipe.name(), 0600), 0);
+    ImageJPEG image;
+    readWhole(image, original);
+    for (const std::string& name : {testing::TempDir(), std::string(pipe.name())}) {
+        const Outcome outcome = write(image, name.c_str());
+        EXPECT_EQ(outcome.status, 0);
+        EXPECT_EQ(outcome.err, "can't open " + name + "\n");
+    }
+}
+
 TEST(ImageJPEGTest, AFullDiskFailsTheWrite)
 {
     const TempPath original(".jpg");
