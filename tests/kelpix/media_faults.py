@@ -1,9 +1,9 @@
 """media_faults.py FAULTS.md MEDIA PROGRAM [--few]: goes through the table of faults.
 
 Makes each fault of the table in a copy of the media, starts the program there, and compares how it
-ends and what it prints with the row. Faults that the program survives are made in one start, a fault
-to each file. Sounds that are not at fault are shortened: decoding them is what a start takes longest
-for. --few leaves most of the places out at which a file can be cut.
+ends and what it prints with the row. Faults that the program survives share a start, a fault to each
+file. Sounds that are not at fault are shortened: decoding them is what a start takes longest for.
+--few leaves most of the places out at which a file can be cut.
 
 Needs an X server without a window manager, xdotool, and setpriv when it is run as root.
 """
@@ -90,8 +90,8 @@ class Start:
             self.folder = pathlib.Path(folder)
             for part in ("data", "fonts", "sound"):
                 shutil.copytree(media / part, self.folder / part)
-            # A recording of one record ends the program while the voice plays, and not after it.
-            if not {"empty", "directory"} & {faults.get(file) for file in RECORDINGS}:
+            # What a bad recording does depends on whether the voice still plays.
+            if not set(faults) & set(RECORDINGS):
                 for sound in set(SOUNDS) - set(faults):
                     break_file(self.folder / sound, "cut 1")
             for file, kind in faults.items():
@@ -125,9 +125,11 @@ class Start:
     def press_q(self, process):
         search = ["xdotool", "search", "--sync", "--all", "--pid", str(process.pid), "--name",
                   "^kelpix \\("]
-        window = subprocess.run(search, capture_output=True, text=True).stdout.split()[0]
+        windows = subprocess.run(search, capture_output=True, text=True).stdout.split()
         with keyboard:
-            subprocess.run(["xdotool", "windowfocus", "--sync", window, "key", "q"], check=False)
+            for window in windows:
+                subprocess.run(["xdotool", "windowfocus", "--sync", window, "key", "q"],
+                               capture_output=True)
             process.wait(PATIENCE)
 
     def messages(self, normal):
@@ -200,8 +202,13 @@ def main():
     starts = []
     for kind in kinds:
         survived = {file: kind for file in FILES if rows[file, kind].status is None}
-        starts += [survived] if survived else []
-        starts += [{file: kind} for file in FILES if file not in survived]
+        sounds = {file: kind for file in SOUNDS if file in survived}
+        others = {file: kind for file in survived if file not in sounds}
+        starts += [others] if others else []
+        for file in FILES:
+            if file not in survived:
+                # A start without a font gets as far as the first frame.
+                starts.append({file: kind} | (sounds if file == FONT else {}))
 
     normal = Start(media, program, {})
     assert normal.runs_on and normal.status == 0, normal.lines
