@@ -353,6 +353,11 @@ TEST(ImageJPEGTest, APictureTooLargeForMemoryIsRefused)
     EXPECT_EQ(image.buffer, nullptr);
     EXPECT_EQ(sizeOf(image), 0u);
     EXPECT_STREQ(image.sourceFile, good.name());
+
+    const Bytes aLittleTooLarge = {0x2E, 0xE0, 0x75, 0x30}; // 12000 rows of 30000: memory has 1 GiB
+    std::copy(aLittleTooLarge.begin(), aLittleTooLarge.end(), frame + 5);
+    path.write(file);
+    EXPECT_EQ(read(image, path.name()).err, "30000 x 12000 pixels are too many\n");
 }
 
 TEST(ImageJPEGTest, AFileOfEndlessScansIsRefused)
