@@ -12,7 +12,8 @@ log=$(mktemp -d)
 trap 'rm -rf "$log"' EXIT
 export ALSOFT_DRIVERS=null LIBGL_ALWAYS_SOFTWARE=1
 
-# Death tests are left out: valgrind would follow each of their hundreds of processes.
+# Death tests are left out, since valgrind would follow each of their hundreds of processes, and what
+# repeats the same at length.
 tests="
     src-image/BasicImageTest
     src-image/ImageJPEGTest
