@@ -70,8 +70,8 @@ TEST_F(MediaMemoryTest, ATextureIsLoadedWithItsPictureOrWithout)
                 glDeleteTextures(1, texture->getId());
                 if (image != nullptr) {
                     image->freeBuffer();
-                    static std::vector<BasicImage*> images; // nobody deletes an image
-                    images.push_back(image);
+                    static auto* const images = new std::vector<BasicImage*>;
+                    images->push_back(image); // nobody deletes an image
                 }
             });
     }
