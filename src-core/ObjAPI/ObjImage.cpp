@@ -199,9 +199,9 @@ GLuint make_texture(const Picture& picture)
     glBindTexture(GL_TEXTURE_2D, texture);
 
     glPushClientAttrib(GL_CLIENT_PIXEL_STORE_BIT);
-    for (const GLenum name : {GL_UNPACK_ROW_LENGTH, GL_UNPACK_SKIP_ROWS, GL_UNPACK_SKIP_PIXELS}) {
-        glPixelStorei(name, 0);
-    }
+    glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
+    glPixelStorei(GL_UNPACK_SKIP_ROWS, 0);
+    glPixelStorei(GL_UNPACK_SKIP_PIXELS, 0);
     glPixelStorei(GL_UNPACK_ALIGNMENT, 1); // rows are not padded
     gluBuild2DMipmaps(GL_TEXTURE_2D, static_cast<GLint>(format), picture.width, picture.height,
                       format, GL_UNSIGNED_BYTE, picture.pixels.get());
