@@ -22,6 +22,10 @@ namespace {
 
 constexpr int CHARACTERS = 128;
 
+/// The largest width and height of a glyph, in pixels. Few bytes of a font can ask for glyphs of
+/// any size, and each of the 128 takes memory and time by its area.
+constexpr FT_Pos MAX_PIXELS = 2048;
+
 struct Release {
     void operator()(FT_Library library) const { FT_Done_FreeType(library); }
     void operator()(FT_Face face) const { FT_Done_Face(face); }
@@ -80,9 +84,13 @@ GlyphHandle renderGlyph(FT_Face face, unsigned char character)
     if (FT_Get_Glyph(face->glyph, &glyph) != 0) {
         throw std::runtime_error("FT_Get_Glyph failed");
     }
-    const FT_Error error = FT_Glyph_To_Bitmap(&glyph, FT_RENDER_MODE_NORMAL, nullptr, 1);
+    FT_BBox box;
+    FT_Glyph_Get_CBox(glyph, FT_GLYPH_BBOX_PIXELS, &box);
+    const bool fits = box.xMax - box.xMin <= MAX_PIXELS && box.yMax - box.yMin <= MAX_PIXELS;
+    const bool isRendered =
+        fits && FT_Glyph_To_Bitmap(&glyph, FT_RENDER_MODE_NORMAL, nullptr, 1) == 0;
     GlyphHandle rendered(glyph);
-    if (error != 0) {
+    if (!isRendered) {
         throw std::runtime_error("FT_Glyph_To_Bitmap failed");
     }
     return rendered;

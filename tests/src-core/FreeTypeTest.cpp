@@ -379,6 +379,14 @@ TEST_F(FreeTypeTest, AnInitThatFailsHalfWayCanBeCleanedAndRepeated)
     EXPECT_TRUE(glIsList(font.list_base));
 }
 
+TEST_F(FreeTypeTest, AGlyphOfMoreThan2048PixelsIsNotRendered)
+{
+    // The library would render it.
+    EXPECT_EQ(failure(FONT, 3000), "FT_Glyph_To_Bitmap failed");
+    font.clean();
+    EXPECT_EQ(failure(FONT), "");
+}
+
 TEST_F(FreeTypeTest, ADamagedFontIsTakenOrRefused)
 {
     std::mt19937 random(1);
