@@ -1,0 +1,37 @@
+/// The input is the height of a font, one byte, and the font file, of any kind that FreeType reads.
+
+#include "FreeType.h"
+#include "Harness.h"
+
+#include <stdexcept>
+
+namespace {
+
+bool isDocumented(std::string_view failure)
+{
+    return failure == "FT_Init_FreeType failed" || failure == "FT_Load_Glyph failed" ||
+           failure == "FT_Get_Glyph failed" || failure == "FT_Glyph_To_Bitmap failed" ||
+           failure == "FT_Bitmap_Convert failed" ||
+           failure == "FT_New_Face failed (there is probably a problem with your font file)";
+}
+
+/// The textures are released, whatever happens.
+struct Font : freetype::font_data {
+    ~Font() { clean(); }
+};
+
+} // namespace
+
+void fuzz::test(std::string_view input)
+{
+    const unsigned height = fuzz::Numbers(input.substr(0, 1)).take<unsigned char>();
+    const std::string path = place("font", input.substr(std::min<std::size_t>(input.size(), 1)));
+    Font font;
+    try {
+        call([&] { font.init(path.c_str(), height); });
+        freetype::print(1, font, 1, 2, "%s\n%d", "text", 12);
+        freetype::print(0, font, 1, 2, nullptr);
+    } catch (const std::runtime_error& failure) {
+        expect(isDocumented(failure.what()), "the failure is a documented one");
+    }
+}
