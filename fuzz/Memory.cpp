@@ -22,23 +22,15 @@ bool counting = false;
 unsigned left = 0;  ///< allocations that go well before one fails
 bool failed = false;
 
-bool fails()
-{
-    if (!planned || !counting || failed) {
-        return false;
-    }
-    failed = left == 0;
-    --left;
-    return failed;
-}
-
 } // namespace
+
+using fuzz::memory::runsOut;
 
 extern "C" {
 
 void* __wrap__Znwm(std::size_t size)
 {
-    if (fails()) {
+    if (runsOut()) {
         throw std::bad_alloc();
     }
     return __real__Znwm(size);
@@ -46,7 +38,7 @@ void* __wrap__Znwm(std::size_t size)
 
 void* __wrap__Znam(std::size_t size)
 {
-    if (fails()) {
+    if (runsOut()) {
         throw std::bad_alloc();
     }
     return __real__Znam(size);
@@ -54,22 +46,22 @@ void* __wrap__Znam(std::size_t size)
 
 void* __wrap__ZnwmRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag)
 {
-    return fails() ? nullptr : __real__ZnwmRKSt9nothrow_t(size, tag);
+    return runsOut() ? nullptr : __real__ZnwmRKSt9nothrow_t(size, tag);
 }
 
 void* __wrap__ZnamRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag)
 {
-    return fails() ? nullptr : __real__ZnamRKSt9nothrow_t(size, tag);
+    return runsOut() ? nullptr : __real__ZnamRKSt9nothrow_t(size, tag);
 }
 
 void* __wrap_realloc(void* memory, std::size_t size)
 {
-    return fails() ? nullptr : __real_realloc(memory, size);
+    return runsOut() ? nullptr : __real_realloc(memory, size);
 }
 
 char* __wrap_strdup(const char* text)
 {
-    return fails() ? nullptr : __real_strdup(text);
+    return runsOut() ? nullptr : __real_strdup(text);
 }
 
 } // extern "C"
@@ -102,6 +94,16 @@ void enter()
 void leave()
 {
     counting = false;
+}
+
+bool runsOut()
+{
+    if (!planned || !counting || failed) {
+        return false;
+    }
+    failed = left == 0;
+    --left;
+    return failed;
 }
 
 } // namespace fuzz::memory

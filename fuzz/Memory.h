@@ -16,4 +16,8 @@ bool isScarce();
 void enter();
 void leave();
 
+/// One more allocation: for what a target puts in the place of a library's function.
+/// \return whether it fails
+bool runsOut();
+
 } // namespace fuzz::memory

@@ -4,6 +4,24 @@
 #include "Harness.h"
 #include "ObjAPI.h"
 
+#include <png.h>
+
+extern "C" {
+png_structp __real_png_create_read_struct(const char* version, void* data, png_error_ptr error,
+                                          png_error_ptr warning);
+png_structp __wrap_png_create_read_struct(const char* version, void* data, png_error_ptr error,
+                                          png_error_ptr warning)
+{
+    return fuzz::memory::runsOut() ? nullptr
+                                   : __real_png_create_read_struct(version, data, error, warning);
+}
+png_infop __real_png_create_info_struct(png_const_structrp png);
+png_infop __wrap_png_create_info_struct(png_const_structrp png)
+{
+    return fuzz::memory::runsOut() ? nullptr : __real_png_create_info_struct(png);
+}
+}
+
 namespace {
 
 void checkModel(int fi)
@@ -33,7 +51,7 @@ void fuzz::test(std::string_view input)
 {
     const char* const names[] = {"model.obj", "m.mtl", "a.png", "b.jpg"};
     const std::vector<std::string_view> files = parts(input);
-    for (std::size_t i = 0; i < std::min<std::size_t>(files.size(), 4); ++i) {
+    for (std::size_t i = 0; i < std::min<std::size_t>(files.size(), 4) && !input.empty(); ++i) {
         place(names[i], files[i]);
     }
     const int before = obj_num_file();

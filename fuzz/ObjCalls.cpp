@@ -247,6 +247,7 @@ void writeAndReadBack(int fi)
 {
     const std::string path = fuzz::place("again.obj", "");
     fuzz::place("again.mtl", "");
+    obj_write_file(fi, fuzz::folder().c_str(), fuzz::folder().c_str()); // cannot be opened
     obj_write_file(fi, path.c_str(), (fuzz::folder() + "again.mtl").c_str());
     const int copy = fuzz::call([&] { return obj_add_file(path.c_str()); });
     if (copy >= 0) {

@@ -3,6 +3,16 @@
 #include "Harness.h"
 #include "ImagePNG.h"
 
+#include <png.h>
+
+extern "C" {
+png_infop __real_png_create_info_struct(png_const_structrp png);
+png_infop __wrap_png_create_info_struct(png_const_structrp png)
+{
+    return fuzz::memory::runsOut() ? nullptr : __real_png_create_info_struct(png);
+}
+}
+
 namespace {
 
 /// The name of the file outlives the image, but not here.
@@ -16,6 +26,10 @@ void fuzz::test(std::string_view input)
 {
     const std::string path = place("picture.png", input);
     Image image;
+    expect(image.read(nullptr) == -1, "there is no file without a name");
+    expect(image.read("picture") == -1, "names end in .png");
+    expect(image.read((folder() + "missing.png").c_str()) == -1, "the file has to be there");
+    expect(image.write(path.c_str(), 100) == 0, "PNG files are not written");
     const int result = call([&] { return image.read(path.c_str()); });
     const auto pixels = static_cast<std::size_t>(image.getWidth()) *
                         static_cast<std::size_t>(image.getHeight());

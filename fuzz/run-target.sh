@@ -51,7 +51,7 @@ if [ -f "$profile" ]; then
                 if (line[2] > 0) ++reached
                 else print source ":" line[1] >unreached
             }
-            END { printf "%.1f%%", total > 0 ? 100 * reached / total : 0 }')
+            END { if (total) printf "%.1f%%", 100 * reached / total }')
 fi
 
 # shellcheck disable=SC2086 # four numbers
