@@ -172,8 +172,7 @@ int __wrap_fclose(std::FILE* file)
 int LLVMFuzzerInitialize(int*, char***)
 {
     // What the fuzzer and the sanitizers say goes past these.
-    static NoteBuffer buffer;
-    std::cerr.rdbuf(&buffer);
+    std::cerr.rdbuf(new NoteBuffer); // in use until the very end
     cookie_io_functions_t functions = {};
     functions.write = noteStream;
     stdout = fopencookie(nullptr, "w", functions);

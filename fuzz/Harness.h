@@ -1,7 +1,7 @@
 #pragma once
 
-/// What the targets have in common: the files of an input, and the ways in which code under test may
-/// end the process. A target is one source file that defines fuzz::test.
+/// What the targets have in common: the files of an input, and the ways in which code under test
+/// may end the process. A target is one source file that defines fuzz::test.
 
 #include "Memory.h"
 
@@ -16,8 +16,8 @@
 namespace fuzz {
 
 /// Defined by each target: hands one input to the code under test. What that prints is not shown.
-/// Some inputs come a second time, with memory running out in the code under test, as far as that is
-/// run by call or ends: then std::bad_alloc may leave this function.
+/// Some inputs come a second time, with memory running out in the code under test, as far as that
+/// is run by call or ends: then std::bad_alloc may leave this function.
 void test(std::string_view input);
 
 /// Ends the fuzzing with a finding, told in \p text, unless \p holds.
@@ -75,8 +75,8 @@ struct End {
 };
 
 /// The place to go on when the code under test calls exit or abort. Both are declared to let no
-/// exception through, so the way is a jump, past the destructors of the code under test: it must not
-/// hold memory then.
+/// exception through, so the way is a jump, past the destructors of the code under test: it must
+/// not hold memory then.
 class Escape {
 public:
     Escape();

@@ -20,8 +20,8 @@ void fuzz::test(std::string_view input)
     expect(image.write(path.c_str(), 100) == 0, "there is nothing to write");
     const int result = call([&] { return image.read(path.c_str()); });
     expect(result == 0 || result == 1, "the result is 0 or 1");
-    const auto pixels = static_cast<std::size_t>(image.getWidth()) *
-                        static_cast<std::size_t>(image.getHeight());
+    const auto pixels =
+        static_cast<std::size_t>(image.getWidth()) * static_cast<std::size_t>(image.getHeight());
     if (result == 1) {
         expect(path == image.getSourceFile(), "the name of the file is kept");
     }

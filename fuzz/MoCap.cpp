@@ -1,8 +1,8 @@
 /// The input is the index of a recording (index.txt) and its data files (a, b, c), in this order,
 /// divided by lines "@@@".
 
-#include "Harness.h"
 #include "MoCap.h"
+#include "Harness.h"
 
 #include <filesystem>
 

@@ -209,12 +209,10 @@ void remove(int operation, const Target& t)
         check(surf, [t] { obj_del_surf(t.fi, t.si); });
         break;
     case 4:
-        check(surf && is(t.pi, obj_num_poly(t.fi, t.si)),
-              [t] { obj_del_poly(t.fi, t.si, t.pi); });
+        check(surf && is(t.pi, obj_num_poly(t.fi, t.si)), [t] { obj_del_poly(t.fi, t.si, t.pi); });
         break;
     default:
-        check(surf && is(t.li, obj_num_line(t.fi, t.si)),
-              [t] { obj_del_line(t.fi, t.si, t.li); });
+        check(surf && is(t.li, obj_num_line(t.fi, t.si)), [t] { obj_del_line(t.fi, t.si, t.li); });
         break;
     }
 }
@@ -252,7 +250,8 @@ void writeAndReadBack(int fi)
     const int copy = fuzz::call([&] { return obj_add_file(path.c_str()); });
     if (copy >= 0) {
         const int expected = primitives(fi);
-        fuzz::expect(fuzz::memory::isScarce() || expected < 0 || primitives(copy) == expected, "what is written is read back");
+        fuzz::expect(fuzz::memory::isScarce() || expected < 0 || primitives(copy) == expected,
+                     "what is written is read back");
         obj_del_file(copy);
     }
 }

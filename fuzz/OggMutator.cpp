@@ -12,7 +12,7 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t s
 
 namespace {
 
-constexpr std::size_t HEADER = 27; ///< bytes of a page before its table of segments
+constexpr std::size_t HEADER = 27;   ///< bytes of a page before its table of segments
 constexpr std::size_t SEGMENTS = 26; ///< where the number of segments is
 
 void repair(std::uint8_t* data, std::size_t size)

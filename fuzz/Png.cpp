@@ -31,8 +31,8 @@ void fuzz::test(std::string_view input)
     expect(image.read((folder() + "missing.png").c_str()) == -1, "the file has to be there");
     expect(image.write(path.c_str(), 100) == 0, "PNG files are not written");
     const int result = call([&] { return image.read(path.c_str()); });
-    const auto pixels = static_cast<std::size_t>(image.getWidth()) *
-                        static_cast<std::size_t>(image.getHeight());
+    const auto pixels =
+        static_cast<std::size_t>(image.getWidth()) * static_cast<std::size_t>(image.getHeight());
     const int components = image.getComponents();
     if (result == 1) {
         expect(path == image.getSourceFile(), "the name of the file is kept");

@@ -43,7 +43,8 @@ void compare(const Arguments& a, const unsigned char* picture, const unsigned ch
         for (int i = 0; i < a.w; ++i) {
             const unsigned char* const from = source(a, picture, i, j);
             for (int k = 0; k < a.comp; ++k) {
-                fuzz::expect(*copy++ == (from == nullptr ? 0 : from[k]), "the pixel is the source's");
+                fuzz::expect(*copy++ == (from == nullptr ? 0 : from[k]),
+                             "the pixel is the source's");
             }
         }
     }
@@ -71,8 +72,7 @@ void fuzz::test(std::string_view input)
     std::generate_n(picture.get(), size, [&] { return numbers.take<unsigned char>(); });
     const Pixels copy(new unsigned char[bytes(a.w, a.h, a.comp)]);
 
-    const bool refused =
-        a.scale == 0 || a.x < 0 || a.x >= a.width || a.y < 0 || a.y >= a.height;
+    const bool refused = a.scale == 0 || a.x < 0 || a.x >= a.width || a.y < 0 || a.y >= a.height;
     const int result = BasicImage::getSubImage(picture.get(), a.width, a.height, copy.get(), a.x,
                                                a.y, a.w, a.h, a.comp, a.scale);
     expect(result == (refused ? 0 : 1), "a window that starts outside is refused");

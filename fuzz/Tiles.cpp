@@ -17,8 +17,8 @@ void fuzz::test(std::string_view input)
     const std::string path = place("tiles.txt", input);
     TileConfig config;
     int result = 0;
-    const bool ended =
-        ends({{0, "No information for this node!\n"}}, [&] { result = config.readDisplayCfg(path.c_str()); });
+    const bool ended = ends({{0, "No information for this node!\n"}},
+                            [&] { result = config.readDisplayCfg(path.c_str()); });
     expect(ended || result == -1 || result == 0, "the result is 0 or -1");
     if (!ended && result == 0) {
         expect(std::strcmp(config.getThisNodeCfg()->hostname, "tile") == 0, "this host is found");
