@@ -1,6 +1,7 @@
 #include "ObjStore.h"
 #include "ObjText.h"
 
+#include <algorithm>
 #include <csetjmp>
 #include <cstdio>
 #include <memory>
@@ -133,8 +134,12 @@ struct JpegErrors {
 /// picture; encoders write about ten.
 void jpeg_progress(j_common_ptr jpeg)
 {
-    constexpr int MOST_SCANS = 100;
-    if (reinterpret_cast<j_decompress_ptr>(jpeg)->input_scan_number > MOST_SCANS) {
+    constexpr long MOST_SCANS = 100;
+    constexpr long LEAST_SCANS = 16;
+    constexpr long MOST_SCANNED = 1L << 32; // pixels passed over
+    const auto* picture = reinterpret_cast<j_decompress_ptr>(jpeg);
+    const long pixels = long{picture->image_width} * long{picture->image_height};
+    if (picture->input_scan_number > std::clamp(MOST_SCANNED / pixels, LEAST_SCANS, MOST_SCANS)) {
         give_up(jpeg);
     }
 }
