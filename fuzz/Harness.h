@@ -23,8 +23,8 @@ void test(std::string_view input);
 /// Ends the fuzzing with a finding, told in \p text, unless \p holds.
 void expect(bool holds, const char* text);
 
-/// A sum of the bytes: a finding of AddressSanitizer when they cannot all be read.
-unsigned reach(const unsigned char* bytes, std::size_t count);
+/// Ends the fuzzing with a finding when AddressSanitizer knows that not all the bytes can be read.
+void reach(const unsigned char* bytes, std::size_t count);
 
 // ---- Files --------------------------------------------------------------------------------------
 

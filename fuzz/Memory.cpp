@@ -30,7 +30,7 @@ extern "C" {
 
 void* __wrap__Znwm(std::size_t size)
 {
-    if (runsOut()) {
+    if (runsOut(size)) {
         throw std::bad_alloc();
     }
     return __real__Znwm(size);
@@ -38,7 +38,7 @@ void* __wrap__Znwm(std::size_t size)
 
 void* __wrap__Znam(std::size_t size)
 {
-    if (runsOut()) {
+    if (runsOut(size)) {
         throw std::bad_alloc();
     }
     return __real__Znam(size);
@@ -46,17 +46,17 @@ void* __wrap__Znam(std::size_t size)
 
 void* __wrap__ZnwmRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag)
 {
-    return runsOut() ? nullptr : __real__ZnwmRKSt9nothrow_t(size, tag);
+    return runsOut(size) ? nullptr : __real__ZnwmRKSt9nothrow_t(size, tag);
 }
 
 void* __wrap__ZnamRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag)
 {
-    return runsOut() ? nullptr : __real__ZnamRKSt9nothrow_t(size, tag);
+    return runsOut(size) ? nullptr : __real__ZnamRKSt9nothrow_t(size, tag);
 }
 
 void* __wrap_realloc(void* memory, std::size_t size)
 {
-    return runsOut() ? nullptr : __real_realloc(memory, size);
+    return runsOut(size) ? nullptr : __real_realloc(memory, size);
 }
 
 char* __wrap_strdup(const char* text)
@@ -96,8 +96,11 @@ void leave()
     counting = false;
 }
 
-bool runsOut()
+bool runsOut(std::size_t size)
 {
+    if (counting && size > most) {
+        return true;
+    }
     if (!planned || !counting || failed) {
         return false;
     }
