@@ -258,7 +258,7 @@ const std::string& folder()
 
 std::string place(const std::string& name, std::string_view bytes)
 {
-    const std::string path = folder() + name;
+    std::string path = folder() + name;
     const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
     const ssize_t written = write(file, bytes.data(), bytes.size());
     expect(written == static_cast<ssize_t>(bytes.size()), "the file can be written");

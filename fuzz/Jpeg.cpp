@@ -29,7 +29,7 @@ void fuzz::test(std::string_view input)
         const auto components = static_cast<std::size_t>(image.getComponents());
         reach(image.getPixelBuffer(), pixels * std::max<std::size_t>(components, 3));
         const std::string copy = place("copy.jpg", "");
-        const int quality = static_cast<signed char>(input.back());
+        const int quality = static_cast<unsigned char>(input.back()) - 64;
         const bool written = image.write(copy.c_str(), quality) == 1;
         expect(!written || components == 3, "only RGB is written");
         expect(image.write(folder().c_str(), quality) == 0, "a folder is not written");

@@ -4,6 +4,7 @@
 #include "Harness.h"
 #include "ObjAPI.h"
 
+#include <bit>
 #include <cstdio>
 #include <fstream>
 #include <iterator>
@@ -79,7 +80,10 @@ std::string writtenName(int fi)
 
 bool same(const float* a, const float* b)
 {
-    return std::memcmp(a, b, 3 * sizeof(float)) == 0;
+    // NaN included.
+    return std::equal(a, a + 3, b, [](float x, float y) {
+        return std::bit_cast<unsigned>(x) == std::bit_cast<unsigned>(y);
+    });
 }
 
 } // namespace
