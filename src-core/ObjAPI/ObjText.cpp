@@ -22,6 +22,16 @@ constexpr bool is_digit(char c)
     return c >= '0' && c <= '9';
 }
 
+/// Takes decimal digits and appends them to \p number, which wraps around after 19 of them.
+void take_digits(const char*& text, std::uint64_t& number)
+{
+    const char* p = text;
+    for (unsigned digit; (digit = static_cast<unsigned char>(*p - '0')) <= 9; ++p) {
+        number = 10 * number + digit;
+    }
+    text = p;
+}
+
 /// One "%f", by the library itself.
 bool take_odd_float(const char*& text, float& value)
 {
@@ -34,6 +44,11 @@ bool take_odd_float(const char*& text, float& value)
     return true;
 }
 
+/// The powers of ten that are exact in double.
+constexpr double POWERS[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                             1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                             1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
 /// value = mantissa * 10^exponent, rounded once, for numbers of a usual length.
 /// \param digits  how many digits have gone into the mantissa
 /// \return false, and nothing is written, for others
@@ -44,9 +59,6 @@ bool round_to_float(std::uint64_t mantissa, std::ptrdiff_t digits, std::ptrdiff_
     // product or quotient is rounded once (Clinger, "How to Read Floating Point Numbers
     // Accurately", 1990). To round it again, to single precision, gives another result than to
     // round once only if it lies half-way between two floats.
-    constexpr double POWERS[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                 1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
-                                 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
     constexpr std::ptrdiff_t MOST_DIGITS = 19; // no more fit the mantissa
     if (digits > MOST_DIGITS || mantissa > std::uint64_t{1} << 53 || exponent < -22 ||
         exponent > 22) {
@@ -75,16 +87,12 @@ bool take_float(const char*& text, float& value)
 
     std::uint64_t mantissa = 0;
     const char* const first = p;
-    for (; is_digit(*p); ++p) {
-        mantissa = 10 * mantissa + static_cast<unsigned>(*p - '0');
-    }
+    take_digits(p, mantissa);
     std::ptrdiff_t digits = p - first;
     std::ptrdiff_t exponent = 0;
     if (*p == '.') {
         const char* const fraction = ++p;
-        for (; is_digit(*p); ++p) {
-            mantissa = 10 * mantissa + static_cast<unsigned>(*p - '0');
-        }
+        take_digits(p, mantissa);
         digits += p - fraction;
         exponent = fraction - p;
     }
@@ -208,14 +216,15 @@ bool take_int(const char*& text, int& value)
     }
     const char* const first = p;
     std::uint64_t magnitude = 0;
-    for (; is_digit(*p); ++p) {
-        magnitude = 10 * magnitude + static_cast<unsigned>(*p - '0');
+    take_digits(p, magnitude);
+    constexpr std::ptrdiff_t ALWAYS_FIT = 9; // digits
+    if (p - first > ALWAYS_FIT) {
+        constexpr std::ptrdiff_t MOST_DIGITS = 19; // with more, the sum has wrapped around
+        const std::uint64_t limit = std::uint64_t{INT_MAX} + (negative ? 1 : 0);
+        magnitude = p - first > MOST_DIGITS ? limit : std::min(magnitude, limit);
     }
-    constexpr std::ptrdiff_t MOST_DIGITS = 19; // with more, the sum has wrapped around
-    constexpr std::uint64_t BEYOND = std::uint64_t{INT_MAX} + 1;
-    const auto bound =
-        static_cast<std::int64_t>(p - first > MOST_DIGITS ? BEYOND : std::min(magnitude, BEYOND));
-    value = static_cast<int>(negative ? -bound : std::min<std::int64_t>(bound, INT_MAX));
+    const auto number = static_cast<std::int64_t>(magnitude);
+    value = static_cast<int>(negative ? -number : number);
     text = p;
     return true;
 }

@@ -9,6 +9,7 @@
 /// pointer behind it.
 
 #include <array>
+#include <cstddef>
 #include <cstdio>
 #include <locale.h>
 #include <memory>
@@ -29,6 +30,8 @@ InputFile open_input(const char* path);
 /// longer one is the next line.
 class LineReader {
 public:
+    static constexpr std::size_t LONGEST = 1023; ///< characters in a line
+
     explicit LineReader(const char* path) : file_(open_input(path)) {}
     LineReader(const LineReader&) = delete;
     LineReader& operator=(const LineReader&) = delete;
@@ -40,8 +43,6 @@ public:
     const char* next();
 
 private:
-    static constexpr std::size_t LONGEST = 1023;
-
     bool refill();
 
     InputFile file_;
