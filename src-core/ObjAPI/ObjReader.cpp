@@ -324,9 +324,9 @@ std::string join(const std::string& directory, std::string_view name)
     return directory + '/' + std::string(name);
 }
 
-/// The model's directory and the libraries in it that were used so far. Each is read once, however
-/// many names a model has for it ("m.mtl", "./m.mtl", a link): the time and memory that a model
-/// takes stay in proportion to the files there are.
+/// The model's directory and the libraries in it that were used so far. Each is looked up once for
+/// a name and read once, however many names a model has for it ("m.mtl", "./m.mtl", a link): the
+/// time and memory that a model takes stay in proportion to the files there are.
 class Libraries {
 public:
     explicit Libraries(std::string directory) : directory_(std::move(directory)) {}
@@ -335,7 +335,16 @@ public:
 
     const Library& get(const std::string& name)
     {
-        const std::string path = join(directory_, name);
+        const auto [place, is_new] = named_.try_emplace(name, &none_);
+        if (is_new) {
+            place->second = &find(join(directory_, name));
+        }
+        return *place->second;
+    }
+
+private:
+    const Library& find(const std::string& path)
+    {
         struct stat about = {};
         if (stat(path.c_str(), &about) != 0) {
             return none_;
@@ -347,8 +356,8 @@ public:
         return place->second;
     }
 
-private:
     std::string directory_;
+    std::map<std::string, const Library*> named_;
     std::map<std::pair<dev_t, ino_t>, Library> libraries_; ///< by their files
     const Library none_;                                   ///< of a file that is not there
 };

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <bit>
 #include <charconv>
-#include <climits>
 #include <cstdint>
 #include <cstring>
 #include <fcntl.h>
@@ -15,22 +14,8 @@
 namespace {
 
 using obj::skip_blanks;
+using obj::take_digits;
 using obj::take_int;
-
-constexpr bool is_digit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
-/// Takes decimal digits and appends them to \p number, which wraps around after 19 of them.
-void take_digits(const char*& text, std::uint64_t& number)
-{
-    const char* p = text;
-    for (unsigned digit; (digit = static_cast<unsigned char>(*p - '0')) <= 9; ++p) {
-        number = 10 * number + digit;
-    }
-    text = p;
-}
 
 /// One "%f", by the library itself.
 bool take_odd_float(const char*& text, float& value)
@@ -45,9 +30,8 @@ bool take_odd_float(const char*& text, float& value)
 }
 
 /// The powers of ten that are exact in double.
-constexpr double POWERS[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                             1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
-                             1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+constexpr double POWERS[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                             1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 
 /// value = mantissa * 10^exponent, rounded once, for numbers of a usual length.
 /// \param digits  how many digits have gone into the mantissa
@@ -140,6 +124,13 @@ InputFile open_input(const char* path)
     return InputFile(file);
 }
 
+LineReader::LineReader(const char* path) : file_(open_input(path))
+{
+    if (is_open()) {
+        std::setvbuf(file_.get(), nullptr, _IONBF, 0); // the buffer here is enough
+    }
+}
+
 bool LineReader::refill()
 {
     const auto left = static_cast<std::size_t>(end_ - begin_);
@@ -201,32 +192,6 @@ int take_floats(const char*& text, float* values, int count)
         ++taken;
     }
     return taken;
-}
-
-bool take_int(const char*& text, int& value)
-{
-    const char* p = text;
-    const bool negative = *p == '-';
-    p += *p == '-' || *p == '+';
-    if (!is_digit(*p)) {
-        return false;
-    }
-    while (*p == '0') {
-        ++p;
-    }
-    const char* const first = p;
-    std::uint64_t magnitude = 0;
-    take_digits(p, magnitude);
-    constexpr std::ptrdiff_t ALWAYS_FIT = 9; // digits
-    if (p - first > ALWAYS_FIT) {
-        constexpr std::ptrdiff_t MOST_DIGITS = 19; // with more, the sum has wrapped around
-        const std::uint64_t limit = std::uint64_t{INT_MAX} + (negative ? 1 : 0);
-        magnitude = p - first > MOST_DIGITS ? limit : std::min(magnitude, limit);
-    }
-    const auto number = static_cast<std::int64_t>(magnitude);
-    value = static_cast<int>(negative ? -number : number);
-    text = p;
-    return true;
 }
 
 bool take_option(const char*& text, std::string_view option)
