@@ -21,8 +21,8 @@ Pixels decodeJpeg(const std::string& path)
     jpeg_stdio_src(&jpeg, file.get());
     jpeg_read_header(&jpeg, TRUE);
     jpeg_start_decompress(&jpeg);
-    const std::size_t stride = std::size_t{jpeg.output_width} *
-                               static_cast<std::size_t>(jpeg.output_components);
+    const std::size_t stride =
+        std::size_t{jpeg.output_width} * static_cast<std::size_t>(jpeg.output_components);
     Pixels pixels(new unsigned char[stride * jpeg.output_height]);
     while (jpeg.output_scanline < jpeg.output_height) {
         JSAMPROW row = pixels.get() + stride * (jpeg.output_height - 1 - jpeg.output_scanline);

@@ -85,8 +85,8 @@ double hashOf(const Bodies& bodies)
             glCallList(first + frame);
             const GLint used = glRenderMode(GL_RENDER);
             hash = bench::hashOf(&used, sizeof used, hash);
-            hash = bench::hashOf(buffer.data(), static_cast<std::size_t>(used) * sizeof(float),
-                                 hash);
+            hash =
+                bench::hashOf(buffer.data(), static_cast<std::size_t>(used) * sizeof(float), hash);
         }
     }
     return static_cast<double>(hash >> 12);

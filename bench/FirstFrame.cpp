@@ -53,9 +53,9 @@ bench::Way way(const char* name, const std::vector<std::string>& command)
 bench::Job firstFrame()
 {
     const bench::ReadyBody body = bench::ReadyBody::compute();
-    const std::string numbers = bench::writeData(
-        "body.bin", {reinterpret_cast<const char*>(body.frames.data()),
-                     body.frames.size() * sizeof body.frames[0]});
+    const std::string numbers =
+        bench::writeData("body.bin", {reinterpret_cast<const char*>(body.frames.data()),
+                                      body.frames.size() * sizeof body.frames[0]});
     return {"first frame",
             "start",
             1,
