@@ -10,7 +10,7 @@ namespace {
 
 constexpr int TICKS = 200; // the figures are up by then, and the fish near them in schools
 
-bench::Job tick(const char* name, int fish)
+bench::Job tick(int fish)
 {
     Environment* environment = flock::newEnvironment(fish, TICKS);
     const auto before = std::make_shared<flock::Snapshot>(*environment);
@@ -23,8 +23,7 @@ bench::Job tick(const char* name, int fish)
         before->restore();
         *world = std::make_unique<flock::World>(*environment);
     };
-    return {name,
-            "tick",
+    return {"tick",
             1,
             {{"kelpix", update, restore,
               [=] {
@@ -44,7 +43,7 @@ bench::Job tick(const char* name, int fish)
 int main(int argc, char** argv)
 {
     return bench::run(argc, argv,
-                      {[] { return tick("flock tick, 100 fish and 3 figures", 100); },
-                       [] { return tick("flock tick, 1,000 fish", 1000); },
-                       [] { return tick("flock tick, 10,000 fish", 10000); }});
+                      {{"flock tick, 100 fish and 3 figures", [] { return tick(100); }},
+                       {"flock tick, 1,000 fish", [] { return tick(1000); }},
+                       {"flock tick, 10,000 fish", [] { return tick(10000); }}});
 }

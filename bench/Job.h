@@ -30,8 +30,11 @@ struct Job {
     std::vector<Way> ways; ///< the first one is the project's own
 };
 
-/// Makes a job when it is its turn.
-using JobMaker = std::function<Job()>;
+/// A job that is made when it is its turn.
+struct Entry {
+    std::string name; ///< what goals.py calls it
+    std::function<Job()> make;
+};
 
 /// What main of a benchmark program returns. For each job: checks that the ways agree, then
 ///   - without options: times all ways in turn, round after round, and prints a table;
@@ -40,7 +43,7 @@ using JobMaker = std::function<Job()>;
 ///   - with --count, under callgrind: counts the instructions of one operation of each way, which
 ///     callgrind writes into one file each; prints job, item, way and items per operation.
 /// A further argument is the name of the only job to do.
-int run(int argc, char** argv, const std::vector<JobMaker>& makers);
+int run(int argc, char** argv, const std::vector<Entry>& entries);
 
 /// Hashes bits (FNV-1a). The result of the last call is the \p hash of the next one.
 std::uint64_t hashOf(const void* data, std::size_t bytes, std::uint64_t hash = 0xcbf29ce484222325);
