@@ -77,8 +77,8 @@ void count(const std::string& name, const Job& job)
         CALLGRIND_START_INSTRUMENTATION;
         way.run();
         CALLGRIND_STOP_INSTRUMENTATION;
-        const std::string name =
-            jobName + '\t' + job.item + '\t' + way.name + '\t' + std::to_string(job.items);
+        const std::string label =
+            name + '\t' + job.item + '\t' + way.name + '\t' + std::to_string(job.items);
         CALLGRIND_DUMP_STATS_AT(label.c_str());
     }
 }

@@ -24,7 +24,6 @@ struct Way {
 /// A job. Its ways own what they work on (by shared pointers that their functions hold), so that
 /// the input goes with the job.
 struct Job {
-    std::string name;      ///< what goals.py calls it
     std::string item;      ///< what is counted, for the tables: "tick", "node", "product"
     double items;          ///< how many of these one operation handles
     std::vector<Way> ways; ///< the first one is the project's own
