@@ -66,7 +66,7 @@ Samples timed(const Job& job)
 }
 
 /// Writes one profile a way, with the way's name in it.
-void count(const std::string& name, const Job& job)
+void count(const Job& job)
 {
     for (const Way& way : job.ways) {
         const auto reset = way.reset ? way.reset : [] {};
@@ -77,9 +77,9 @@ void count(const std::string& name, const Job& job)
         CALLGRIND_START_INSTRUMENTATION;
         way.run();
         CALLGRIND_STOP_INSTRUMENTATION;
-        const std::string label =
-            name + '\t' + job.item + '\t' + way.name + '\t' + std::to_string(job.items);
-        CALLGRIND_DUMP_STATS_AT(label.c_str());
+        const std::string name =
+            job.name + '\t' + job.item + '\t' + way.name + '\t' + std::to_string(job.items);
+        CALLGRIND_DUMP_STATS_AT(name.c_str());
     }
 }
 
@@ -90,10 +90,10 @@ double median(std::vector<double> values)
     return *middle;
 }
 
-void printTable(const std::string& name, const Job& job, const Samples& samples)
+void printTable(const Job& job, const Samples& samples)
 {
     const std::vector<double>& own = samples.at(job.ways.front().name);
-    std::printf("\n%s\n", name.c_str());
+    std::printf("\n%s\n", job.name.c_str());
     for (const Way& way : job.ways) {
         const std::vector<double>& times = samples.at(way.name);
         std::vector<double> ratios(own.size());
@@ -103,10 +103,10 @@ void printTable(const std::string& name, const Job& job, const Samples& samples)
     }
 }
 
-void printSamples(const std::string& name, const Job& job, const Samples& samples)
+void printSamples(const Job& job, const Samples& samples)
 {
     for (const Way& way : job.ways) {
-        std::printf("%s\t%s\t%s", name.c_str(), job.item.c_str(), way.name.c_str());
+        std::printf("%s\t%s\t%s", job.name.c_str(), job.item.c_str(), way.name.c_str());
         for (const double time : samples.at(way.name)) {
             std::printf("\t%.3f", time);
         }
@@ -114,7 +114,7 @@ void printSamples(const std::string& name, const Job& job, const Samples& sample
     }
 }
 
-bool agree(const std::string& name, const Job& job)
+bool agree(const Job& job)
 {
     const Way* first = nullptr;
     std::uint64_t expected = 0;
@@ -127,7 +127,7 @@ bool agree(const std::string& name, const Job& job)
             first = &way;
             expected = result;
         } else if (result != expected) {
-            std::printf("%s: %s and %s do not agree\n", name.c_str(), first->name.c_str(),
+            std::printf("%s: %s and %s do not agree\n", job.name.c_str(), first->name.c_str(),
                         way.name.c_str());
             return false;
         }
@@ -137,7 +137,7 @@ bool agree(const std::string& name, const Job& job)
 
 } // namespace
 
-int run(int argc, char** argv, const std::vector<Entry>& entries)
+int run(int argc, char** argv, const std::vector<JobMaker>& makers)
 {
     bool samplesOnly = false;
     bool counting = false;
@@ -152,20 +152,20 @@ int run(int argc, char** argv, const std::vector<Entry>& entries)
         }
     }
 
-    for (const auto& [name, make] : entries) {
-        if (!only.empty() && only != name) {
+    for (const JobMaker& make : makers) {
+        const Job job = make();
+        if (!only.empty() && only != job.name) {
             continue;
         }
-        const Job job = make();
-        if (!agree(name, job)) {
+        if (!agree(job)) {
             return 1;
         }
         if (counting) {
-            count(name, job);
+            count(job);
             continue;
         }
         const Samples samples = timed(job);
-        samplesOnly ? printSamples(name, job, samples) : printTable(name, job, samples);
+        samplesOnly ? printSamples(job, samples) : printTable(job, samples);
         std::fflush(stdout);
     }
     return 0;

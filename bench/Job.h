@@ -24,16 +24,14 @@ struct Way {
 /// A job. Its ways own what they work on (by shared pointers that their functions hold), so that
 /// the input goes with the job.
 struct Job {
+    std::string name;      ///< what goals.py calls it
     std::string item;      ///< what is counted, for the tables: "tick", "node", "product"
     double items;          ///< how many of these one operation handles
     std::vector<Way> ways; ///< the first one is the project's own
 };
 
-/// A job that is made when it is its turn.
-struct Entry {
-    std::string name; ///< what goals.py calls it
-    std::function<Job()> make;
-};
+/// Makes a job when it is its turn. Cheap: what takes long is made by the ways' first reset.
+using JobMaker = std::function<Job()>;
 
 /// What main of a benchmark program returns. For each job: checks that the ways agree, then
 ///   - without options: times all ways in turn, round after round, and prints a table;
@@ -42,7 +40,7 @@ struct Entry {
 ///   - with --count, under callgrind: counts the instructions of one operation of each way, which
 ///     callgrind writes into one file each; prints job, item, way and items per operation.
 /// A further argument is the name of the only job to do.
-int run(int argc, char** argv, const std::vector<Entry>& entries);
+int run(int argc, char** argv, const std::vector<JobMaker>& makers);
 
 /// Hashes bits (FNV-1a). The result of the last call is the \p hash of the next one.
 std::uint64_t hashOf(const void* data, std::size_t bytes, std::uint64_t hash = 0xcbf29ce484222325);

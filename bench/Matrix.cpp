@@ -116,5 +116,5 @@ bench::Job inverse()
 
 int main(int argc, char** argv)
 {
-    return bench::run(argc, argv, {{"do_multiply", product}, {"do_inverse", inverse}});
+    return bench::run(argc, argv, {product, inverse});
 }
