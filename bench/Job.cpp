@@ -39,6 +39,13 @@ private:
 void measure(benchmark::State& state, const Way& way)
 {
     for (auto _ : state) {
+        if (way.measure) {
+            if (way.reset) {
+                way.reset();
+            }
+            state.SetIterationTime(way.measure());
+            continue;
+        }
         if (way.reset) {
             state.PauseTiming();
             way.reset();
@@ -53,9 +60,13 @@ Samples timed(const Job& job)
 {
     benchmark::ClearRegisteredBenchmarks();
     for (const Way& way : job.ways) {
-        benchmark::RegisterBenchmark(way.name.c_str(), [&way](benchmark::State& state) {
-            measure(state, way);
-        })->MinTime(SECONDS);
+        auto* registered = benchmark::RegisterBenchmark(
+            way.name.c_str(), [&way](benchmark::State& state) { measure(state, way); });
+        if (way.measure) {
+            registered->UseManualTime()->Iterations(1);
+        } else {
+            registered->MinTime(SECONDS);
+        }
     }
     Samples samples;
     Collector collector(samples, job.items);
@@ -69,6 +80,9 @@ Samples timed(const Job& job)
 void count(const Job& job)
 {
     for (const Way& way : job.ways) {
+        if (!way.run) {
+            continue;
+        }
         const auto reset = way.reset ? way.reset : [] {};
         // Once unseen: what is made lazily is there then.
         reset();

@@ -13,12 +13,17 @@ namespace bench {
 /// could do, or another library's.
 struct Way {
     std::string name;
-    std::function<void()> run;        ///< one operation; the only part that is measured
+    std::function<void()> run = {};   ///< one operation; the only part that is measured
     std::function<void()> reset = {}; ///< before each operation: what brings its input back
 
     /// A hash of what one operation on the reset input brings about. Ways of a job that have one
     /// must agree; the program ends with status 1 when they do not.
     std::function<std::uint64_t()> result = {};
+
+    /// In place of run, for what is not the time of a call: does one operation and returns what it
+    /// cost, in seconds of some clock; of another quantity, in thousand millionths (a goal names
+    /// it, and tables then have the plain number). Not counted by --count.
+    std::function<double()> measure = {};
 };
 
 /// A job. Its ways own what they work on (by shared pointers that their functions hold), so that
