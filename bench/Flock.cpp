@@ -10,32 +10,53 @@ namespace {
 
 constexpr int TICKS = 200; // the figures are up by then, and the fish near them in schools
 
+/// The world and its reference, at the tick that is measured again and again.
+class Scene {
+public:
+    explicit Scene(int numFish) : fish(numFish) {}
+
+    void restore()
+    {
+        if (!environment) {
+            environment = flock::newEnvironment(fish, TICKS);
+            before = std::make_unique<flock::Snapshot>(*environment);
+        }
+        before->restore();
+    }
+    void restoreReference()
+    {
+        restore();
+        reference = std::make_unique<flock::World>(*environment);
+    }
+    void update() { flock::update(*environment); }
+    void updateReference() { reference->update(); }
+    std::uint64_t hash() { return flock::hashOf(*environment); }
+    std::uint64_t hashReference() { return flock::hashOf(*reference); }
+
+private:
+    int fish;
+    Environment* environment = nullptr;
+    std::unique_ptr<flock::Snapshot> before;
+    std::unique_ptr<flock::World> reference;
+};
+
 bench::Job tick(const char* name, int fish)
 {
-    Environment* environment = flock::newEnvironment(fish, TICKS);
-    const auto before = std::make_shared<flock::Snapshot>(*environment);
-    const auto world = std::make_shared<std::unique_ptr<flock::World>>();
-
-    const auto update = [environment] { flock::update(*environment); };
-    const auto restore = [before] { before->restore(); };
-    const auto updateReference = [world] { (*world)->update(); };
-    const auto restoreReference = [before, world, environment] {
-        before->restore();
-        *world = std::make_unique<flock::World>(*environment);
-    };
+    const auto scene = std::make_shared<Scene>(fish);
     return {name,
             "tick",
             1,
-            {{"kelpix", update, restore,
+            {{"kelpix", [=] { scene->update(); }, [=] { scene->restore(); },
               [=] {
-                  restore();
-                  update();
-                  return flock::hashOf(*environment);
+                  scene->restore();
+                  scene->update();
+                  return scene->hash();
               }},
-             {"reference", updateReference, restoreReference, [=] {
-                  restoreReference();
-                  updateReference();
-                  return flock::hashOf(**world);
+             {"reference", [=] { scene->updateReference(); }, [=] { scene->restoreReference(); },
+              [=] {
+                  scene->restoreReference();
+                  scene->updateReference();
+                  return scene->hashReference();
               }}}};
 }
 

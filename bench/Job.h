@@ -35,7 +35,7 @@ struct Job {
     std::vector<Way> ways; ///< the first one is the project's own
 };
 
-/// Makes a job when it is its turn.
+/// Makes a job when it is its turn. Cheap: what takes long is made by the ways' first reset.
 using JobMaker = std::function<Job()>;
 
 /// What main of a benchmark program returns. For each job: checks that the ways agree, then
