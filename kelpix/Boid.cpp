@@ -21,17 +21,8 @@ double predicted(float position, float velocity)
     return static_cast<double>(position) + 0.01 * static_cast<double>(velocity);
 }
 
-/// largestSquareWithin, found once for all boids of the same radius.
-double reachOf(float radius)
-{
-    static float known = radius;
-    static double reach = largestSquareWithin(radius);
-    if (known != radius) {
-        known = radius;
-        reach = largestSquareWithin(radius);
-    }
-    return reach;
-}
+/// The cells around the boid that is updated; kept for its memory.
+std::vector<Bucket*> cells;
 
 struct Direction {
     double cosine, sine;
@@ -139,23 +130,9 @@ void Boid::doupdate()
 
     // Its own cell and the one before it along each axis, and the one after it only when it is in
     // the upper half of its cell: the rectangle's upper bound is exclusive.
-    static std::vector<Bucket*> cells;
     cells.clear();
     grid->query(&cells, x - 1.0f, y - 1.0f, x + 1.5f, y + 1.5f);
-    const double reach = reachOf(searchRadius);
-    Neighborhood neighbors;
-    for (Bucket* cell : cells) {
-        for (Node* node : *cell->getBoids()) {
-            auto* other = static_cast<Boid*>(node);
-            if (!other || other->boidId == boidId) {
-                continue;
-            }
-            const double square = Vec3::SquaredDistance(other->pos, pos);
-            if (square <= reach) {
-                neighbors.add(other, square);
-            }
-        }
-    }
+    const Neighborhood neighbors = Neighborhood::inCells(cells, *this);
     // It swims with the same boids that it avoids.
     steer(neighbors, neighbors.closest);
 }
@@ -203,11 +180,7 @@ int Boid::checkBucket(Bucket* a, Bucket* b)
 
 void Boid::move(std::vector<Boid*>* all, std::vector<Boid*>* flockmates)
 {
-    Neighborhood mates;
-    for (Boid* mate : *flockmates) {
-        mates.add(mate, Vec3::SquaredDistance(mate->pos, pos));
-    }
-    steer(mates, getClosest(all));
+    steer(Neighborhood::ofList(*flockmates), getClosest(all));
 }
 
 void Boid::steer(const Neighborhood& flockmates, Boid* closest)

@@ -1,7 +1,106 @@
 #include "Neighborhood.h"
 
+#include "Boid.h"
+#include "BucketIndex.h"
+
 #include <bit>
 #include <cstdint>
+
+namespace {
+
+// Room for the boids of a few cells and the squares of their distances, used again and again.
+std::vector<Boid*> boids;
+std::vector<double> squares;
+
+/// largestSquareWithin, found once for all boids of the same radius.
+double reachOf(float radius)
+{
+    static float known = -1;
+    static double reach = -1;
+    if (known != radius) {
+        known = radius;
+        reach = largestSquareWithin(radius);
+    }
+    return reach;
+}
+
+// Empty slots, and boids in and out of reach, come in no order that a processor could foresee. Both
+// lists are therefore cut down without a branch: every entry is written, and the end moves on or
+// not.
+
+/// Lists the boids in the cells. \return their number
+std::size_t listBoids(const std::vector<Bucket*>& cells)
+{
+    std::size_t slots = 0;
+    for (const Bucket* cell : cells) {
+        slots += cell->boidList.size();
+    }
+    if (boids.size() < slots) {
+        boids.resize(slots);
+        squares.resize(slots);
+    }
+    Boid** const list = boids.data();
+    std::size_t count = 0;
+    for (const Bucket* cell : cells) {
+        for (Node* node : cell->boidList) {
+            list[count] = static_cast<Boid*>(node);
+            count += node != nullptr;
+        }
+    }
+    return count;
+}
+
+/// Cuts the list down to the boids within the search radius. \return their number
+std::size_t keepNear(std::size_t count, const Boid& boid)
+{
+    const double reach = reachOf(boid.searchRadius);
+    const Vec3 pos = boid.pos;
+    Boid** const list = boids.data();
+    double* const square = squares.data();
+    std::size_t near = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        list[near] = list[i];
+        square[near] = Vec3::SquaredDistance(list[near]->pos, pos);
+        near += square[near] <= reach;
+    }
+    return near;
+}
+
+} // namespace
+
+Neighborhood Neighborhood::ofList(const std::vector<Boid*>& boids)
+{
+    Neighborhood result;
+    for (const Boid* boid : boids) {
+        result.pos = result.pos + boid->pos;
+        result.vel = result.vel + boid->vel;
+    }
+    result.count = static_cast<int>(boids.size());
+    return result;
+}
+
+Neighborhood Neighborhood::inCells(const std::vector<Bucket*>& cells, const Boid& boid)
+{
+    const std::size_t near = keepNear(listBoids(cells), boid);
+    int count = 0;
+    Vec3 pos;
+    Vec3 vel;
+    Boid* closest = nullptr;
+    Closest nearest;
+    for (std::size_t i = 0; i < near; ++i) {
+        Boid* other = boids[i];
+        if (other->boidId == boid.boidId) {
+            continue;
+        }
+        ++count;
+        pos = pos + other->pos;
+        vel = vel + other->vel;
+        if (nearest.isNearer(squares[i])) {
+            closest = other;
+        }
+    }
+    return {count, pos, vel, closest};
+}
 
 double largestSquareWithin(float radius)
 {
