@@ -290,27 +290,35 @@ void Boid::getAvoidVector(Vec3& avoid, Boid* boid, BOID_COLLISION_MODE mode)
 
 Node* Boid::getClosestSensor()
 {
+    float distance = 0;
+    return findSensor(distance);
+}
+
+Sensor* Boid::findSensor(float& distance)
+{
     if (!sensorList) {
         return nullptr;
     }
     Closest nearest;
-    Node* closest = nullptr;
+    Sensor* closest = nullptr;
     for (Node* node : *sensorList) {
-        if (nearest.isNearer(Vec3::SquaredDistance(static_cast<Sensor*>(node)->pos, pos))) {
-            closest = node;
+        auto* sensor = static_cast<Sensor*>(node);
+        if (nearest.isNearer(Vec3::SquaredDistance(sensor->pos, pos))) {
+            closest = sensor;
         }
     }
+    distance = nearest.distance();
     return closest;
 }
 
 void Boid::moveToClosestSensor()
 {
-    auto* closest = static_cast<Sensor*>(getClosestSensor());
+    float distance = 0;
+    const Sensor* closest = findSensor(distance);
     if (!closest) {
         std::puts("sensor not found");
         return;
     }
-    const float distance = Vec3::EuclDistance(closest->pos, pos);
     if (!(0.25f > distance)) {
         return;
     }

@@ -9,6 +9,7 @@
 class Boider;
 class Bucket;
 struct Neighborhood;
+class Sensor;
 
 enum BOID_TYPE { BOID_FISH, BOID_BUBBLE };
 enum BOID_MODE { NOMODE, MOVE_TO_SENSOR };
@@ -119,5 +120,6 @@ private:
     void flock(const Neighborhood& flockmates);
     void avoidWalls();
     void bounceOff(Boid* closest);
+    Sensor* findSensor(float& distance);
     void turnSprite();
 };

@@ -92,15 +92,12 @@ void BucketIndex::query(std::vector<Bucket*>* blist, float x0, float y0, float x
 {
     const int c0 = std::max(truncate(x0), 0);
     const int r0 = std::max(truncate(y0), 0);
-    const int rows = static_cast<int>(extents[3]);
-    const int columns = static_cast<int>(extents[2]);
-    const int c1 = std::min(truncate(x1), columns);
-    const int r1 = std::min(truncate(y1), rows);
+    const int c1 = std::min(truncate(x1), static_cast<int>(extents[2]));
+    const int r1 = std::min(truncate(y1), static_cast<int>(extents[3]));
     for (int i = c0; i < c1; ++i) {
         for (int j = r0; j < r1; ++j) {
-            const int number = rows * j + i;
-            if (number < columns * rows) {
-                blist->push_back(index[number]);
+            if (Bucket* bucket = cell(i, j)) {
+                blist->push_back(bucket);
             }
         }
     }

@@ -31,18 +31,15 @@ double reachOf(float radius)
 /// Lists the boids in the cells. \return their number
 std::size_t listBoids(const std::vector<Bucket*>& cells)
 {
-    std::size_t slots = 0;
-    for (const Bucket* cell : cells) {
-        slots += cell->boidList.size();
-    }
-    if (boids.size() < slots) {
-        boids.resize(slots);
-        squares.resize(slots);
-    }
-    Boid** const list = boids.data();
     std::size_t count = 0;
     for (const Bucket* cell : cells) {
-        for (Node* node : cell->boidList) {
+        const std::vector<Node*>& slots = cell->boidList;
+        if (boids.size() < count + slots.size()) {
+            boids.resize(count + slots.size());
+            squares.resize(boids.size());
+        }
+        Boid** const list = boids.data();
+        for (Node* node : slots) {
             list[count] = static_cast<Boid*>(node);
             count += node != nullptr;
         }
