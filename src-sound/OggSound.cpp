@@ -20,6 +20,9 @@ namespace {
     std::exit(-1);
 }
 
+/// What one OpenAL buffer can hold. A file of some kilobytes can claim, and decode to, far more.
+constexpr std::size_t MAX_TRACK_BYTES = std::numeric_limits<ALsizei>::max();
+
 /// Opens \p path for reading. Null for a pipe or a device, which might keep its reader waiting; a
 /// directory opens and fails at the first read.
 std::FILE* openFile(const char* path)
@@ -29,6 +32,13 @@ std::FILE* openFile(const char* path)
         return nullptr;
     }
     return std::fopen(path, "rb");
+}
+
+/// Whether a track of so many samples per channel fits one OpenAL buffer.
+bool isPlayable(ogg_int64_t samples, int channels)
+{
+    const std::uintmax_t frameBytes = 2 * static_cast<std::uintmax_t>(std::max(channels, 1));
+    return static_cast<std::uintmax_t>(samples) <= MAX_TRACK_BYTES / frameBytes;
 }
 
 /// The bytes to expect of the decoded track. A header may claim anything: no more than 64 times
@@ -55,7 +65,7 @@ bool rewindChain(OggVorbis_File& file)
 }
 
 /// Appends the whole stream to \p out.
-/// \return false when the stream is damaged
+/// \return false when the stream is damaged, or too long
 bool decode(OggVorbis_File& file, std::vector<char>& out)
 {
     constexpr int LITTLE_ENDIAN_ORDER = 0;
@@ -69,16 +79,18 @@ bool decode(OggVorbis_File& file, std::vector<char>& out)
         if (count <= 0) {
             return count == 0;
         }
+        if (out.size() + static_cast<std::size_t>(count) > MAX_TRACK_BYTES) {
+            return false;
+        }
         out.insert(out.end(), chunk, chunk + count);
     }
 }
 
-/// The bytes of whole frames in \p bytes, as many as OpenAL's size type can count.
+/// The bytes of whole frames in \p bytes, at most MAX_TRACK_BYTES.
 ALsizei wholeFrames(std::size_t bytes, ALenum format)
 {
     const std::size_t frameBytes = format == AL_FORMAT_MONO16 ? 2 : 4;
-    const auto most = static_cast<std::size_t>(std::numeric_limits<ALsizei>::max());
-    return static_cast<ALsizei>(std::min(bytes, most) / frameBytes * frameBytes);
+    return static_cast<ALsizei>(bytes / frameBytes * frameBytes);
 }
 
 } // namespace
@@ -147,7 +159,8 @@ void OggSound::loadOGG(const char* path, std::vector<char>& out, int& format, un
     bool complete = false;
     try {
         out.reserve(out.size() + expectedBytes(path, numSamples, channels));
-        complete = rewindChain(vorbisFile) && decode(vorbisFile, out);
+        complete =
+            isPlayable(numSamples, channels) && rewindChain(vorbisFile) && decode(vorbisFile, out);
     } catch (const std::bad_alloc&) {
         // A track that memory cannot hold ends like a damaged one.
     }

@@ -50,7 +50,8 @@ public:
     /// \param format  set to AL_FORMAT_MONO16 for one channel, else to AL_FORMAT_STEREO16
     /// \param freq    set to the samples per second
     /// A file that cannot be opened, that is no Ogg Vorbis, or that is damaged: writes one line to
-    /// the standard error stream and ends the process with status -1. A pipe or a device counts as
+    /// the standard error stream and ends the process with status -1. A track of more than 2 GiB,
+    /// which no OpenAL buffer can hold, counts as damaged. A pipe or a device counts as
     /// a file that cannot be opened, so that nothing waits for it.
     void loadOGG(const char* path, std::vector<char>& out, int& format, unsigned& freq);
 

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <gmock/gmock.h>
+#include <limits>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
@@ -278,6 +279,17 @@ TEST_F(OggDecodingDeathTest, ATrackThatMemoryCannotHoldIsDamage)
         decode("long.ogg");
     };
     EXPECT_EXIT(loadWithLittleMemory(), ExitedWithCode(255), damaged("long.ogg"));
+}
+
+TEST_F(OggDecodingDeathTest, ATrackThatNoBufferCanHoldIsDamage)
+{
+    // Two bytes a sample; the buffer's size is an int.
+    constexpr ogg_int64_t MOST = std::numeric_limits<int>::max() / 2;
+    const std::string tone = vorbis({.samples = 441000});
+    TempDirectory::write("longest.ogg", OggFiles::claiming(MOST, tone));
+    EXPECT_EQ(decode("longest.ogg").numSamples, MOST);
+    TempDirectory::write("longer.ogg", OggFiles::claiming(MOST + 1, tone));
+    expectEnd("longer.ogg", damaged("longer.ogg"));
 }
 
 TEST_F(OggDecodingDeathTest, AFailureEndsTheProcessAlsoWhileSoundPlays)

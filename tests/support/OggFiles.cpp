@@ -171,6 +171,24 @@ std::string unknownCodec()
     return bytes;
 }
 
+std::string claiming(std::int64_t samples, std::string bytes)
+{
+    // RFC 3533, section 6: the position is 8 bytes, little-endian, from byte 6 of the page on.
+    constexpr std::size_t POSITION = 6;
+    constexpr std::size_t SEGMENTS = 26;
+    const std::size_t last = bytes.rfind("OggS");
+    for (std::size_t i = 0; i < 8; ++i) {
+        bytes[last + POSITION + i] = static_cast<char>(samples >> (8 * i));
+    }
+    ogg_page page{};
+    page.header = reinterpret_cast<unsigned char*>(&bytes[last]);
+    page.header_len = static_cast<long>(SEGMENTS + 1) + page.header[SEGMENTS];
+    page.body = page.header + page.header_len;
+    page.body_len = static_cast<long>(bytes.size() - last) - page.header_len;
+    ogg_page_checksum_set(&page);
+    return bytes;
+}
+
 std::vector<std::int16_t> decode(const std::string& bytes)
 {
     PacketReader reader(bytes);

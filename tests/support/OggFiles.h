@@ -23,6 +23,9 @@ std::string vorbis(const Tone& tone);
 /// A well-formed Ogg stream of a codec that nobody knows.
 std::string unknownCodec();
 
+/// The stream of several pages of audio in \p bytes, with an end that claims so many samples.
+std::string claiming(std::int64_t samples, std::string bytes);
+
 /// Decodes one unchained Ogg Vorbis stream by libvorbis alone, packet by packet.
 /// \return interleaved samples, rounded to 16 bits and clipped
 std::vector<std::int16_t> decode(const std::string& bytes);
