@@ -22,6 +22,8 @@ GOALS = [
     Goal("flock tick, 1,000 fish", "reference", 0.5),
     Goal("flock tick, 10,000 fish", "reference", 0.5, stretch=0.15),
     Goal("flock tick, 10,000 fish", growth_from="flock tick, 1,000 fish", at_most=2.1),
+    Goal("walk over 209 nodes", at_most=650, stretch=400, instructions=True),
+    Goal("30 bubble outlines", "reference", 0.2, net_of="limit"),
     Goal("do_multiply", "cglm", 1.15),
     Goal("do_inverse", "glm, cglm", 1.1, stretch=1.3),
 ]
