@@ -44,8 +44,8 @@ bench::Job tick(const char* name, int fish)
 {
     const auto scene = std::make_shared<Scene>(fish);
     return {name,
-            "tick",
-            1,
+            "fish",
+            static_cast<double>(fish),
             {{"kelpix", [=] { scene->update(); }, [=] { scene->restore(); },
               [=] {
                   scene->restore();
