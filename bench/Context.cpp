@@ -9,7 +9,7 @@
 
 namespace bench {
 
-void makeContext()
+std::function<void()> makeContext()
 {
     const auto getDisplay = reinterpret_cast<PFNEGLGETPLATFORMDISPLAYEXTPROC>(
         eglGetProcAddress("eglGetPlatformDisplayEXT"));
@@ -39,11 +39,15 @@ void makeContext()
     eglChooseConfig(display, WANTED, &config, 1, &count);
     EGLSurface surface = eglCreatePbufferSurface(display, config, SIZE);
     EGLContext context = eglCreateContext(display, config, EGL_NO_CONTEXT, nullptr);
-    if (!eglMakeCurrent(display, surface, surface, context)) {
-        std::printf("no GL context without a display\n");
-        std::exit(1);
-    }
+    const auto makeCurrent = [=] {
+        if (!eglMakeCurrent(display, surface, surface, context)) {
+            std::printf("no GL context without a display\n");
+            std::exit(1);
+        }
+    };
+    makeCurrent();
     glewInit(); // complains of the missing display, after it has loaded everything else
+    return makeCurrent;
 }
 
 } // namespace bench

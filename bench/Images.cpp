@@ -1,5 +1,6 @@
 // Decoding pictures of 2048 by 2048 pixels into a buffer with the bottom row first.
 
+#include "Bare.h"
 #include "Data.h"
 #include "Job.h"
 
@@ -15,18 +16,11 @@
 #include <stb/stb_image.h>
 #include <vector>
 
-#include <jpeglib.h>
-#include <png.h>
-
 namespace {
 
 constexpr std::size_t SIDE = 2048;
 
-struct FreeFile {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, FreeFile>;
-using Pixels = std::unique_ptr<unsigned char[]>;
+using bench::Pixels;
 
 /// A smooth picture with waves and a little noise, as photographs have.
 media::Bitmap newPicture(int channels)
@@ -48,59 +42,17 @@ media::Bitmap newPicture(int channels)
     return picture;
 }
 
-std::unique_ptr<unsigned char[]> newPixels(std::size_t channels)
-{
-    return Pixels(new unsigned char[SIDE * SIDE * channels]);
-}
-
 std::uint64_t hashOf(const unsigned char* pixels, std::size_t channels)
 {
     return bench::hashOf(pixels, SIDE * SIDE * channels);
 }
 
-/// The library's rows, straight into place.
-Pixels decodeJpeg(const std::string& path)
-{
-    const File file(std::fopen(path.c_str(), "rb"));
-    jpeg_decompress_struct jpeg;
-    jpeg_error_mgr errors;
-    jpeg.err = jpeg_std_error(&errors);
-    jpeg_create_decompress(&jpeg);
-    jpeg_stdio_src(&jpeg, file.get());
-    jpeg_read_header(&jpeg, TRUE);
-    jpeg_start_decompress(&jpeg);
-    Pixels pixels = newPixels(3);
-    while (jpeg.output_scanline < jpeg.output_height) {
-        JSAMPROW row = pixels.get() + SIDE * 3 * (SIDE - 1 - jpeg.output_scanline);
-        jpeg_read_scanlines(&jpeg, &row, 1);
-    }
-    jpeg_finish_decompress(&jpeg);
-    jpeg_destroy_decompress(&jpeg);
-    return pixels;
-}
-
-Pixels decodePng(const std::string& path)
-{
-    const File file(std::fopen(path.c_str(), "rb"));
-    png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
-    png_infop info = png_create_info_struct(png);
-    png_init_io(png, file.get());
-    png_read_info(png, info);
-    Pixels pixels = newPixels(4);
-    for (std::size_t y = SIDE; y > 0; --y) {
-        png_read_row(png, pixels.get() + SIDE * 4 * (y - 1), nullptr);
-    }
-    png_read_end(png, info);
-    png_destroy_read_struct(&png, &info, nullptr);
-    return pixels;
-}
-
 Pixels decodeSpng(const std::string& path)
 {
-    const File file(std::fopen(path.c_str(), "rb"));
+    const bench::File file(std::fopen(path.c_str(), "rb"));
     spng_ctx* context = spng_ctx_new(0);
     spng_set_png_file(context, file.get());
-    Pixels pixels = newPixels(4);
+    Pixels pixels(new unsigned char[SIDE * SIDE * 4]);
     spng_decode_image(context, nullptr, 0, SPNG_FMT_PNG, SPNG_DECODE_PROGRESSIVE);
     for (std::size_t y = SIDE; y > 0; --y) {
         spng_decode_row(context, pixels.get() + SIDE * 4 * (y - 1), SIDE * 4);
@@ -150,7 +102,7 @@ bench::Job jpeg()
     return {"JPEG, 2048 x 2048",
             "pixel",
             SIDE * SIDE,
-            {own<ImageJPEG>(path, 3), with("limit", path, 3, decodeJpeg), withStb(path)}};
+            {own<ImageJPEG>(path, 3), with("limit", path, 3, bench::decodeJpeg), withStb(path)}};
 }
 
 bench::Job png()
@@ -159,7 +111,7 @@ bench::Job png()
     return {"PNG, 2048 x 2048, RGBA",
             "pixel",
             SIDE * SIDE,
-            {own<ImagePNG>(path, 4), with("limit", path, 4, decodePng),
+            {own<ImagePNG>(path, 4), with("limit", path, 4, bench::decodePng),
              with("libspng", path, 4, decodeSpng), withStb(path)}};
 }
 

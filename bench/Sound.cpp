@@ -1,5 +1,6 @@
 // Loading a sound: 60 seconds of stereo.
 
+#include "Bare.h"
 #include "Child.h"
 #include "Data.h"
 #include "Job.h"
@@ -9,9 +10,7 @@
 #include "Random.h"
 
 #include <cmath>
-#include <cstdio>
 #include <vector>
-#include <vorbis/vorbisfile.h>
 
 namespace {
 
@@ -30,25 +29,6 @@ std::string newTrack()
         sound.right[i] = static_cast<float>(0.3 * right) + random.between(-0.1f, 0.1f);
     }
     return bench::writeData("track.ogg", media::encodeVorbis(sound, 0.4f, 1));
-}
-
-/// Decodes a file into a buffer that has the room.
-std::vector<char> decodeBare(const std::string& path)
-{
-    OggVorbis_File file;
-    std::vector<char> out;
-    if (ov_open(std::fopen(path.c_str(), "rb"), &file, nullptr, 0) != 0) {
-        return out;
-    }
-    out.reserve(static_cast<std::size_t>(ov_pcm_total(&file, -1)) * 4);
-    char chunk[32768];
-    int link = 0;
-    long count = 0;
-    while ((count = ov_read(&file, chunk, sizeof chunk, 0, 2, 1, &link)) > 0) {
-        out.insert(out.end(), chunk, chunk + count);
-    }
-    ov_clear(&file);
-    return out;
 }
 
 std::uint64_t hashOf(const std::vector<char>& track)
@@ -88,11 +68,11 @@ bench::Job loading()
                       return cost([&] { sound.load(path.c_str()); });
                   }},
              {.name = "limit",
-              .result = [path] { return hashOf(decodeBare(path)); },
+              .result = [path] { return hashOf(bench::decodeOgg(path)); },
               .measure =
                   [path] {
                       std::vector<char> track;
-                      return cost([&] { track = decodeBare(path); });
+                      return cost([&] { track = bench::decodeOgg(path); });
                   }}}};
 }
 

@@ -101,7 +101,7 @@ def verdicts(times, counts, count_only):
     """One row a goal: what, measured, bound, stretch, verdict."""
     for goal in GOALS:
         by_count = goal.instructions or count_only
-        unit = "instructions" if by_count else "time"
+        unit = "instructions" if by_count else goal.quantity
         outcome = measured(goal, counts if by_count else times)
         if outcome is None:
             continue
@@ -146,7 +146,9 @@ def report(times, counts, count_only):
     rows = list(verdicts(times, counts, count_only))
     met = sum(row[-1] == "met" for row in rows)
     text = machine() + "\n" + noise(times) + "\n\n"
+    others = {goal.job for goal in GOALS if goal.quantity != "time"}
     details = [(job, way, result.item,
+                f"{result.median():.0f}" if job in others else
                 f"{result.median():.1f} ns" if results is times else f"{result.median():.0f} instr.")
                for results in (times, counts) for (job, way), result in results.items()]
     text += table(("Job", "Way", "Per", "Cost"), details) + "\n"
