@@ -4,11 +4,60 @@
 #include "FlockWorld.h"
 #include "Job.h"
 
+#include "Boid.h"
+#include "Environment.h"
+
 #include <memory>
+#include <vector>
 
 namespace {
 
 constexpr int TICKS = 200; // the figures are up by then, and the fish near them in schools
+
+/// The least that a tick must do: add up the positions and velocities of each fish's neighbours,
+/// found beforehand and packed.
+class Sums {
+public:
+    explicit Sums(const Environment& environment)
+    {
+        std::vector<const Boid*> fish;
+        for (const Node* node : environment.children) {
+            if (node->getType() == RTTI_PARTICLE) {
+                fish.push_back(static_cast<const Boid*>(node));
+                states.push_back({fish.back()->pos, fish.back()->vel});
+            }
+        }
+        for (const Boid* one : fish) {
+            for (std::size_t i = 0; i < fish.size(); ++i) {
+                if (fish[i] != one &&
+                    one->searchRadius >= Vec3::EuclDistance(fish[i]->pos, one->pos)) {
+                    neighbours.push_back(i);
+                }
+            }
+            ends.push_back(neighbours.size());
+        }
+        sums.resize(states.size());
+    }
+    void update()
+    {
+        std::size_t next = 0;
+        for (std::size_t i = 0; i < ends.size(); ++i) {
+            State sum;
+            for (; next < ends[i]; ++next) {
+                const State& state = states[neighbours[next]];
+                sum = {sum.pos + state.pos, sum.vel + state.vel};
+            }
+            sums[i] = sum;
+        }
+    }
+
+private:
+    struct State {
+        Vec3 pos, vel;
+    };
+    std::vector<State> states, sums;
+    std::vector<std::size_t> neighbours, ends;
+};
 
 /// The world and its reference, at the tick that is measured again and again.
 class Scene {
@@ -22,7 +71,11 @@ public:
             before = std::make_unique<flock::Snapshot>(*environment);
         }
         before->restore();
+        if (!sums) {
+            sums = std::make_unique<Sums>(*environment);
+        }
     }
+    void sumUp() { sums->update(); }
     void restoreReference()
     {
         restore();
@@ -38,14 +91,15 @@ private:
     Environment* environment = nullptr;
     std::unique_ptr<flock::Snapshot> before;
     std::unique_ptr<flock::World> reference;
+    std::unique_ptr<Sums> sums;
 };
 
 bench::Job tick(const char* name, int fish)
 {
     const auto scene = std::make_shared<Scene>(fish);
     return {name,
-            "tick",
-            1,
+            "fish",
+            static_cast<double>(fish),
             {{"kelpix", [=] { scene->update(); }, [=] { scene->restore(); },
               [=] {
                   scene->restore();
@@ -57,7 +111,8 @@ bench::Job tick(const char* name, int fish)
                   scene->restoreReference();
                   scene->updateReference();
                   return scene->hashReference();
-              }}}};
+              }},
+             {"limit", [=] { scene->sumUp(); }}}};
 }
 
 } // namespace

@@ -7,7 +7,7 @@
 
 class Environment;
 
-/// One update of the scene's world as it is described, step by step and in plain code: what the
+/// One update of the scene's world in plain code, each step literally and for itself: what the
 /// project's own update is measured against.
 namespace flock {
 

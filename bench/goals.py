@@ -14,7 +14,7 @@ class Goal:
     stretch: float | None = None  # where it could get to
     instructions: bool = False  # judged by instructions even where others are judged by time
     net_of: str = ""  # a way whose cost is in both sides, and subtracted from both
-    growth_from: str = ""  # a job with a tenth of the items: the exponent of the growth from there
+    growth_from: str = ""  # the job with a tenth of the items: the exponent of the growth from there
     quantity: str = "time"  # what the job's numbers are, when they are not nanoseconds
 
 
@@ -23,6 +23,12 @@ GOALS = [
     Goal("flock tick, 1,000 fish", "reference", 0.5),
     Goal("flock tick, 10,000 fish", "reference", 0.5, stretch=0.15),
     Goal("flock tick, 10,000 fish", growth_from="flock tick, 1,000 fish", at_most=2.1),
+    Goal("walk over 209 nodes", at_most=650, stretch=400, instructions=True),
+    *(Goal(f"{walk} walk, {nodes} nodes", "openscenegraph", 1.0)
+      for walk in ("update", "draw", "event") for nodes in (100, 1000, 10000)),
+    *(Goal(f"{walk} walk, 10000 nodes", growth_from=f"{walk} walk, 1000 nodes", at_most=1.2)
+      for walk in ("update", "draw", "event")),
+    Goal("30 bubble outlines", "reference", 0.2, net_of="limit"),
     Goal("do_multiply", "cglm", 1.15),
     Goal("do_inverse", "glm, cglm", 1.1, stretch=1.3),
     Goal("bodies of the figures", "limit", 1.1),

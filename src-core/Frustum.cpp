@@ -1,8 +1,10 @@
 #include "Frustum.h"
 
+#include "Column.h"
 #include "Matrix.h"
 
 #include <GL/glew.h>
+#include <array>
 #include <cmath>
 #include <cstdio>
 
@@ -11,6 +13,15 @@ namespace {
 float distance(const float* plane, float x, float y, float z)
 {
     return plane[0] * x + plane[1] * y + plane[2] * z + plane[3];
+}
+
+/// The plane divided by the length of its normal.
+Column normalized(Column plane)
+{
+    const Column squares = plane * plane;
+    const float length =
+        static_cast<float>(std::sqrt(static_cast<double>(squares[0] + squares[1] + squares[2])));
+    return plane / length;
 }
 
 } // namespace
@@ -30,22 +41,11 @@ void extract_planes(float planes[6][4], const float* projection, const float* mo
 {
     float clip[16];
     Matrix::do_multiply(clip, projection, modelview);
-    for (int axis = 0; axis < 3; ++axis) {
-        float* lower = planes[2 * axis];
-        float* upper = planes[2 * axis + 1];
-        for (int column = 0; column < 4; ++column) {
-            const float w = clip[4 * column + 3];
-            lower[column] = w + clip[4 * column + axis];
-            upper[column] = w - clip[4 * column + axis];
-        }
-    }
-    for (int i = 0; i < 6; ++i) {
-        float* p = planes[i];
-        const float squares = p[0] * p[0] + p[1] * p[1] + p[2] * p[2];
-        const float length = static_cast<float>(std::sqrt(static_cast<double>(squares)));
-        for (int k = 0; k < 4; ++k) {
-            p[k] /= length;
-        }
+    const std::array<Column, 4> rows =
+        transposed({load(clip), load(clip + 4), load(clip + 8), load(clip + 12)});
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        store(planes[2 * axis], normalized(rows[3] + rows[axis]));
+        store(planes[2 * axis + 1], normalized(rows[3] - rows[axis]));
     }
 }
 

@@ -1,36 +1,14 @@
 #include "Matrix.h"
 
+#include "Column.h"
+
 #include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
-#include <cstring>
 
 namespace {
-
-/// One column of a matrix; each operation acts on its four elements. A vector type of the compilers
-/// that becomes a register where the processor has one, and four numbers elsewhere.
-using Column = float __attribute__((vector_size(16)));
-
-Column load(const float* elements)
-{
-    Column column;
-    std::memcpy(&column, elements, sizeof column);
-    return column;
-}
-
-void store(float* elements, Column column)
-{
-    std::memcpy(elements, &column, sizeof column);
-}
-
-/// Elements \p a, \p b, \p c and \p d of a column.
-template<int a, int b, int c, int d>
-Column pick(Column column)
-{
-    return __builtin_shufflevector(column, column, a, b, c, d);
-}
 
 /// Negates every second element, from element 1 on, or from element 0 on when \p first is 1.
 template<int first>
@@ -40,19 +18,6 @@ Column alternate(Column column)
     constexpr std::uint32_t sign = 0x80000000;
     constexpr Bits signs = first == 1 ? Bits{sign, 0, sign, 0} : Bits{0, sign, 0, sign};
     return std::bit_cast<Column>(std::bit_cast<Bits>(column) ^ signs);
-}
-
-/// Stores the matrix that has these rows.
-void storeRows(float* out, Column r0, Column r1, Column r2, Column r3)
-{
-    const Column low01 = __builtin_shufflevector(r0, r1, 0, 4, 1, 5);
-    const Column high01 = __builtin_shufflevector(r0, r1, 2, 6, 3, 7);
-    const Column low23 = __builtin_shufflevector(r2, r3, 0, 4, 1, 5);
-    const Column high23 = __builtin_shufflevector(r2, r3, 2, 6, 3, 7);
-    store(out, __builtin_shufflevector(low01, low23, 0, 1, 4, 5));
-    store(out + 4, __builtin_shufflevector(low01, low23, 2, 3, 6, 7));
-    store(out + 8, __builtin_shufflevector(high01, high23, 0, 1, 4, 5));
-    store(out + 12, __builtin_shufflevector(high01, high23, 2, 3, 6, 7));
 }
 
 } // namespace
@@ -157,7 +122,11 @@ void do_inverse(float* out, const float* m)
     const Column r2 = alternate<0>(e0 * s13 - e1 * s03 + e3 * s01);
     const Column r3 = alternate<1>(e0 * s12 - e1 * s02 + e2 * s01);
     const float det = m0[0] * r0[0] + m1[0] * r1[0] + m2[0] * r2[0] + m3[0] * r3[0];
-    storeRows(out, r0 / det, r1 / det, r2 / det, r3 / det);
+    const std::array<Column, 4> columns = transposed({r0 / det, r1 / det, r2 / det, r3 / det});
+    store(out, columns[0]);
+    store(out + 4, columns[1]);
+    store(out + 8, columns[2]);
+    store(out + 12, columns[3]);
 }
 
 void dump_matrix(float* dst, const float* src)

@@ -1,0 +1,115 @@
+// The outlines of thirty bubbles, 360 vertices each. The GL of this program is its own: it only
+// keeps the vertices, so that what is measured is the arithmetic.
+
+#include "Job.h"
+#include "VertexGL.h"
+
+#include "Boid.h"
+
+#include <cmath>
+#include <memory>
+#include <random>
+#include <vector>
+
+namespace {
+
+constexpr std::size_t BUBBLES = 30;
+constexpr int POINTS = 360;
+
+using Bubbles = std::vector<std::unique_ptr<Boid>>;
+
+float length(float x, float y, float z)
+{
+    return static_cast<float>(std::sqrt(static_cast<double>(x * x + y * y + z * z)));
+}
+
+void literalOutline(const Boid& bubble)
+{
+    const float speed = length(bubble.vel.x, bubble.vel.y, bubble.vel.z);
+    const float phase = DEG2RAD * static_cast<float>(bubble.counter) * speed / 10.0f;
+    const float radius = static_cast<float>(20.0 * std::cos(static_cast<double>(phase)));
+    glEnable(GL_BLEND);
+    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    glColor4f(0.8f, 0.8f, 1.0f, 0.5f);
+    glBegin(GL_LINE_LOOP);
+    for (int i = 0; i < POINTS; ++i) {
+        const auto degInRad = static_cast<double>(DEG2RAD * static_cast<float>(i));
+        const auto x = static_cast<float>(static_cast<double>(radius) * std::cos(degInRad));
+        const auto y = static_cast<float>(static_cast<double>(radius) * std::sin(degInRad));
+        const float dot = bubble.vel.x * x + bubble.vel.y * y + bubble.vel.z * 0;
+        const float scale =
+            dot / (length(bubble.vel.x, bubble.vel.y, bubble.vel.z) * length(x, y, 0));
+        glVertex2f(scale * x, scale * y);
+    }
+    glEnd();
+    glDisable(GL_BLEND);
+}
+
+/// The same calls with vertices that are there already.
+void calls(const Boid& bubble)
+{
+    glEnable(GL_BLEND);
+    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    glColor4f(0.8f, 0.8f, 1.0f, 0.5f);
+    glBegin(GL_LINE_LOOP);
+    for (int i = 0; i < POINTS; ++i) {
+        glVertex2f(bubble.vel.x, bubble.vel.y);
+    }
+    glEnd();
+    glDisable(GL_BLEND);
+}
+
+std::shared_ptr<Bubbles> newBubbles()
+{
+    auto bubbles = std::make_shared<Bubbles>();
+    std::minstd_rand random(1);
+    std::uniform_real_distribution<float> number(-7, 7);
+    for (std::size_t i = 0; i < BUBBLES; ++i) {
+        auto bubble = std::make_unique<Boid>();
+        bubble->type = BOID_BUBBLE;
+        bubble->vel = Vec3(number(random), number(random), 0);
+        bubbles->push_back(std::move(bubble));
+    }
+    return bubbles;
+}
+
+template<typename Draw>
+bench::Way way(const char* name, const std::shared_ptr<Bubbles>& bubbles, Draw draw)
+{
+    const auto reset = [bubbles] {
+        vertices.clear();
+        int phase = 0;
+        for (const auto& bubble : *bubbles) {
+            bubble->counter = phase += 2;
+        }
+    };
+    const auto run = [bubbles, draw] {
+        for (const auto& bubble : *bubbles) {
+            draw(*bubble);
+        }
+    };
+    return {name, run, reset, [=] {
+                reset();
+                run();
+                return bench::hashOf(vertices.data(), vertices.size() * sizeof(Point));
+            }};
+}
+
+bench::Job outlines()
+{
+    const auto bubbles = newBubbles();
+    bench::Way limit = way("limit", bubbles, calls);
+    limit.result = {};
+    return {"30 bubble outlines",
+            "outline",
+            BUBBLES,
+            {way("kelpix", bubbles, [](Boid& bubble) { bubble.draw(); }),
+             way("reference", bubbles, literalOutline), limit}};
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    return bench::run(argc, argv, {outlines});
+}

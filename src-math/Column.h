@@ -1,0 +1,43 @@
+#pragma once
+
+#include <array>
+#include <cstring>
+
+/// One column (or row) of a 4x4 matrix; each operation acts on its four elements, and rounds each
+/// as the same operation on a float does. A vector type of the compilers, which becomes a register
+/// where the processor has one and four numbers elsewhere.
+using Column = float __attribute__((vector_size(16)));
+
+/// Reads 4 floats.
+inline Column load(const float* elements)
+{
+    Column column;
+    std::memcpy(&column, elements, sizeof column);
+    return column;
+}
+
+/// Writes 4 floats.
+inline void store(float* elements, Column column)
+{
+    std::memcpy(elements, &column, sizeof column);
+}
+
+/// Elements \p a, \p b, \p c and \p d of a column.
+template<int a, int b, int c, int d>
+Column pick(Column column)
+{
+    return __builtin_shufflevector(column, column, a, b, c, d);
+}
+
+/// The rows of the matrix that has these columns, or the other way round.
+inline std::array<Column, 4> transposed(const std::array<Column, 4>& m)
+{
+    const Column low01 = __builtin_shufflevector(m[0], m[1], 0, 4, 1, 5);
+    const Column high01 = __builtin_shufflevector(m[0], m[1], 2, 6, 3, 7);
+    const Column low23 = __builtin_shufflevector(m[2], m[3], 0, 4, 1, 5);
+    const Column high23 = __builtin_shufflevector(m[2], m[3], 2, 6, 3, 7);
+    return {__builtin_shufflevector(low01, low23, 0, 1, 4, 5),
+            __builtin_shufflevector(low01, low23, 2, 3, 6, 7),
+            __builtin_shufflevector(high01, high23, 0, 1, 4, 5),
+            __builtin_shufflevector(high01, high23, 2, 3, 6, 7)};
+}
