@@ -36,7 +36,7 @@ void setOut(Options& options, const std::string& text)
         refuse("--out", "a name whose extension tells the kind of film, such as film.mp4", text);
     }
     if (extension == ".png") {
-        refuse("--out", "a film", text + "\" (--png makes a picture); for example \"film.mp4");
+        throw UsageError("--out makes a film; a picture takes --png " + text);
     }
 }
 
