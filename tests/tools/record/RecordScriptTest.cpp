@@ -194,6 +194,21 @@ TEST(RecordScriptTest, SaysWhichFileCannotBeRead)
     }
 }
 
+TEST(RecordScriptTest, TheGuidesExampleMakesSense)
+{
+    std::ifstream file(KELPIX_RECORDING_GUIDE);
+    const std::string guide{std::istreambuf_iterator<char>(file), {}};
+    const std::string start = "```text look-around.txt\n";
+    const std::size_t from = guide.find(start);
+    ASSERT_NE(from, std::string::npos);
+    const std::size_t to = guide.find("```", from + start.size());
+    const std::string example = guide.substr(from + start.size(), to - from - start.size());
+    EXPECT_EQ(parse(example).endStep, 400);
+    // The error that the guide shows is the one that this line brings.
+    const std::string wrong = "\n\n\n1 wheel left";
+    EXPECT_THAT(guide, testing::HasSubstr("look-around.txt" + errorOf(wrong).substr(10)));
+}
+
 TEST(RecordScriptTest, ReadsAnyBytesWithoutHarm)
 {
     std::string bytes;
