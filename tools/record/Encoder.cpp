@@ -76,6 +76,7 @@ bool writeAll(int descriptor, const void* data, std::size_t bytes)
 int spawn(std::vector<std::string> command, int input, int sound, pid_t& process)
 {
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (std::string& argument : command) {
         arguments.push_back(argument.data());
     }

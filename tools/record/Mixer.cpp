@@ -82,9 +82,9 @@ Track loadTrack(const char* path, std::int64_t& samples)
     const std::size_t end = bytes.size() / frameBytes * frameBytes;
     track.samples.reserve(end / 2);
     for (std::size_t at = 0; at < end; at += 2) {
-        const int low = static_cast<unsigned char>(bytes[at]);
-        const int high = static_cast<signed char>(bytes[at + 1]);
-        track.samples.push_back(static_cast<std::int16_t>(high * 256 + low));
+        const unsigned low = static_cast<unsigned char>(bytes[at]);
+        const unsigned high = static_cast<unsigned char>(bytes[at + 1]);
+        track.samples.push_back(static_cast<std::int16_t>(high << 8U | low));
     }
     return track;
 }

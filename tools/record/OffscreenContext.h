@@ -20,7 +20,7 @@ public:
     static void drawPixels(bool wanted);
 
 private:
-    void* display = nullptr; ///< owns; an EGLDisplay
+    void* display = nullptr; ///< borrows; an EGLDisplay, the process's only one
     void* context = nullptr; ///< owns; an EGLContext
 
     void makeContext();

@@ -4,6 +4,7 @@
 #include "OffscreenContext.h"
 #include "Player.h"
 
+#include "FreeType.h"
 #include "Node.h"
 #include "Stage.h"
 
@@ -118,9 +119,11 @@ protected:
     void SetUp() override
     {
         // The nodes of a scene live until the process ends.
-        static std::vector<Node*> roots;
-        roots.push_back(stage.graph.rootNode);
+        static auto* const roots = new std::vector<Node*>;
+        roots->push_back(stage.graph.rootNode);
     }
+
+    void TearDown() override { stage.window.our_font->clean(); }
 
     void play(const std::string& text, int steps)
     {
