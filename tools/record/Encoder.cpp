@@ -197,7 +197,8 @@ void Encoder::finish()
 void Encoder::abandon()
 {
     if (process != -1) {
-        kill(process, SIGKILL);
+        // It leads a group of its own: what it has started ends with it.
+        kill(-process, SIGKILL);
         waitForEnd();
     }
     part.discard();

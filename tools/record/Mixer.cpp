@@ -57,8 +57,9 @@ double Mixer::bubblesAt(std::int64_t frame, int channel) const
     if (length == 0) {
         return 0;
     }
-    const std::int64_t position = frame * loop.rate;
-    const std::int64_t whole = position / first.rate;
+    // Seconds apart from the rest, or hours at high rates would overflow.
+    const std::int64_t position = frame % first.rate * loop.rate;
+    const std::int64_t whole = frame / first.rate * loop.rate + position / first.rate;
     const double part = static_cast<double>(position % first.rate) / first.rate;
     const double here = sampleAt(loop, whole % length, channel);
     const double after = sampleAt(loop, (whole + 1) % length, channel);

@@ -89,7 +89,8 @@ Encoder::SoundSource soundFor(const Schedule& schedule, const Options& options, 
 {
     const std::int64_t rate = mixer.rate();
     const std::int64_t length = schedule.frames() * rate / options.fps;
-    const std::int64_t start = options.at * rate / SECOND;
+    // Seconds apart from the rest, or hours at high rates would overflow.
+    const std::int64_t start = options.at / SECOND * rate + options.at % SECOND * rate / SECOND;
     constexpr std::int64_t PIECE = 4096;
     return [=, at = start, mixer = std::move(mixer)]() mutable {
         const std::int64_t from = at;

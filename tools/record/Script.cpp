@@ -248,11 +248,18 @@ Script Script::parse(std::istream& text, const std::string& name)
 
 Script Script::read(const std::filesystem::path& path)
 {
+    const auto fail = [&](const std::string& reason) {
+        throw UsageError("cannot read " + path.string() + ": " + reason);
+    };
     std::error_code error;
+    const std::filesystem::file_status status = std::filesystem::status(path, error);
+    if (exists(status) && !is_regular_file(status) && !is_fifo(status)) {
+        // A device may have no end.
+        fail("not a file");
+    }
     std::ifstream file(path);
-    if (!file || is_directory(path, error)) {
-        throw UsageError("cannot read " + path.string() + ": " +
-                         (file ? std::strerror(EISDIR) : std::strerror(errno)));
+    if (!file) {
+        fail(std::strerror(errno));
     }
     return parse(file, path.string());
 }

@@ -5,6 +5,7 @@
 #include <csignal>
 #include <cstdio>
 #include <fcntl.h>
+#include <new>
 #include <unistd.h>
 
 namespace {
@@ -96,6 +97,9 @@ int main(int argc, char* argv[])
         return 2;
     } catch (const record::Interruption& interruption) {
         return 128 + interruption.signal;
+    } catch (const std::bad_alloc&) {
+        std::fprintf(stderr, "kelpix-record: not enough memory\n");
+        return 1;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "kelpix-record: %s\n", error.what());
         return 1;

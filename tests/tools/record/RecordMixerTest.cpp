@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <limits>
 
 namespace {
 
@@ -88,6 +89,14 @@ TEST(RecordMixerTest, HoursLaterTheBubblesAreStillInPlace)
     // After 36000 s at 192 kHz the loop of 7 frames at 44.1 kHz is at 44100 * 36000 mod 7 = 0.
     const Mixer mixer(stereo({}, 192000), mono({7000, 0, 0, 0, 0, 0, 0}, 44100));
     EXPECT_THAT(mixer.mix(std::int64_t{36000} * 192000, 1), ElementsAre(840, 840));
+}
+
+TEST(RecordMixerTest, TheHighestRatesDoNotOverflow)
+{
+    // Both rates are the same, so frame n of the loop of two goes with frame n.
+    const int highest = std::numeric_limits<int>::max();
+    const Mixer mixer(stereo({}, highest), mono({1000, 2000}, highest));
+    EXPECT_THAT(mixer.mix(std::int64_t{36000} * highest, 2), ElementsAre(120, 120, 240, 240));
 }
 
 TEST(RecordMixerTest, TracksAreDecodedAsTheProgramPlaysThem)

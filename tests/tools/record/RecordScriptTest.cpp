@@ -186,11 +186,13 @@ TEST(RecordScriptTest, SaysWhichFileCannotBeRead)
     } catch (const record::UsageError& error) {
         EXPECT_STREQ(error.what(), "cannot read /nowhere/script.txt: No such file or directory");
     }
-    try {
-        Script::read("/proc");
-        FAIL();
-    } catch (const record::UsageError& error) {
-        EXPECT_STREQ(error.what(), "cannot read /proc: Is a directory");
+    for (const std::string path : {"/proc", "/dev/zero"}) {
+        try {
+            Script::read(path);
+            FAIL();
+        } catch (const record::UsageError& error) {
+            EXPECT_EQ(error.what(), "cannot read " + path + ": not a file");
+        }
     }
 }
 
