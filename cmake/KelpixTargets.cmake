@@ -9,6 +9,16 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_compile_options(kelpix_options INTERFACE -fno-tree-slp-vectorize)
 endif()
 target_compile_options(kelpix_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion)
+if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    # For g++ it is no part of -Wconversion.
+    target_compile_options(kelpix_options INTERFACE -Wno-sign-conversion)
+    # No class has a virtual destructor: tests delete objects as what they are. They also print a
+    # text that is null, and index by character.
+    target_compile_options(kelpix_options INTERFACE
+        $<$<BOOL:$<TARGET_PROPERTY:KELPIX_IS_TEST>>:-Wno-delete-non-abstract-non-virtual-dtor>
+        $<$<BOOL:$<TARGET_PROPERTY:KELPIX_IS_TEST>>:-Wno-format-security>
+        $<$<BOOL:$<TARGET_PROPERTY:KELPIX_IS_TEST>>:-Wno-char-subscripts>)
+endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
     # A false alarm on sums of std::string (GCC bug 105329).
     target_compile_options(kelpix_options INTERFACE -Wno-restrict)
@@ -17,6 +27,8 @@ if(KELPIX_WERROR)
     target_compile_options(kelpix_options INTERFACE -Werror)
 endif()
 if(KELPIX_SANITIZE)
+    target_compile_definitions(kelpix_options INTERFACE
+        $<$<BOOL:$<TARGET_PROPERTY:KELPIX_IS_TEST>>:KELPIX_SANITIZED>)
     target_compile_options(kelpix_options INTERFACE
         $<$<NOT:$<BOOL:$<TARGET_PROPERTY:KELPIX_IS_TEST>>>:-O1>
         -fsanitize=address,undefined -fno-sanitize-recover=undefined -fsized-deallocation)

@@ -63,6 +63,11 @@ void Boid::initialize()
 
 void Boid::cleanup()
 {
+    // Only one that other code let die is still in its cell: outside the grid it has left it.
+    if (myBucket) {
+        myBucket->forget(this);
+        myBucket = nullptr;
+    }
     delete boider;
     boider = nullptr;
 }

@@ -79,7 +79,7 @@ public:
     Geometry* getGeometry() override { return nullptr; }
     void print() override {}
 
-    /// Deletes the sprite. Needs: current GL context if the sprite was drawn.
+    /// Leaves the grid and deletes the sprite. Needs: current GL context if the sprite was drawn.
     void cleanup() override;
 
     /// Compares the cell it is registered in, \p a, with the cell it is in now, \p b (either may be

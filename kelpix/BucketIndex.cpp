@@ -43,6 +43,16 @@ void Bucket::remove(Node* node)
     }
 }
 
+void Bucket::forget(const Node* node)
+{
+    for (std::size_t i = 0; i < boidList.size(); ++i) {
+        if (boidList[i] == node) {
+            nullboids.push(static_cast<int>(i));
+            boidList[i] = nullptr;
+        }
+    }
+}
+
 BucketIndex::~BucketIndex()
 {
     release();

@@ -31,6 +31,9 @@ public:
     /// all bubbles share an id, so removing one takes the others in the cell out of the flock's
     /// sight, and fish number 10 with them. Deliberate, the flock's look depends on it.
     void remove(Node* node);
+
+    /// Vacates the slots that hold \p node itself, which is about to be deleted.
+    void forget(const Node* node);
 };
 
 /// A uniform grid of cells for finding neighbours. Grid coordinates count cells: the environment's

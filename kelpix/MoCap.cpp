@@ -7,9 +7,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <limits>
+#include <memory>
 #include <new>
+#include <sys/stat.h>
 
 namespace {
 
@@ -22,9 +23,8 @@ using Word = std::array<char, 4096>;
 /// directory opens and reads as an empty file.
 std::FILE* openFile(const char* path)
 {
-    std::error_code error;
-    const std::filesystem::file_status status = std::filesystem::status(path, error);
-    if (!is_regular_file(status) && !is_directory(status)) {
+    struct stat status = {};
+    if (stat(path, &status) != 0 || !(S_ISREG(status.st_mode) || S_ISDIR(status.st_mode))) {
         return nullptr;
     }
     return std::fopen(path, "r");
@@ -90,6 +90,15 @@ Vec3 readVector(std::FILE* file, Word& word)
     std::exit(0);
 }
 
+/// Appends a new element that the list owns. It is not lost when the list cannot grow.
+template<typename Element, typename... Values>
+void append(std::vector<Element*>& list, const Values&... values)
+{
+    auto element = std::make_unique<Element>(values...);
+    list.push_back(element.get());
+    static_cast<void>(element.release());
+}
+
 /// Reads all records of a data file into the series from \p list[first] on; what has no entry in
 /// the list is dropped.
 /// \return the number of records, at least 1
@@ -108,8 +117,8 @@ int readRecords(std::FILE* file, const std::vector<SensorData*>& list, std::size
             if (first + k < list.size()) {
                 SensorData& series = *list[first + k];
                 series.timestep.push_back(time);
-                series.pos.push_back(new Vec3(pos));
-                series.ori.push_back(new Vec3(ori));
+                append(series.pos, pos);
+                append(series.ori, ori);
             }
         }
         for (int i = 0; i < IGNORED_WORDS; ++i) {
@@ -166,7 +175,7 @@ int MoCap::read(const char* indexPath)
         int records = 0;
         try {
             for (std::size_t k = 0; k < kept; ++k) {
-                sensorDataList.push_back(new SensorData);
+                append(sensorDataList);
             }
             records = readRecords(file, sensorDataList, kept * static_cast<std::size_t>(f));
         } catch (const std::bad_alloc&) {

@@ -224,7 +224,7 @@ void SensorRep::doupdate()
     } else {
         degree += 7.5f;
     }
-    if (degree >= 360) {
+    if (!(degree < 360)) { // NaN, of a recording that has one, starts again too
         degree = 0;
     }
 }

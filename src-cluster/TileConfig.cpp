@@ -4,7 +4,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <deque>
-#include <filesystem>
+#include <new>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -28,8 +29,8 @@ Records& records()
 /// its reader waiting.
 std::FILE* openFile(const char* path)
 {
-    std::error_code error;
-    if (path == nullptr || !std::filesystem::is_regular_file(path, error)) {
+    struct stat status = {};
+    if (path == nullptr || stat(path, &status) != 0 || !S_ISREG(status.st_mode)) {
         return nullptr;
     }
     return std::fopen(path, "r");
@@ -162,9 +163,13 @@ int TileConfig::readDisplayCfg(const char* path)
         return -1;
     }
     bool complete = false;
-    if (readKeyword(file, "Cluster")) {
-        cluster = &records().clusters.emplace_back();
-        complete = readCluster(file, *cluster);
+    try {
+        if (readKeyword(file, "Cluster")) {
+            cluster = &records().clusters.emplace_back();
+            complete = readCluster(file, *cluster);
+        }
+    } catch (const std::bad_alloc&) {
+        // A wall that memory cannot hold is incomplete like one that the file breaks off.
     }
     std::fclose(file);
     if (!complete) {

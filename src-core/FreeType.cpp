@@ -12,15 +12,18 @@
 #include <cstddef>
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
 #include <memory>
 #include <stdexcept>
 #include <string_view>
-#include <system_error>
+#include <sys/stat.h>
 
 namespace {
 
 constexpr int CHARACTERS = 128;
+
+/// The longest side of a glyph's bitmap, in pixels. A font may claim glyphs of any size, and each
+/// of the 128 takes a texture of its own.
+constexpr FT_Pos MAX_GLYPH_SIDE = 2048;
 
 struct Release {
     void operator()(FT_Library library) const { FT_Done_FreeType(library); }
@@ -60,14 +63,22 @@ LibraryHandle openLibrary()
 FaceHandle openFace(FT_Library library, const char* fname)
 {
     // Opening a pipe would block.
-    std::error_code error;
-    const bool isFile = fname != nullptr && std::filesystem::is_regular_file(fname, error);
+    struct stat status = {};
+    const bool isFile = fname != nullptr && stat(fname, &status) == 0 && S_ISREG(status.st_mode);
     FT_Face face = nullptr;
     if (!isFile || FT_New_Face(library, fname, 0, &face) != 0) {
         throw std::runtime_error(
             "FT_New_Face failed (there is probably a problem with your font file)");
     }
     return FaceHandle(face);
+}
+
+/// Whether the bitmap of a glyph, rendered or still to be, is small enough for a texture.
+bool isDrawable(FT_Glyph glyph)
+{
+    FT_BBox box = {};
+    FT_Glyph_Get_CBox(glyph, FT_GLYPH_BBOX_PIXELS, &box);
+    return box.xMax - box.xMin <= MAX_GLYPH_SIDE && box.yMax - box.yMin <= MAX_GLYPH_SIDE;
 }
 
 /// The character's glyph, rendered: it is an FT_BitmapGlyph.
@@ -80,9 +91,11 @@ GlyphHandle renderGlyph(FT_Face face, unsigned char character)
     if (FT_Get_Glyph(face->glyph, &glyph) != 0) {
         throw std::runtime_error("FT_Get_Glyph failed");
     }
-    const FT_Error error = FT_Glyph_To_Bitmap(&glyph, FT_RENDER_MODE_NORMAL, nullptr, 1);
+    // A glyph that is too large fails like one that the library itself will not render.
+    const bool failed =
+        !isDrawable(glyph) || FT_Glyph_To_Bitmap(&glyph, FT_RENDER_MODE_NORMAL, nullptr, 1) != 0;
     GlyphHandle rendered(glyph);
-    if (error != 0) {
+    if (failed) {
         throw std::runtime_error("FT_Glyph_To_Bitmap failed");
     }
     return rendered;

@@ -3,10 +3,9 @@
 #include <GL/glu.h>
 #include <cstddef>
 #include <cstdio>
-#include <filesystem>
 #include <memory>
 #include <new>
-#include <system_error>
+#include <sys/stat.h>
 
 namespace {
 
@@ -28,8 +27,8 @@ struct Source {
 Source readSource(const char* path)
 {
     // A directory has no text, and opening a pipe would block.
-    std::error_code error;
-    if (path == nullptr || !std::filesystem::is_regular_file(path, error)) {
+    struct stat status = {};
+    if (path == nullptr || stat(path, &status) != 0 || !S_ISREG(status.st_mode)) {
         return {};
     }
     const std::unique_ptr<std::FILE, Close> file(std::fopen(path, "r"));

@@ -4,16 +4,18 @@
 #include "ImagePNG.h"
 
 #include <cstdio>
+#include <new>
 
 namespace {
 
+/// \return null for an unknown kind, or when memory runs out
 BasicImage* newImage(IMAGE_TYPE format)
 {
     switch (format) {
     case IMAGE_JPEG:
-        return new ImageJPEG;
+        return new (std::nothrow) ImageJPEG;
     case IMAGE_PNG:
-        return new ImagePNG;
+        return new (std::nothrow) ImagePNG;
     }
     return nullptr;
 }

@@ -23,7 +23,8 @@ public:
     Texture(const char* fname, IMAGE_TYPE fmt);
 
     /// Reads the file and makes the texture: level 0 only, linear filters, everything else as GL
-    /// sets it. An unknown kind only sets loaded.
+    /// sets it. An unknown kind only sets loaded, and so does a picture for which there is no
+    /// memory at all.
     ///
     /// Needs: current GL context, no display list open. Changes: the binding of GL_TEXTURE_2D.
     /// Leaves a display list behind; a second call makes a second texture.

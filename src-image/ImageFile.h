@@ -23,6 +23,11 @@ inline constexpr std::size_t MAX_BYTES = std::size_t{1} << 30;
 ///         directory has no bytes and a pipe would block
 Handle open(const char* name);
 
+/// Opens a file for writing, and makes or empties it.
+/// \return empty for a null name, a file that cannot be opened, and a pipe, which would block until
+///         somebody reads from it
+Handle create(const char* name);
+
 /// Allocates a pixel buffer of \p width * \p height * \p components bytes, which the reader sets:
 /// writing large pictures twice is what a reader's time would go to. Behind them the buffer stays
 /// readable, as zeros, up to \p readable bytes per pixel: a texture upload reads the pixels in a

@@ -184,7 +184,7 @@ int ImageJPEG::write(const char* filename, int quality)
     if (buffer == nullptr) {
         return 0;
     }
-    ImageFile::Handle file(filename != nullptr ? std::fopen(filename, "wb") : nullptr);
+    ImageFile::Handle file = ImageFile::create(filename);
     if (file == nullptr) {
         std::fprintf(stderr, "can't open %s\n", shown(filename));
         return 0;

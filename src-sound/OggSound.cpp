@@ -5,11 +5,11 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <iostream>
 #include <limits>
 #include <new>
 #include <string_view>
+#include <sys/stat.h>
 #include <vorbis/vorbisfile.h>
 
 namespace {
@@ -24,9 +24,8 @@ namespace {
 /// directory opens and fails at the first read.
 std::FILE* openFile(const char* path)
 {
-    std::error_code error;
-    const std::filesystem::file_status status = std::filesystem::status(path, error);
-    if (!is_regular_file(status) && !is_directory(status)) {
+    struct stat status = {};
+    if (stat(path, &status) != 0 || !(S_ISREG(status.st_mode) || S_ISDIR(status.st_mode))) {
         return nullptr;
     }
     return std::fopen(path, "rb");
@@ -36,11 +35,11 @@ std::FILE* openFile(const char* path)
 /// the size of the file is believed.
 std::size_t expectedBytes(const char* path, ogg_int64_t samples, int channels)
 {
-    std::error_code error;
-    const std::uintmax_t fileBytes = std::filesystem::file_size(path, error);
-    if (error || samples <= 0 || channels <= 0) {
+    struct stat status = {};
+    if (stat(path, &status) != 0 || samples <= 0 || channels <= 0) {
         return 0;
     }
+    const auto fileBytes = static_cast<std::uintmax_t>(status.st_size);
     const auto frames = static_cast<std::uintmax_t>(samples);
     const auto frameBytes = static_cast<std::uintmax_t>(2) * static_cast<unsigned>(channels);
     const std::uintmax_t believed = std::min<std::uintmax_t>(fileBytes, 1 << 25) * 64;

@@ -6,7 +6,7 @@ import pathlib
 import subprocess
 import sys
 
-FOLDERS = ["kelpix", "src-*", "media", "tools", "examples", "tests", "bench", "fuzz"]
+FOLDERS = ["kelpix", "src-*", "media", "tools", "packaging", "examples", "tests", "bench", "fuzz"]
 
 
 def main(root, clang_format):

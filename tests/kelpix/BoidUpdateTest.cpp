@@ -283,4 +283,34 @@ TEST_F(BoidUpdateTest, NeighboursComeColumnByColumn)
     EXPECT_GT(boid->orientation.x, 0.2f) << "kicked to the right";
 }
 
+TEST_F(BoidUpdateTest, ABoidThatOthersLetDieLeavesItsCellWhenItIsCleanedUp)
+{
+    Boid* const boid = add(BOID_FISH, 1, {0.5f, 0.5f, 0});
+    {
+        TestBoids others;
+        Boid* const killed = others.add(BOID_FISH, 2, {0.52f, 0.5f, 0});
+        killed->sensorList = boid->sensorList;
+        killed->setParent(world);
+        killed->doupdate();
+        EXPECT_TRUE(sees(boid, killed));
+        killed->die();
+        killed->cleanup(); // as the walk that deletes it does
+        EXPECT_EQ(killed->myBucket, nullptr);
+    }
+    boid->doupdate(); // and finds nobody where the other one was
+    EXPECT_THAT(boid->flockCenter, IsVec3(0.52f, 0.5f, 0)) << "still that of the time before";
+}
+
+TEST_F(BoidUpdateTest, CleaningABubbleUpLeavesTheOthersInItsCell)
+{
+    Boid* const bubble = add(BOID_BUBBLE, 10, {0.52f, 0.55f, 0});
+    Boid* const other = add(BOID_BUBBLE, 10, {0.53f, 0.55f, 0});
+    bubble->doupdate();
+    other->doupdate();
+    ASSERT_THAT(cell(5, 5)->boidList, ElementsAre(bubble, other));
+    bubble->cleanup();
+    EXPECT_THAT(cell(5, 5)->boidList, ElementsAre(nullptr, other));
+    EXPECT_EQ(bubble->myBucket, nullptr);
+}
+
 } // namespace

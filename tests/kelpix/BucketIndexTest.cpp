@@ -316,6 +316,9 @@ TEST(BucketIndexShapesTest, InitialisingAgainStartsAfresh)
 
 TEST(BucketIndexShapesTest, AGridThatDoesNotFitIntoMemoryIsEmpty)
 {
+#if defined(KELPIX_SANITIZED) && defined(__clang__)
+    GTEST_SKIP() << "here, such an allocation ends the process and does not throw";
+#endif
     constexpr int MANY = std::numeric_limits<int>::max();
     BucketIndex grid;
     grid.initialize(3, 3, nullptr);

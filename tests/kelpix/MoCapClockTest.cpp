@@ -84,6 +84,20 @@ TEST_F(MoCapClockTest, TheStepIsZeroAgainAfterTheSoundEnded)
     EXPECT_EQ(mocap.step, 0);
 }
 
+TEST_F(MoCapClockTest, TheStepIsZeroWhenTheDeviceIsLostWhileItPlays)
+{
+    holdVoiceAt(10000);
+    Fl::add_timeout(0, dataTimer, &mocap);
+    waitForTick(mocap);
+    EXPECT_EQ(mocap.step, 500);
+    OggSound::exitAL();
+    waitForTick(mocap);
+    EXPECT_EQ(mocap.step, 0);
+    EXPECT_EQ(voice.getState(), 0);
+    voice.stop();
+    SetUpTestSuite();
+}
+
 TEST_F(MoCapClockTest, WithoutASoundTheStepIsZero)
 {
     mocap.sound = nullptr;

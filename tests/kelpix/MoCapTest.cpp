@@ -205,6 +205,21 @@ TEST_F(MoCapTest, AFileWithoutWordsGivesOneRecordOfZeros)
     EXPECT_EQ(countOf("has 1 lines.\n", output), 3u);
 }
 
+TEST_F(MoCapTest, ARecordingMayBreakOffAtEveryByte)
+{
+    const std::string whole = record(1) + record(2);
+    for (std::size_t size = 0; size <= whole.size(); ++size) {
+        MoCap fresh;
+        TempDirectory::write("data.txt", whole.substr(0, size));
+        TempDirectory::write("index.txt", "MOCAP 1 3 data.txt");
+        testing::internal::CaptureStdout();
+        fresh.read("index.txt");
+        testing::internal::GetCapturedStdout();
+        // The second record counts from its first character on.
+        EXPECT_EQ(fresh.numSteps, size > record(1).size() ? 2 : 1) << size;
+    }
+}
+
 TEST_F(MoCapTest, TheShortestSeriesCounts)
 {
     TempDirectory::write("long.txt", record(1) + record(2) + record(3));
@@ -400,9 +415,28 @@ TEST_F(MoCapDeathTest, AnIndexThatRunsOutOfPathsEndsTheProcess)
                 "Couldn't read file\\.\n$");
 }
 
+TEST_F(MoCapDeathTest, AnIndexMayBreakOffAtEveryByte)
+{
+    TempDirectory::write("data.txt", record(1));
+    const std::string whole = "MOCAP\n1 3\ndata.txt";
+    const auto readAndEnd = [] {
+        readAloud("index.txt");
+        std::exit(0);
+    };
+    for (std::size_t size = 0; size < whole.size(); ++size) {
+        TempDirectory::write("index.txt", whole.substr(0, size));
+        // Without the number of files there are none.
+        EXPECT_EXIT(readAndEnd(), ExitedWithCode(0),
+                    size < 5   ? "^No MOCAP specified!\n$"
+                    : size < 7 ? "size of sensorDataList = 0\n"
+                               : "Couldn't read file\\.\n$")
+            << whole.substr(0, size);
+    }
+}
+
 TEST_F(MoCapDeathTest, ARecordingThatMemoryCannotHoldCannotBeRead)
 {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef KELPIX_SANITIZED
     GTEST_SKIP() << "the sanitizer's own memory counts too";
 #endif
     std::string data;

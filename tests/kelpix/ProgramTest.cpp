@@ -245,4 +245,36 @@ TEST_F(ProgramTest, AnEmptyFolderIsDescribedWhole)
                   "Cannot open sound/magpie_vocal.ogg for reading...\n");
 }
 
+TEST_F(ProgramTest, WithoutStandardStreamsItRunsAllTheSame)
+{
+    // What it opens does not take their place: they are the null device.
+    Scene scene({"sh", "-c", "echo $$ >pid; exec \"$0\" <&- >&- 2>&-"}, folder);
+    scene.window();
+    std::string pid;
+    std::ifstream(folder / "pid") >> pid;
+    for (const char* stream : {"0", "1", "2"}) {
+        EXPECT_EQ(std::filesystem::read_symlink("/proc/" + pid + "/fd/" + stream), "/dev/null");
+    }
+    scene.press("q");
+    EXPECT_EQ(scene.program.wait(), 0);
+}
+
+TEST_F(ProgramTest, ALogThatBreaksOffDoesNotEndIt)
+{
+    Scene scene({"sh", "-c", "{ \"$0\"; echo \"status $?\" >&2; } | true"}, folder);
+    scene.window();
+    scene.press("q");
+    EXPECT_EQ(scene.program.wait(), 0);
+    EXPECT_EQ(scene.program.errors(), "status 0\n");
+}
+
+TEST_F(ProgramTest, AFullDiskUnderItsLogDoesNotEndIt)
+{
+    Scene scene({"sh", "-c", "exec \"$0\" >/dev/full"}, folder);
+    scene.window();
+    scene.press("q");
+    EXPECT_EQ(scene.program.wait(), 0);
+    EXPECT_EQ(scene.program.errors(), "");
+}
+
 } // namespace

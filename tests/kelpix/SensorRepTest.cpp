@@ -154,6 +154,17 @@ TEST_F(SensorRepTest, AVelocityWithoutEndStartsTheWaveAgain)
     EXPECT_EQ(rep.tentacle.size(), 3u);
 }
 
+TEST_F(SensorRepTest, AVelocityThatIsNoNumberStartsTheWaveAgain)
+{
+    // As after a recording with the word "nan": one such update must not stop the wave for good.
+    vel = Vec3(NOT_A_NUMBER, 0.1f, 0);
+    rep.doupdate();
+    EXPECT_EQ(rep.degree, 0);
+    vel = Vec3(0, 0, 0);
+    rep.doupdate();
+    EXPECT_EQ(rep.degree, 7.5f);
+}
+
 TEST_F(SensorRepTest, TheGridIsAUnitSphereWithItsPolesOnTheYAxis)
 {
     for (int j = 0; j <= 16; ++j) {

@@ -341,6 +341,24 @@ TEST(SensorDeathTest, AStepAtTheEndOfTheSeriesEndsTheProcessSilently)
     EXPECT_THAT(*sensor.series()[0], IsVec3(1, 1, 1));
 }
 
+TEST(SensorDeathTest, TheVoicesEndIsReachedOnlyBehindTheLastSample)
+{
+    // Fractions of the voice, and the samples of a recording: exactly the last sample, just above
+    // it, and the end of the voice.
+    for (const int samples : {1000, 10800}) {
+        TestSensor sensor(1, std::vector<Vec3>(static_cast<std::size_t>(samples)));
+        const float last = static_cast<float>(samples - 1) / static_cast<float>(samples);
+        sensor.mocap.step = MoCap::stepAt(samples, last);
+        EXPECT_EQ(sensor.mocap.step, samples - 1);
+        sensor->doupdate();
+        for (const float fraction : {last + 0.00005f, 1.0f}) {
+            sensor.mocap.step = MoCap::stepAt(samples, fraction);
+            EXPECT_EQ(sensor.mocap.step, samples) << fraction;
+            EXPECT_EXIT(updateNoisily(sensor), testing::ExitedWithCode(1), testing::StrEq(""));
+        }
+    }
+}
+
 TEST(SensorDeathTest, ASampleThatIsNotThereEndsTheProcessToo)
 {
     TestSensor sensor(1);

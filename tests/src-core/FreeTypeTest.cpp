@@ -6,6 +6,7 @@
 #include <fstream>
 #include <gmock/gmock.h>
 #include <iterator>
+#include <limits>
 #include <random>
 #include <stdexcept>
 #include <sys/stat.h>
@@ -377,6 +378,39 @@ TEST_F(FreeTypeTest, AnInitThatFailsHalfWayCanBeCleanedAndRepeated)
     EXPECT_EQ(failure(FONT, 49000), "FT_Get_Glyph failed");
     EXPECT_EQ(failure(FONT), "");
     EXPECT_TRUE(glIsList(font.list_base));
+}
+
+TEST_F(FreeTypeTest, NoHeightTakesMemoryWithoutBound)
+{
+    // Glyphs of 2048 pixels and less fit; those of an em of 4000 and more do not.
+    for (const unsigned height : {3000u, 10000u, 20000u}) {
+        EXPECT_EQ(failure(FONT, height), "FT_Glyph_To_Bitmap failed") << height;
+        font.clean();
+    }
+    // Heights that the library refuses leave the glyphs without pixels.
+    for (const unsigned height : {0u, 100000u, std::numeric_limits<unsigned>::max()}) {
+        EXPECT_EQ(failure(FONT, height), "") << height;
+        GLint width = 0;
+        GLint rows = 0;
+        texels(font.textures['A'], width, rows);
+        EXPECT_LE(width * rows, 16 * 16) << height;
+        font.clean();
+    }
+}
+
+TEST_F(FreeTypeTest, AGlyphWiderThanATextureIsRefused)
+{
+    std::string wide = "STARTFONT 2.1\n"
+                       "FONT -test-test-medium-r-normal--16-120-96-96-c-100-iso10646-1\n"
+                       "SIZE 12 96 96\nFONTBOUNDINGBOX 3000 16 0 -3\n"
+                       "STARTPROPERTIES 5\nPIXEL_SIZE 16\nFONT_ASCENT 13\nFONT_DESCENT 3\n"
+                       "CHARSET_REGISTRY \"ISO10646\"\nCHARSET_ENCODING \"1\"\nENDPROPERTIES\n"
+                       "CHARS 1\nSTARTCHAR A\nENCODING 65\nSWIDTH 500 0\nDWIDTH 14 0\n"
+                       "BBX 3000 1 0 0\nBITMAP\n" +
+                       std::string(750, 'F') + "\nENDCHAR\nENDFONT\n";
+    const TempPath path(".bdf");
+    path.write(Bytes(wide.begin(), wide.end()));
+    EXPECT_EQ(failure(path.name()), "FT_Glyph_To_Bitmap failed");
 }
 
 TEST_F(FreeTypeTest, ADamagedFontIsTakenOrRefused)

@@ -353,6 +353,11 @@ TEST(ImageJPEGTest, APictureTooLargeForMemoryIsRefused)
     EXPECT_EQ(image.buffer, nullptr);
     EXPECT_EQ(sizeOf(image), 0u);
     EXPECT_STREQ(image.sourceFile, good.name());
+
+    const Bytes aLittleTooLarge = {0x2E, 0xE0, 0x75, 0x30}; // 12000 rows of 30000: memory has 1 GiB
+    std::copy(aLittleTooLarge.begin(), aLittleTooLarge.end(), frame + 5);
+    path.write(file);
+    EXPECT_EQ(read(image, path.name()).err, "30000 x 12000 pixels are too many\n");
 }
 
 TEST(ImageJPEGTest, AFileOfEndlessScansIsRefused)
@@ -479,6 +484,21 @@ TEST(ImageJPEGTest, AFileThatCannotBeWrittenIsReportedOnStandardError)
     outcome = write(image, nullptr);
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.err, "can't open (null)\n");
+}
+
+TEST(ImageJPEGTest, ADirectoryAndAPipeCannotBeWritten)
+{
+    const TempPath original(".jpg");
+    const TempPath pipe(".jpg");
+    writeJpeg(original, noise(3, 3, 3));
+    ASSERT_EQ(mkfifo(pipe.name(), 0600), 0);
+    ImageJPEG image;
+    readWhole(image, original);
+    for (const std::string& name : {testing::TempDir(), std::string(pipe.name())}) {
+        const Outcome outcome = write(image, name.c_str());
+        EXPECT_EQ(outcome.status, 0);
+        EXPECT_EQ(outcome.err, "can't open " + name + "\n");
+    }
 }
 
 TEST(ImageJPEGTest, AFullDiskFailsTheWrite)

@@ -308,6 +308,9 @@ TEST(ImagePNGTest, APictureTooLargeForMemoryIsRefused)
     EXPECT_EQ(image.buffer, nullptr);
     EXPECT_EQ(image.w, 0);
 
+    path.write(claiming(file, 20000, 14000)); // a little more than 1 GiB, which memory could hold
+    EXPECT_EQ(read(image, path.name()).err, "Can't get pixels from PNG\n");
+
     path.write(claiming(file, 0x7FFFFFFF, 0x7FFFFFFF));
     outcome = read(image, path.name());
     EXPECT_EQ(outcome.status, -1);

@@ -264,7 +264,7 @@ TEST_F(OggDecodingDeathTest, AMissingPieceOfTheAudioIsDamage)
 
 TEST_F(OggDecodingDeathTest, ATrackThatMemoryCannotHoldIsDamage)
 {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef KELPIX_SANITIZED
     GTEST_SKIP() << "the sanitizer's own memory counts too";
 #endif
     TempDirectory::write("long.ogg", vorbis({.samples = 20000000, .loudness = 0}));
@@ -297,6 +297,26 @@ TEST_F(OggDecodingDeathTest, AFailureEndsTheProcessAlsoWhileSoundPlays)
     // OpenAL may add a line of its own, about the device that nobody closed.
     EXPECT_EXIT(failWhilePlaying(), ExitedWithCode(255),
                 "^Cannot open missing\\.ogg for reading\\.\\.\\.\n(AL lib.*\n)?$");
+}
+
+TEST_F(OggDecodingDeathTest, AFileCutOrDamagedAnywhereIsDecodedOrEndsTheProcessWithItsMessage)
+{
+    const std::string file = vorbis({.samples = 6000});
+    const auto decodeAndEnd = [] {
+        decode("bad.ogg");
+        std::fputs("decoded", stderr);
+        _exit(255);
+    };
+    const std::string outcome = "^(Error opening bad\\.ogg for decoding\\.\\.\\.\n|Error decoding "
+                                "bad\\.ogg\\.\\.\\.\n|decoded)$";
+    for (std::size_t at = 0; at < file.size(); at += file.size() / 64) {
+        TempDirectory::write("bad.ogg", file.substr(0, at));
+        EXPECT_EXIT(decodeAndEnd(), ExitedWithCode(255), outcome) << "cut at " << at;
+        std::string damaged = file;
+        damaged[at] = static_cast<char>(damaged[at] ^ 0x55);
+        TempDirectory::write("bad.ogg", damaged);
+        EXPECT_EXIT(decodeAndEnd(), ExitedWithCode(255), outcome) << "damaged at " << at;
+    }
 }
 
 } // namespace

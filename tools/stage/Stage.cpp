@@ -8,14 +8,19 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <vector>
 
 namespace {
 
-/// A seeded environment: the random numbers go into its fish, in the order of their making.
+/// A seeded environment: the random numbers go into its fish, in the order of their making. The
+/// process may have played another scene before.
 Environment* newEnvironment(unsigned seed)
 {
+    static auto* const all = new std::vector<Environment*>; // they stay reachable
+    emitt = 0;
     std::srand(seed);
-    return new Environment(nullptr);
+    all->push_back(new Environment(nullptr));
+    return all->back();
 }
 
 } // namespace
@@ -41,6 +46,12 @@ Stage::Stage(int width, int height, unsigned seed, Voice voice)
     window.end();
     window.setFont(&font);
     window.getRender()->setSG(&graph);
+}
+
+Stage::~Stage()
+{
+    // Not by font_data::clean: the context may be gone by now.
+    delete[] font.textures;
 }
 
 void Stage::update()

@@ -16,6 +16,9 @@ class MoCap;
 /// Time goes in steps of a fortieth of a second, the program's rate of updates and of redraws. The
 /// recording follows the position that the voice would have at its last tick, 90 a second.
 ///
+/// One at a time: random numbers and the count of draws between bubbles are the process's. A new
+/// stage begins both anew.
+///
 /// Plays the media below the working directory, and ends the process as their readers do.
 class Stage {
 public:
@@ -37,6 +40,9 @@ public:
     /// Builds the scene as the program does after srand(\p seed). Makes no GL call.
     /// \param width,height  of what is drawn, pixels
     Stage(int width, int height, unsigned seed, Voice voice);
+
+    /// The nodes live until the process ends, lists and textures as long as their GL context.
+    ~Stage();
     Stage(const Stage&) = delete;
     Stage& operator=(const Stage&) = delete;
 
@@ -45,8 +51,8 @@ public:
     void update();
 
     /// Draws one frame into the current framebuffer, as the window does; the program draws once
-    /// after each update. Needs: current GL context, the same one at each call; the first call sets
-    /// it up.
+    /// before its first update and once after each. Needs: current GL context, the same one at each
+    /// call; the first call sets it up.
     void draw() { window.draw(); }
 
     /// Seconds since the start, at the last update; 0 before the first.

@@ -164,6 +164,17 @@ TEST_F(ObjWriterTest, PathsThatCannotBeOpenedAreNotWritten)
     EXPECT_NE(read("w.mtl"), "");
 }
 
+TEST_F(ObjWriterTest, ADirectoryOrAPipeIsNotWrittenAndKeepsNobodyWaiting)
+{
+    const int fi = material();
+    const std::string pipe = path("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    obj_write_file(fi, pipe.c_str(), pipe.c_str());
+    obj_write_file(fi, path("").c_str(), path("").c_str());
+    obj_write_file(fi, "/dev/full", "/dev/full"); // a full disk
+    EXPECT_TRUE(std::filesystem::is_fifo(pipe));
+}
+
 TEST_F(ObjWriterTest, IndicesOfAnySizeAndNumbersThatAreNoneAreWritten)
 {
     const int fi = obj_add_file(nullptr);

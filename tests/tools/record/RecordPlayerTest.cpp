@@ -4,7 +4,6 @@
 #include "OffscreenContext.h"
 #include "Player.h"
 
-#include "FreeType.h"
 #include "Node.h"
 #include "Stage.h"
 
@@ -122,8 +121,6 @@ protected:
         static auto* const roots = new std::vector<Node*>;
         roots->push_back(stage.graph.rootNode);
     }
-
-    void TearDown() override { stage.window.our_font->clean(); }
 
     void play(const std::string& text, int steps)
     {

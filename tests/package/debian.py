@@ -1,0 +1,110 @@
+"""Tests the Debian packages: what they hold and need, what Debian's checkers say of them, and that
+they go without leaving anything behind.
+
+Usage: debian.py ROOT FOLDER
+ROOT: the repository; FOLDER: where install.py has put them.
+"""
+import gzip
+import os
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+
+FOLDER = pathlib.Path(sys.argv.pop())
+ROOT = pathlib.Path(sys.argv.pop())
+KELPIX, DEV = sorted((FOLDER / "packages").glob("*.deb"))
+USR = FOLDER / "root/usr"
+
+
+def output(*command, **options):
+    return subprocess.run(command, check=True, stdout=subprocess.PIPE, text=True, **options).stdout
+
+
+def depends(package):
+    return re.split(r",\s*", output("dpkg-deb", "--field", package, "Depends").strip())
+
+
+class Packages(unittest.TestCase):
+    def test_lintian_finds_no_error(self):
+        # Who makes packages for others names themselves with -DKELPIX_MAINTAINER.
+        nameless = "bogus-mail-host,bogus-mail-host-in-debian-changelog"
+        result = subprocess.run(
+            ["lintian", "--no-cfg", "--allow-root", "--fail-on", "error,warning",
+             "--suppress-tags", nameless, KELPIX, DEV],
+            stdout=subprocess.PIPE, text=True)
+        self.assertEqual((result.returncode, result.stdout), (0, ""))
+
+    def test_the_desktop_entry_is_valid(self):
+        self.assertEqual(output("desktop-file-validate", USR / "share/applications/kelpix.desktop"), "")
+
+    def test_the_appstream_data_are_valid(self):
+        output("appstreamcli", "validate", "--no-net", USR / "share/metainfo/kelpix.metainfo.xml")
+
+    def test_the_program_needs_the_libraries_that_it_is_linked_with(self):
+        names = {entry.split(" ")[0] for entry in depends(KELPIX)}
+        self.assertLessEqual({"libc6", "libfltk-gl1.3", "libglew2.2", "libopenal1", "libvorbisfile3"},
+                             names)
+        self.assertFalse([name for name in names if name.endswith("-dev")])
+
+    def test_the_framework_needs_what_its_build_needs(self):
+        lines = (ROOT / "cmake/packages.txt").read_text().splitlines()
+        wanted = [line.split()[1] for line in lines if line.startswith("build ")]
+        wanted = [name for name in wanted if name.endswith("-dev") or name == "pkg-config"]
+        self.assertGreater(len(wanted), 8)
+        self.assertEqual(depends(DEV), wanted)
+
+    def test_they_have_no_file_in_common(self):
+        files = [set(re.findall(r" (\./\S*[^/])$", output("dpkg-deb", "--contents", package), re.M))
+                 for package in (KELPIX, DEV)]
+        self.assertGreater(len(files[0]), 20)
+        self.assertGreater(len(files[1]), 40)
+        self.assertFalse(files[0] & files[1])
+
+    def test_every_header_of_the_framework_is_in(self):
+        folders = ["src-math", "src-image", "src-sound", "src-cluster", "src-core", "kelpix"]
+        private = {"ImageFile.h", "ObjLibrary.h", "ObjStore.h", "ObjText.h"}
+        headers = {path.name for folder in folders for path in (ROOT / folder).rglob("*.h")}
+        self.assertEqual({path.name for path in (USR / "include/kelpix").iterdir()}, headers - private)
+
+    def test_every_program_has_a_man_page(self):
+        programs = {path.name for path in (USR / "bin").iterdir()}
+        self.assertLessEqual({"kelpix", "kelpix-media"}, programs)
+        self.assertEqual({path.name for path in (USR / "share/man/man1").iterdir()},
+                         {f"{name}.1.gz" for name in programs})
+
+    def test_the_licences_are_in(self):
+        for package in ("kelpix", "libkelpix-dev"):
+            text = (USR / "share/doc" / package / "copyright").read_text()
+            for paragraph in (ROOT / "LICENSE").read_text().split("\n\n")[2:]:
+                self.assertIn(" ".join(paragraph.split()), " ".join(text.split()))
+            self.assertIn("License: SIL-OFL-1.1", text)
+            self.assertIn("SIL OPEN FONT LICENSE Version 1.1", text)
+        news = gzip.open(USR / "share/doc/kelpix/NEWS.gz", "rt").read()
+        self.assertEqual(news, (ROOT / "CHANGELOG.md").read_text())
+
+    def test_nothing_in_them_points_to_the_folder_that_they_were_built_in(self):
+        for path in USR.rglob("*"):
+            if path.is_file():
+                self.assertNotIn(str(ROOT).encode(), path.read_bytes(), path)
+
+    def test_nothing_is_left_when_they_are_removed(self):
+        self.assertEqual(os.geteuid(), 0, "dpkg needs to be root, or run this test under fakeroot")
+        with tempfile.TemporaryDirectory() as name:
+            root = pathlib.Path(name)
+            (root / "var/lib/dpkg").mkdir(parents=True)
+            (root / "var/lib/dpkg/status").touch()
+            dpkg = ["dpkg", f"--root={root}", "--force-depends", "--no-triggers",
+                    f"--log={root}/var/lib/dpkg/log"]
+            subprocess.run([*dpkg, "--install", KELPIX, DEV], check=True,
+                           stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+            self.assertTrue((root / "usr/bin/kelpix").exists())
+            subprocess.run([*dpkg, "--purge", "kelpix", "libkelpix-dev"], check=True,
+                           stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+            left = [path for path in root.iterdir() if path.name != "var"]
+            self.assertEqual(left, [])
+
+
+unittest.main()

@@ -1,0 +1,196 @@
+"""Tests the installed launcher around fake programs: what it plays, with which settings, and what it
+says when it cannot.
+
+Usage: launcher.py LAUNCHER VERSION
+LAUNCHER: the one that will be installed; its tree is made here.
+"""
+import os
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+VERSION = sys.argv.pop()
+LAUNCHER = sys.argv.pop()
+
+# Says how it was started, and ends with a status of its own.
+PROGRAM = """#!/bin/sh
+echo "arguments $#"
+echo "folder $(pwd -P)"
+echo "conf ${ALSOFT_CONF-unset}"
+echo "drivers ${ALSOFT_DRIVERS-unset}"
+exit 42
+"""
+
+
+class Launcher(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        # A name that a careless script would take apart.
+        self.root = pathlib.Path(folder.name).resolve() / "a root; $(false) *"
+        self.prefix = self.root / "usr"
+        self.launcher = self.prefix / "bin/kelpix"
+        self.program = self.prefix / "libexec/kelpix/kelpix"
+        self.sound_check = self.prefix / "libexec/kelpix/kelpix-sound-check"
+        self.installed = self.prefix / "share/kelpix/media"
+        self.conf = self.prefix / "share/kelpix/alsoft.conf"
+        self.home = self.root / "home"
+        self.launcher.parent.mkdir(parents=True)
+        shutil.copy(LAUNCHER, self.launcher)
+        self.script(self.program, PROGRAM)
+        self.script(self.sound_check, "#!/bin/sh\necho noise; echo noise >&2; exit 0\n")
+        self.media(self.installed)
+        self.home.mkdir()
+
+    def script(self, path, text):
+        path.parent.mkdir(parents=True, exist_ok=True)
+        path.write_text(text)
+        path.chmod(0o755)
+
+    def media(self, folder):
+        (folder / "data").mkdir(parents=True)
+        (folder / "data/mocap.txt").write_text("MOCAP")
+        return folder
+
+    def start(self, *arguments, folder=None, command=None, **changes):
+        """Starts the launcher without a terminal's environment; a change of None takes a name out."""
+        environment = {"PATH": os.environ["PATH"], "HOME": str(self.home), "DISPLAY": ":7"}
+        for name, value in changes.items():
+            environment.pop(name, None)
+            if value is not None:
+                environment[name] = str(value)
+        return subprocess.run([command or self.launcher, *arguments], cwd=folder or self.root,
+                              env=environment, capture_output=True, text=True)
+
+    def assert_plays(self, result, folder, conf=None, drivers="unset"):
+        self.assertEqual(result.returncode, 42, result.stderr)
+        lines = dict(line.split(" ", 1) for line in result.stdout.splitlines())
+        self.assertEqual(lines["arguments"], "0")
+        self.assertEqual(lines["folder"], str(folder))
+        if conf is None:
+            conf = self.conf
+        if conf == "unset":
+            self.assertEqual(lines["conf"], "unset")
+        else:
+            self.assertEqual(os.path.realpath(lines["conf"]), os.path.realpath(conf))
+        self.assertEqual(lines["drivers"], drivers)
+
+    def assert_refuses(self, result, status, *words):
+        self.assertEqual(result.returncode, status)
+        self.assertEqual(result.stdout, "")
+        self.assertEqual(result.stderr.count("\n"), 1, result.stderr)
+        self.assertTrue(result.stderr.startswith("kelpix: "), result.stderr)
+        for word in words:
+            self.assertIn(word, result.stderr)
+
+    # What it plays.
+
+    def test_plays_the_installed_media_and_passes_the_status_on(self):
+        result = self.start()
+        self.assert_plays(result, self.installed)
+        self.assertEqual(result.stderr, "")
+
+    def test_plays_the_folder_that_it_is_started_in(self):
+        folder = self.media(self.root / "reef")
+        self.assert_plays(self.start(folder=folder), folder)
+
+    def test_plays_the_folder_that_is_named(self):
+        here = self.media(self.root / "here")
+        there = self.media(self.root / "there")
+        self.assert_plays(self.start("--media", "../there", folder=here), there)
+        self.assert_plays(self.start("--media", there, folder=here), there)
+
+    def test_plays_folders_of_odd_names(self):
+        for name in ("-", "-P", "--help", "with space", "a\nb", "*"):
+            with self.subTest(name=name):
+                folder = self.media(self.root / name)
+                result = self.start("--media", name, OLDPWD="/", CDPATH="/")
+                self.assertEqual(result.returncode, 42, result.stderr)
+                self.assertIn(f"folder {folder}\n", result.stdout)
+
+    def test_is_found_through_a_link_and_through_the_path(self):
+        link = self.root / "link"
+        link.symlink_to(self.launcher)
+        self.assert_plays(self.start(command=link), self.installed)
+        path = f"{self.launcher.parent}:{os.environ['PATH']}"
+        result = subprocess.run(["kelpix"], cwd=self.root, capture_output=True, text=True,
+                                env={"PATH": path, "HOME": str(self.home), "DISPLAY": ":7"})
+        self.assert_plays(result, self.installed)
+
+    def test_becomes_the_program(self):
+        self.script(self.program, "#!/bin/sh\necho $$\n")
+        launcher = subprocess.Popen([self.launcher], cwd=self.root, stdout=subprocess.PIPE, text=True,
+                                    env={"PATH": os.environ["PATH"], "DISPLAY": ":7"})
+        out, _ = launcher.communicate()
+        self.assertEqual(out, f"{launcher.pid}\n")
+
+    # The sound.
+
+    def test_sets_the_fine_sound_clock(self):
+        self.assert_plays(self.start(HOME=None), self.installed)
+
+    def test_leaves_the_user_their_sound_settings(self):
+        self.assert_plays(self.start(ALSOFT_CONF="/mine"), self.installed, conf="/mine")
+        config = self.root / "config"
+        config.mkdir()
+        (config / "alsoft.conf").write_text("")
+        self.assert_plays(self.start(XDG_CONFIG_HOME=config), self.installed, conf="unset")
+        (self.home / ".config").mkdir()
+        (self.home / ".config/alsoft.conf").write_text("")
+        self.assert_plays(self.start(), self.installed, conf="unset")
+        self.assert_plays(self.start(XDG_CONFIG_HOME=self.root / "none"), self.installed)
+        (self.home / ".alsoftrc").write_text("")
+        self.assert_plays(self.start(XDG_CONFIG_HOME=self.root / "none"), self.installed, conf="unset")
+
+    def test_chooses_the_silent_clock_without_a_sound_device(self):
+        self.script(self.sound_check, "#!/bin/sh\necho noise >&2; exit 1\n")
+        result = self.start()
+        self.assert_plays(result, self.installed, drivers="null")
+        self.assertEqual(result.stderr, "kelpix: no sound device: the voice plays silently\n")
+
+    def test_asks_for_the_sound_device_with_the_settings_that_the_program_gets(self):
+        self.script(self.sound_check, '#!/bin/sh\n[ "$ALSOFT_DRIVERS" = loud ] && [ -n "$ALSOFT_CONF" ]\n')
+        self.assert_plays(self.start(ALSOFT_DRIVERS="loud"), self.installed, drivers="loud")
+
+    # What it says.
+
+    def test_helps(self):
+        for display in (":7", None):
+            result = self.start("--help", DISPLAY=display)
+            self.assertEqual((result.returncode, result.stderr), (0, ""))
+            self.assertTrue(result.stdout.startswith("usage: kelpix [--media DIR]\n"))
+            for option in ("--media", "--help", "--version"):
+                self.assertIn(f"\n  {option} ", result.stdout)
+
+    def test_tells_its_version(self):
+        result = self.start("--version", DISPLAY=None)
+        self.assertEqual((result.returncode, result.stdout, result.stderr),
+                         (0, f"kelpix {VERSION}\n", ""))
+
+    def test_refuses_unknown_options(self):
+        for argument in ("--loud", "reef", "-h", "", "--media=reef", "-n", "\\n"):
+            with self.subTest(argument=argument):
+                self.assert_refuses(self.start(argument), 2, "unknown option", f'"{argument}"')
+
+    def test_refuses_an_option_without_its_folder(self):
+        self.assert_refuses(self.start("--media"), 2, "--media")
+        self.assert_refuses(self.start("--media", ""), 2, "--media")
+
+    def test_says_that_there_are_no_media(self):
+        self.assert_refuses(self.start("--media", "nowhere"), 1, "nowhere", "data/mocap.txt")
+        shutil.rmtree(self.installed)
+        self.assert_refuses(self.start(), 1, "installed media", "--media")
+
+    def test_says_that_there_is_no_display(self):
+        for display in (None, ""):
+            self.assert_refuses(self.start(DISPLAY=display), 1, "no display", "DISPLAY")
+
+    def test_says_that_the_program_is_missing(self):
+        self.program.unlink()
+        self.assert_refuses(self.start(), 1, "the program is missing", "libexec/kelpix/kelpix")
+
+
+unittest.main()

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+
+/// An OpenGL that draws nothing. A program that links kelpix::nullgl has the functions of OpenGL
+/// 1.1 that kelpix calls, and glewInit, as its own: they are taken in place of the system's, by
+/// GLU and GLEW too. It needs no display, and its one context is always current.
+///
+/// It keeps what can be read back with effect on a scene: the matrix stacks and the matrix mode,
+/// viewport, list base, bound 2-D texture, pixel storage, the names of display lists and of
+/// textures, and in a list those commands that change one of these; calling a list repeats them.
+/// Matrices are multiplied in single precision, each element as a0*b0 + a1*b1 + a2*b2 + a3*b3 from
+/// the left, as software implementations do. glPushAttrib saves matrix mode, viewport, list base
+/// and texture binding. Each stack of matrices holds 32, those of attributes 16; what does not fit,
+/// or is not there, raises GL_STACK_OVERFLOW or GL_STACK_UNDERFLOW and does nothing.
+///
+/// All else is counted and forgotten. Arguments are not checked; a query that is not about the
+/// above raises GL_INVALID_ENUM and leaves its output alone. There are no extensions: GLEW's
+/// pointers stay null.
+///
+/// One thread.
+namespace nullgl {
+
+/// Back to a fresh context: identity matrices, no lists, no textures, no error, no calls.
+void reset();
+
+/// Forgets the calls, nothing else.
+void resetCalls();
+
+/// \param function  its name, as "glVertex2f"
+/// \return how often it was called since the start or the last reset; 0 for a name that nullgl does
+///         not have. Calls by a display list do not count, the call that compiles them does.
+std::int64_t calls(const std::string& function);
+
+/// The functions that were called at all, and how often.
+std::map<std::string, std::int64_t> calls();
+
+/// Names of display lists that exist: given out or compiled, and not deleted.
+std::size_t lists();
+
+/// Commands that a display list holds; 0 for a name that does not exist.
+std::int64_t listCommands(unsigned name);
+
+/// Commands that all display lists hold together.
+std::int64_t listCommands();
+
+/// Names of textures that exist: given out or bound, and not deleted.
+std::size_t textures();
+
+} // namespace nullgl

@@ -1,0 +1,145 @@
+#include "Goals.h"
+#include "MediaFolder.h"
+#include "NullGL.h"
+#include "OggSound.h"
+#include "Options.h"
+#include "Stage.h"
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <memory>
+
+namespace {
+
+constexpr int SIZE = 740; // pixels, the program's window
+constexpr std::int64_t STEPS_PER_MINUTE = 60 * Stage::STEPS_PER_SECOND;
+
+/// Whether all was played: the scene can end the process on its own.
+bool finished = false;
+
+void checkFinished()
+{
+    if (!finished) {
+        std::fflush(stdout);
+        std::fprintf(stderr, "kelpix-soak: the scene has ended early\n");
+        std::_Exit(1);
+    }
+}
+
+/// The voice of the media, or one of another length.
+Stage::Voice voiceOf(const soak::Options& options)
+{
+    if (options.voiceSeconds) {
+        constexpr int RATE = 44100;
+        return {static_cast<std::int64_t>(*options.voiceSeconds * RATE), RATE};
+    }
+    OggSound sound;
+    std::vector<char> track;
+    int format = 0;
+    unsigned rate = 0;
+    sound.loadOGG("sound/magpie_vocal.ogg", track, format, rate);
+    return {sound.numSamples, static_cast<int>(rate)};
+}
+
+soak::Sample sampleOf(const Stage& stage)
+{
+    soak::Sample sample = soak::countNodes(stage.water);
+    sample.hours = stage.time() / 3600;
+    sample.lists = nullgl::lists();
+    sample.textures = nullgl::textures();
+    sample.heap = soak::heapInUse();
+    return sample;
+}
+
+void print(const soak::Sample& sample)
+{
+    std::printf("%8.2f %6zu %8zu %8zu %9zu %7zu %10zu\n", sample.hours, sample.fish, sample.bubbles,
+                sample.lists, sample.textures, sample.slots, sample.heap / 1024);
+    std::fflush(stdout);
+}
+
+/// Plays one scene. \return the samples that were printed, and those with other display lists than
+/// they should have
+std::vector<soak::Sample> play(Stage& stage, const soak::Options& options)
+{
+    const auto steps = static_cast<std::int64_t>(options.hours * 60 * STEPS_PER_MINUTE);
+    const std::int64_t every = options.every * STEPS_PER_MINUTE;
+    std::vector<soak::Sample> samples;
+    samples.reserve(static_cast<std::size_t>(steps / every) + 8); // it must not count as growth
+    stage.draw();
+    for (std::int64_t step = 1; step <= steps; ++step) {
+        stage.update();
+        stage.draw();
+        // The first second makes textures and lists.
+        const bool first = step == Stage::STEPS_PER_SECOND;
+        if (first) {
+            std::printf("    hour   fish  bubbles    lists  textures   slots   heap KiB\n");
+        }
+        if (first || step % STEPS_PER_MINUTE == 0 || step == steps) {
+            const soak::Sample sample = sampleOf(stage);
+            const bool shown = first || step % every == 0 || step == steps;
+            if (shown) {
+                print(sample);
+            }
+            const bool wrong = sample.lists != sample.listsOfNodes;
+            if (shown || (wrong && samples.size() < samples.capacity())) {
+                samples.push_back(sample);
+            }
+        }
+    }
+    return samples;
+}
+
+/// Plays the scene of one seed and prints how it went. \return whether all goals are met
+bool run(const soak::Options& options, Stage::Voice voice, unsigned seed)
+{
+    const auto start = std::chrono::steady_clock::now();
+    nullgl::reset();
+    std::printf("\nseed %u, voice %.1f s\n", seed, static_cast<double>(voice.samples) / voice.rate);
+    const auto stage = std::make_unique<Stage>(SIZE, SIZE, seed, voice);
+    const std::vector<soak::Sample> samples = play(*stage, options);
+    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
+    std::printf("played in %.1f s\n", taken.count());
+
+    bool all = true;
+    for (const soak::Goal& goal : soak::judge(samples)) {
+        std::printf("%s: %s\n", goal.met ? "met" : "missed", goal.text.c_str());
+        all = all && goal.met;
+    }
+    return all;
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    try {
+        const soak::Options options = soak::parseOptions({argv + 1, argv + argc});
+        if (options.help) {
+            std::fputs(soak::usage().c_str(), stdout);
+            return 0;
+        }
+        if (!std::filesystem::is_directory(options.media)) {
+            throw soak::UsageError("there is no folder \"" + options.media.string() + "\"");
+        }
+        std::filesystem::current_path(options.media);
+        MediaFolder::reportMissingFiles();
+        std::atexit(checkFinished);
+        const Stage::Voice voice = voiceOf(options);
+        bool all = true;
+        for (const unsigned seed : options.seeds) {
+            all = run(options, voice, seed) && all;
+        }
+        finished = true;
+        return all ? 0 : 1;
+    } catch (const soak::UsageError& error) {
+        std::fprintf(stderr, "kelpix-soak: %s\nkelpix-soak --help lists the options.\n",
+                     error.what());
+        return 2;
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "kelpix-soak: %s\n", error.what());
+        return 1;
+    }
+}
