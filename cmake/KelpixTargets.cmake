@@ -35,6 +35,16 @@ if(KELPIX_SANITIZE)
     target_link_options(kelpix_options INTERFACE -fsanitize=address,undefined)
 endif()
 
+if(KELPIX_FUZZ)
+    # Source coverage as well: fuzz/run tells how much of a reader its inputs reach, and names the
+    # file for that; who runs a program by hand gets none.
+    target_compile_options(kelpix_options INTERFACE
+        -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=undefined
+        -fsized-deallocation -fprofile-instr-generate=/dev/null -fcoverage-mapping)
+    target_link_options(kelpix_options INTERFACE
+        -fsanitize=address,undefined -fprofile-instr-generate=/dev/null)
+endif()
+
 # kelpix_library(NAME SOURCES file... HEADERS file... [PUBLIC target...] [PRIVATE target...])
 # Makes the static library kelpix::NAME of the calling folder. Its headers are included by base
 # name; the target all_verify_interface_header_sets compiles each of them alone.

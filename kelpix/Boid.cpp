@@ -4,6 +4,7 @@
 #include "BucketIndex.h"
 #include "Environment.h"
 #include "Frustum.h"
+#include "Neighborhood.h"
 #include "Sensor.h"
 
 #include <GL/glew.h>
@@ -14,13 +15,14 @@
 
 namespace {
 
-constexpr float FARTHEST = 100000.0f;
-
 /// Where the wall tests look: a hundredth of the velocity ahead.
 double predicted(float position, float velocity)
 {
     return static_cast<double>(position) + 0.01 * static_cast<double>(velocity);
 }
+
+/// The cells around the boid that is updated; kept for its memory.
+std::vector<Bucket*> cells;
 
 struct Direction {
     double cosine, sine;
@@ -133,20 +135,11 @@ void Boid::doupdate()
 
     // Its own cell and the one before it along each axis, and the one after it only when it is in
     // the upper half of its cell: the rectangle's upper bound is exclusive.
-    std::vector<Bucket*> cells;
+    cells.clear();
     grid->query(&cells, x - 1.0f, y - 1.0f, x + 1.5f, y + 1.5f);
-    std::vector<Boid*> allneighbors;
-    for (Bucket* cell : cells) {
-        for (Node* node : *cell->getBoids()) {
-            auto* other = static_cast<Boid*>(node);
-            if (other && other->getId() != boidId &&
-                searchRadius >= Vec3::EuclDistance(other->pos, pos)) {
-                allneighbors.push_back(other);
-            }
-        }
-    }
+    const Neighborhood neighbors = Neighborhood::inCells(cells, *this);
     // It swims with the same boids that it avoids.
-    move(&allneighbors, &allneighbors);
+    steer(neighbors, neighbors.closest);
 }
 
 void Boid::enterGrid(Bucket* bucket)
@@ -192,11 +185,18 @@ int Boid::checkBucket(Bucket* a, Bucket* b)
 
 void Boid::move(std::vector<Boid*>* all, std::vector<Boid*>* flockmates)
 {
-    if (!flockmates->empty()) {
-        flock(*flockmates);
+    steer(Neighborhood::ofList(*flockmates), getClosest(all));
+}
+
+void Boid::steer(const Neighborhood& flockmates, Boid* closest)
+{
+    if (flockmates.count > 0) {
+        flock(flockmates);
     }
     avoidWalls();
-    doBoidCollision(all);
+    if (closest) {
+        bounceOff(closest);
+    }
     moveToClosestSensor();
     if (type == BOID_BUBBLE) {
         vel = vel + (Vec3(0.5f, 1.5f, 0) - pos) * 0.65f;
@@ -207,18 +207,12 @@ void Boid::move(std::vector<Boid*>* all, std::vector<Boid*>* flockmates)
     translate(vel.x, vel.y, vel.z);
 }
 
-void Boid::flock(const std::vector<Boid*>& flockmates)
+void Boid::flock(const Neighborhood& flockmates)
 {
-    Vec3 center;
-    Vec3 avgvelocity;
-    for (const Boid* mate : flockmates) {
-        center = center + mate->pos;
-        avgvelocity = avgvelocity + mate->vel;
-    }
-    const auto numboids = static_cast<float>(flockmates.size());
-    center = center / numboids;
+    const auto numboids = static_cast<float>(flockmates.count);
+    const Vec3 center = flockmates.pos / numboids;
     updateFlockingCenter(center);
-    avgvelocity = avgvelocity / numboids;
+    const Vec3 avgvelocity = flockmates.vel / numboids;
 
     Vec3 center_bias = center - pos;
     Vec3 avgvel_bias = avgvelocity - vel;
@@ -250,10 +244,13 @@ void Boid::avoidWalls()
 
 void Boid::doBoidCollision(std::vector<Boid*>* all)
 {
-    Boid* closest = getClosest(all);
-    if (!closest) {
-        return;
+    if (Boid* closest = getClosest(all)) {
+        bounceOff(closest);
     }
+}
+
+void Boid::bounceOff(Boid* closest)
+{
     Vec3 avoid;
     getAvoidVector(avoid, closest, BOUNCE);
     if (avoid.isnonzero()) {
@@ -263,12 +260,10 @@ void Boid::doBoidCollision(std::vector<Boid*>* all)
 
 Boid* Boid::getClosest(std::vector<Boid*>* neighbors)
 {
-    float nearest = FARTHEST;
+    Closest nearest;
     Boid* closest = nullptr;
     for (Boid* neighbor : *neighbors) {
-        const float distance = Vec3::EuclDistance(neighbor->pos, pos);
-        if (nearest > distance) {
-            nearest = distance;
+        if (nearest.isNearer(Vec3::SquaredDistance(neighbor->pos, pos))) {
             closest = neighbor;
         }
     }
@@ -300,29 +295,35 @@ void Boid::getAvoidVector(Vec3& avoid, Boid* boid, BOID_COLLISION_MODE mode)
 
 Node* Boid::getClosestSensor()
 {
+    float distance = 0;
+    return findSensor(distance);
+}
+
+Sensor* Boid::findSensor(float& distance)
+{
     if (!sensorList) {
         return nullptr;
     }
-    float nearest = FARTHEST;
-    Node* closest = nullptr;
+    Closest nearest;
+    Sensor* closest = nullptr;
     for (Node* node : *sensorList) {
-        const float distance = Vec3::EuclDistance(static_cast<Sensor*>(node)->pos, pos);
-        if (nearest > distance) {
-            nearest = distance;
-            closest = node;
+        auto* sensor = static_cast<Sensor*>(node);
+        if (nearest.isNearer(Vec3::SquaredDistance(sensor->pos, pos))) {
+            closest = sensor;
         }
     }
+    distance = nearest.distance();
     return closest;
 }
 
 void Boid::moveToClosestSensor()
 {
-    auto* closest = static_cast<Sensor*>(getClosestSensor());
+    float distance = 0;
+    const Sensor* closest = findSensor(distance);
     if (!closest) {
         std::puts("sensor not found");
         return;
     }
-    const float distance = Vec3::EuclDistance(closest->pos, pos);
     if (!(0.25f > distance)) {
         return;
     }

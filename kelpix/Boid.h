@@ -8,6 +8,8 @@
 
 class Boider;
 class Bucket;
+struct Neighborhood;
+class Sensor;
 
 enum BOID_TYPE { BOID_FISH, BOID_BUBBLE };
 enum BOID_MODE { NOMODE, MOVE_TO_SENSOR };
@@ -114,7 +116,10 @@ public:
 
 private:
     void enterGrid(Bucket* bucket);
-    void flock(const std::vector<Boid*>& flockmates);
+    void steer(const Neighborhood& flockmates, Boid* closest);
+    void flock(const Neighborhood& flockmates);
     void avoidWalls();
+    void bounceOff(Boid* closest);
+    Sensor* findSensor(float& distance);
     void turnSprite();
 };

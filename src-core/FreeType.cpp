@@ -19,7 +19,7 @@
 
 namespace {
 
-constexpr int CHARACTERS = 128;
+constexpr unsigned CHARACTERS = 128;
 
 /// The longest side of a glyph's bitmap, in pixels. A font may claim glyphs of any size, and each
 /// of the 128 takes a texture of its own.
@@ -81,10 +81,10 @@ bool isDrawable(FT_Glyph glyph)
     return box.xMax - box.xMin <= MAX_GLYPH_SIDE && box.yMax - box.yMin <= MAX_GLYPH_SIDE;
 }
 
-/// The character's glyph, rendered: it is an FT_BitmapGlyph.
-GlyphHandle renderGlyph(FT_Face face, unsigned char character)
+/// The glyph, rendered: it is an FT_BitmapGlyph.
+GlyphHandle renderGlyph(FT_Face face, FT_UInt index)
 {
-    if (FT_Load_Glyph(face, FT_Get_Char_Index(face, character), FT_LOAD_DEFAULT) != 0) {
+    if (FT_Load_Glyph(face, index, FT_LOAD_DEFAULT) != 0) {
         throw std::runtime_error("FT_Load_Glyph failed");
     }
     FT_Glyph glyph = nullptr;
@@ -101,14 +101,11 @@ GlyphHandle renderGlyph(FT_Face face, unsigned char character)
     return rendered;
 }
 
-/// The coverage of a glyph's pixels, 0 to 255, top row first, rows not padded. A rendered outline
-/// is that already; the glyphs of a bitmap font have fewer bits to a pixel.
-std::vector<unsigned char> coverageOf(FT_Library library, const FT_Bitmap& bitmap)
+/// The coverage of the pixels, 0 to 255, top row first, rows not padded, of a bitmap that has
+/// fewer bits to a pixel, as those of a bitmap font, or its last row first.
+std::vector<unsigned char> convertedCoverage(FT_Library library, const FT_Bitmap& bitmap)
 {
     const std::size_t size = std::size_t{bitmap.width} * bitmap.rows;
-    if (size == 0 || (bitmap.pixel_mode == FT_PIXEL_MODE_GRAY && bitmap.pitch >= 0)) {
-        return {bitmap.buffer, bitmap.buffer + size};
-    }
     const GreyBitmap grey(library, bitmap);
     const int lightest = std::max(grey.bitmap.num_grays - 1, 1);
     std::vector<unsigned char> coverage(grey.bitmap.buffer, grey.bitmap.buffer + size);
@@ -148,6 +145,48 @@ void drawQuad(float columns, float rows, float sx, float sy)
     glEnd();
 }
 
+/// What texture and list of a character are made of.
+struct Character {
+    std::vector<unsigned char> image; ///< of the texture
+    int columns = 0;                  ///< of the glyph's bitmap
+    int rows = 0;
+    int left = 0;     ///< from the pen to the first column
+    int top = 0;      ///< from the baseline to the first row
+    long advance = 0; ///< of the pen
+};
+
+Character readCharacter(FT_Face face, FT_UInt index)
+{
+    const GlyphHandle glyph = renderGlyph(face, index);
+    const auto* rendered = reinterpret_cast<FT_BitmapGlyph>(glyph.get());
+    const FT_Bitmap& bitmap = rendered->bitmap;
+    return {freetype::expand_bitmap(face->glyph->library, bitmap),
+            static_cast<int>(bitmap.width),
+            static_cast<int>(bitmap.rows),
+            rendered->left,
+            rendered->top,
+            face->glyph->advance.x >> 6};
+}
+
+void makeTextureAndList(const Character& character, GLuint texture, GLuint list)
+{
+    const int width = freetype::next_p2(character.columns);
+    const int height = freetype::next_p2(character.rows);
+    uploadGlyph(texture, character.image, width, height);
+
+    glNewList(list, GL_COMPILE);
+    glBindTexture(GL_TEXTURE_2D, texture);
+    glTranslatef(static_cast<float>(character.left), 0, 0);
+    glPushMatrix();
+    glTranslatef(0, static_cast<float>(character.top - character.rows), 0);
+    const auto columns = static_cast<float>(character.columns);
+    const auto rows = static_cast<float>(character.rows);
+    drawQuad(columns, rows, columns / static_cast<float>(width), rows / static_cast<float>(height));
+    glPopMatrix();
+    glTranslatef(static_cast<float>(character.advance), 0, 0);
+    glEndList();
+}
+
 /// Draws each line of the text, the first one at (x, y), with the font's lists.
 void drawLines(std::string_view text, float x, float y, float lineHeight)
 {
@@ -184,8 +223,16 @@ void font_data::init(const char* fname, unsigned int height)
 
     list_base = glGenLists(CHARACTERS);
     glGenTextures(CHARACTERS, textures);
-    for (int c = 0; c < CHARACTERS; ++c) {
-        make_dlist(face.get(), static_cast<char>(c), list_base, textures);
+    // A quarter of the characters, one after the other, share the glyph of those that a font lacks.
+    Character character;
+    FT_UInt last = 0;
+    for (unsigned c = 0; c < CHARACTERS; ++c) {
+        const FT_UInt index = FT_Get_Char_Index(face.get(), c);
+        if (c == 0 || index != last) {
+            character = readCharacter(face.get(), index);
+            last = index;
+        }
+        makeTextureAndList(character, textures[c], list_base + c);
     }
 }
 
@@ -254,36 +301,20 @@ void make_dlist(FT_Face face, char ch, GLuint list_base, const GLuint* tex_base)
     if (character >= CHARACTERS) {
         return;
     }
-    const GlyphHandle glyph = renderGlyph(face, character);
-    const auto* rendered = reinterpret_cast<FT_BitmapGlyph>(glyph.get());
-    const FT_Bitmap& bitmap = rendered->bitmap;
-    const auto columns = static_cast<int>(bitmap.width);
-    const auto rows = static_cast<int>(bitmap.rows);
-    const int width = next_p2(columns);
-    const int height = next_p2(rows);
-    uploadGlyph(tex_base[character], expand_bitmap(face->glyph->library, bitmap), width, height);
-
-    glNewList(list_base + character, GL_COMPILE);
-    glBindTexture(GL_TEXTURE_2D, tex_base[character]);
-    glTranslatef(static_cast<float>(rendered->left), 0, 0);
-    glPushMatrix();
-    glTranslatef(0, static_cast<float>(rendered->top - rows), 0);
-    const auto quadWidth = static_cast<float>(columns);
-    const auto quadHeight = static_cast<float>(rows);
-    drawQuad(quadWidth, quadHeight, quadWidth / static_cast<float>(width),
-             quadHeight / static_cast<float>(height));
-    glPopMatrix();
-    glTranslatef(static_cast<float>(face->glyph->advance.x >> 6), 0, 0);
-    glEndList();
+    makeTextureAndList(readCharacter(face, FT_Get_Char_Index(face, character)), tex_base[character],
+                       list_base + character);
 }
 
 std::vector<unsigned char> expand_bitmap(FT_Library library, const FT_Bitmap& bitmap)
 {
-    const std::vector<unsigned char> coverage = coverageOf(library, bitmap);
+    const bool isCoverage = bitmap.pixel_mode == FT_PIXEL_MODE_GRAY && bitmap.pitch >= 0;
+    const bool isEmpty = bitmap.width == 0 || bitmap.rows == 0;
+    const std::vector<unsigned char> converted =
+        isCoverage || isEmpty ? std::vector<unsigned char>() : convertedCoverage(library, bitmap);
+    const unsigned char* in = isCoverage ? bitmap.buffer : converted.data();
     const auto width = static_cast<std::size_t>(next_p2(static_cast<int>(bitmap.width)));
     const auto height = static_cast<std::size_t>(next_p2(static_cast<int>(bitmap.rows)));
     std::vector<unsigned char> image(2 * width * height);
-    auto in = coverage.begin();
     for (std::size_t j = 0; j < bitmap.rows; ++j) {
         unsigned char* texel = image.data() + 2 * width * j;
         for (std::size_t i = 0; i < bitmap.width; ++i) {

@@ -32,13 +32,12 @@ struct font_data {
     ///
     /// Needs: current GL context, no display list open. Changes: the binding of GL_TEXTURE_2D.
     /// \param fname   a file in any format that FreeType reads
-    /// \param height  size of the font in points at 96 dots per inch: 12 makes an em of 16 pixels.
-    /// No
-    ///                glyph may be wider or higher than 2048 pixels: "FT_Glyph_To_Bitmap failed"
+    /// \param height  size of the font in points at 96 dots per inch: 12 makes an em of 16 pixels
     /// \throws std::runtime_error "FT_Init_FreeType failed", "FT_New_Face failed (there is probably
     ///         a problem with your font file)", "FT_Load_Glyph failed", "FT_Get_Glyph failed", or
-    ///         the name of another function of FreeType that failed. The font can be cleaned or
-    ///         initialised again then, but not printed with
+    ///         the name of another function of FreeType that failed. A glyph more than 2048 pixels
+    ///         wide or high counts as one that FT_Glyph_To_Bitmap cannot render. The font can be
+    ///         cleaned or initialised again then, but not printed with
     void init(const char* fname, unsigned int height);
 
     /// Deletes the lists and textures. Needs: the GL context of init, current. Without a font, and

@@ -30,9 +30,7 @@ void Node::rotate(float x, float y, float z, float angle)
 
 void Node::multiply(const float* elementary)
 {
-    float product[16];
-    Matrix::do_multiply(product, transformmat, elementary);
-    Matrix::dump_matrix(transformmat, product);
+    Matrix::do_multiply(transformmat, transformmat, elementary);
 }
 
 void Node::attachChild(Node* child)

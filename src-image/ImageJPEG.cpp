@@ -28,6 +28,11 @@ constexpr const char* OUR_MESSAGES[] = {"More than %d scans", "%u x %u pixels ar
 /// and each costs a pass over the whole picture.
 constexpr int MAX_SCANS = 100;
 
+/// The most scans of a large picture are those that pass over so many pixels, but no fewer than
+/// MIN_SCANS.
+constexpr long MAX_SCANNED = 1L << 32;
+constexpr long MIN_SCANS = 16;
+
 /// Uploads of JPEG textures read this many bytes per pixel.
 constexpr std::size_t UPLOADED_COMPONENTS = 3;
 
@@ -50,8 +55,11 @@ jpeg_error_mgr* install(my_error_mgr& errors)
 
 void stopAfterManyScans(j_common_ptr jpeg)
 {
-    if (reinterpret_cast<j_decompress_ptr>(jpeg)->input_scan_number > MAX_SCANS) {
-        ERREXIT1(jpeg, TOO_MANY_SCANS, MAX_SCANS);
+    const auto* decompressor = reinterpret_cast<j_decompress_ptr>(jpeg);
+    const long pixels = long{decompressor->image_width} * long{decompressor->image_height};
+    const long most = std::clamp(MAX_SCANNED / pixels, MIN_SCANS, long{MAX_SCANS});
+    if (decompressor->input_scan_number > most) {
+        ERREXIT1(jpeg, TOO_MANY_SCANS, static_cast<int>(most));
     }
 }
 

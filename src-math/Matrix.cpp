@@ -1,8 +1,61 @@
 #include "Matrix.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
+#include <cstring>
+
+namespace {
+
+/// One column of a matrix; each operation acts on its four elements. A vector type of the compilers
+/// that becomes a register where the processor has one, and four numbers elsewhere.
+using Column = float __attribute__((vector_size(16)));
+
+Column load(const float* elements)
+{
+    Column column;
+    std::memcpy(&column, elements, sizeof column);
+    return column;
+}
+
+void store(float* elements, Column column)
+{
+    std::memcpy(elements, &column, sizeof column);
+}
+
+/// Elements \p a, \p b, \p c and \p d of a column.
+template<int a, int b, int c, int d>
+Column pick(Column column)
+{
+    return __builtin_shufflevector(column, column, a, b, c, d);
+}
+
+/// Negates every second element, from element 1 on, or from element 0 on when \p first is 1.
+template<int first>
+Column alternate(Column column)
+{
+    using Bits = std::uint32_t __attribute__((vector_size(16)));
+    constexpr std::uint32_t sign = 0x80000000;
+    constexpr Bits signs = first == 1 ? Bits{sign, 0, sign, 0} : Bits{0, sign, 0, sign};
+    return std::bit_cast<Column>(std::bit_cast<Bits>(column) ^ signs);
+}
+
+/// Stores the matrix that has these rows.
+void storeRows(float* out, Column r0, Column r1, Column r2, Column r3)
+{
+    const Column low01 = __builtin_shufflevector(r0, r1, 0, 4, 1, 5);
+    const Column high01 = __builtin_shufflevector(r0, r1, 2, 6, 3, 7);
+    const Column low23 = __builtin_shufflevector(r2, r3, 0, 4, 1, 5);
+    const Column high23 = __builtin_shufflevector(r2, r3, 2, 6, 3, 7);
+    store(out, __builtin_shufflevector(low01, low23, 0, 1, 4, 5));
+    store(out + 4, __builtin_shufflevector(low01, low23, 2, 3, 6, 7));
+    store(out + 8, __builtin_shufflevector(high01, high23, 0, 1, 4, 5));
+    store(out + 12, __builtin_shufflevector(high01, high23, 2, 3, 6, 7));
+}
+
+} // namespace
 
 namespace Matrix {
 
@@ -52,66 +105,59 @@ void rotation(float* m, float x, float y, float z, float angle)
 
 void do_multiply(float* out, const float* a, const float* b)
 {
-    float product[16];
-    for (int j = 0; j < 4; ++j) {
-        for (int i = 0; i < 4; ++i) {
-            product[4 * j + i] = a[i] * b[4 * j] + a[4 + i] * b[4 * j + 1] +
-                                 a[8 + i] * b[4 * j + 2] + a[12 + i] * b[4 * j + 3];
-        }
-    }
-    dump_matrix(out, product);
+    const Column a0 = load(a);
+    const Column a1 = load(a + 4);
+    const Column a2 = load(a + 8);
+    const Column a3 = load(a + 12);
+    const auto column = [&](const float* elements) {
+        const Column k = load(elements);
+        return a0 * pick<0, 0, 0, 0>(k) + a1 * pick<1, 1, 1, 1>(k) + a2 * pick<2, 2, 2, 2>(k) +
+               a3 * pick<3, 3, 3, 3>(k);
+    };
+    // All four before the first is stored: out may be a or b.
+    const Column c0 = column(b);
+    const Column c1 = column(b + 4);
+    const Column c2 = column(b + 8);
+    const Column c3 = column(b + 12);
+    store(out, c0);
+    store(out + 4, c1);
+    store(out + 8, c2);
+    store(out + 12, c3);
 }
 
 void do_inverse(float* out, const float* m)
 {
-    float e[16];
-    dump_matrix(e, m);
+    const Column m0 = load(m);
+    const Column m1 = load(m + 4);
+    const Column m2 = load(m + 8);
+    const Column m3 = load(m + 12);
 
-    // 2x2 minors of rows 2 and 3; the digits name the two columns.
-    const float s01 = e[2] * e[7] - e[6] * e[3];
-    const float s02 = e[2] * e[11] - e[10] * e[3];
-    const float s03 = e[2] * e[15] - e[14] * e[3];
-    const float s12 = e[6] * e[11] - e[10] * e[7];
-    const float s13 = e[6] * e[15] - e[14] * e[7];
-    const float s23 = e[10] * e[15] - e[14] * e[11];
+    // The 2x2 minors of two columns that the four columns of the inverse are made of: of rows 2 and
+    // 3 for the first two, of rows 1 and 3, and of rows 1 and 2.
+    const auto minors = [](Column p, Column q) {
+        return pick<2, 2, 1, 1>(p) * pick<3, 3, 3, 2>(q) -
+               pick<2, 2, 1, 1>(q) * pick<3, 3, 3, 2>(p);
+    };
+    const Column s01 = minors(m0, m1);
+    const Column s02 = minors(m0, m2);
+    const Column s03 = minors(m0, m3);
+    const Column s12 = minors(m1, m2);
+    const Column s13 = minors(m1, m3);
+    const Column s23 = minors(m2, m3);
 
-    // 2x2 minors of rows 1 and 3, and of rows 1 and 2.
-    const float t01 = e[1] * e[7] - e[5] * e[3];
-    const float t02 = e[1] * e[11] - e[9] * e[3];
-    const float t03 = e[1] * e[15] - e[13] * e[3];
-    const float t12 = e[5] * e[11] - e[9] * e[7];
-    const float t13 = e[5] * e[15] - e[13] * e[7];
-    const float t23 = e[9] * e[15] - e[13] * e[11];
-    const float u01 = e[1] * e[6] - e[5] * e[2];
-    const float u02 = e[1] * e[10] - e[9] * e[2];
-    const float u03 = e[1] * e[14] - e[13] * e[2];
-    const float u12 = e[5] * e[10] - e[9] * e[6];
-    const float u13 = e[5] * e[14] - e[13] * e[6];
-    const float u23 = e[9] * e[14] - e[13] * e[10];
+    // The row that completes each of these to a 3x3 minor.
+    const Column e0 = pick<1, 0, 0, 0>(m0);
+    const Column e1 = pick<1, 0, 0, 0>(m1);
+    const Column e2 = pick<1, 0, 0, 0>(m2);
+    const Column e3 = pick<1, 0, 0, 0>(m3);
 
-    // Cofactors of the first row: they make the determinant and the first column of the inverse.
-    const float c0 = e[5] * s23 - e[9] * s13 + e[13] * s12;
-    const float c1 = -(e[1] * s23 - e[9] * s03 + e[13] * s02);
-    const float c2 = e[1] * s13 - e[5] * s03 + e[13] * s01;
-    const float c3 = -(e[1] * s12 - e[5] * s02 + e[9] * s01);
-    const float det = e[0] * c0 + e[4] * c1 + e[8] * c2 + e[12] * c3;
-
-    out[0] = c0 / det;
-    out[1] = c1 / det;
-    out[2] = c2 / det;
-    out[3] = c3 / det;
-    out[4] = -(e[4] * s23 - e[8] * s13 + e[12] * s12) / det;
-    out[5] = (e[0] * s23 - e[8] * s03 + e[12] * s02) / det;
-    out[6] = -(e[0] * s13 - e[4] * s03 + e[12] * s01) / det;
-    out[7] = (e[0] * s12 - e[4] * s02 + e[8] * s01) / det;
-    out[8] = (e[4] * t23 - e[8] * t13 + e[12] * t12) / det;
-    out[9] = -(e[0] * t23 - e[8] * t03 + e[12] * t02) / det;
-    out[10] = (e[0] * t13 - e[4] * t03 + e[12] * t01) / det;
-    out[11] = -(e[0] * t12 - e[4] * t02 + e[8] * t01) / det;
-    out[12] = -(e[4] * u23 - e[8] * u13 + e[12] * u12) / det;
-    out[13] = (e[0] * u23 - e[8] * u03 + e[12] * u02) / det;
-    out[14] = -(e[0] * u13 - e[4] * u03 + e[12] * u01) / det;
-    out[15] = (e[0] * u12 - e[4] * u02 + e[8] * u01) / det;
+    // The four rows of cofactors. Their first elements make the determinant.
+    const Column r0 = alternate<0>(e1 * s23 - e2 * s13 + e3 * s12);
+    const Column r1 = alternate<1>(e0 * s23 - e2 * s03 + e3 * s02);
+    const Column r2 = alternate<0>(e0 * s13 - e1 * s03 + e3 * s01);
+    const Column r3 = alternate<1>(e0 * s12 - e1 * s02 + e2 * s01);
+    const float det = m0[0] * r0[0] + m1[0] * r1[0] + m2[0] * r2[0] + m3[0] * r3[0];
+    storeRows(out, r0 / det, r1 / det, r2 / det, r3 / det);
 }
 
 void dump_matrix(float* dst, const float* src)

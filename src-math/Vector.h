@@ -88,15 +88,21 @@ public:
         return {a.y * b.z - b.y * a.z, a.z * b.x - b.z * a.x, a.x * b.y - b.x * a.y};
     }
 
-    /// The distance of two points: the difference in single precision, its squares, their sum and
-    /// the root in double.
-    static float EuclDistance(const Vec3& a, const Vec3& b)
+    /// The square of the distance of two points: the difference in single precision, its squares
+    /// and their sum in double.
+    static double SquaredDistance(const Vec3& a, const Vec3& b)
     {
         const Vec3 d = a - b;
         const double dx = static_cast<double>(d.x);
         const double dy = static_cast<double>(d.y);
         const double dz = static_cast<double>(d.z);
-        return static_cast<float>(std::sqrt(dx * dx + dy * dy + dz * dz));
+        return dx * dx + dy * dy + dz * dz;
+    }
+
+    /// The distance of two points: the root of that square, rounded to single precision.
+    static float EuclDistance(const Vec3& a, const Vec3& b)
+    {
+        return static_cast<float>(std::sqrt(SquaredDistance(a, b)));
     }
 
     /// The largest (despite its name) absolute difference of a component: the Chebyshev distance.

@@ -1,6 +1,7 @@
 #include "ObjStore.h"
 #include "ObjText.h"
 
+#include <algorithm>
 #include <csetjmp>
 #include <cstdio>
 #include <memory>
@@ -133,8 +134,12 @@ struct JpegErrors {
 /// picture; encoders write about ten.
 void jpeg_progress(j_common_ptr jpeg)
 {
-    constexpr int MOST_SCANS = 100;
-    if (reinterpret_cast<j_decompress_ptr>(jpeg)->input_scan_number > MOST_SCANS) {
+    constexpr long MOST_SCANS = 100;
+    constexpr long LEAST_SCANS = 16;
+    constexpr long MOST_SCANNED = 1L << 32; // pixels passed over
+    const auto* picture = reinterpret_cast<j_decompress_ptr>(jpeg);
+    const long pixels = long{picture->image_width} * long{picture->image_height};
+    if (picture->input_scan_number > std::clamp(MOST_SCANNED / pixels, LEAST_SCANS, MOST_SCANS)) {
         give_up(jpeg);
     }
 }
@@ -199,9 +204,9 @@ GLuint make_texture(const Picture& picture)
     glBindTexture(GL_TEXTURE_2D, texture);
 
     glPushClientAttrib(GL_CLIENT_PIXEL_STORE_BIT);
-    for (const GLenum name : {GL_UNPACK_ROW_LENGTH, GL_UNPACK_SKIP_ROWS, GL_UNPACK_SKIP_PIXELS}) {
-        glPixelStorei(name, 0);
-    }
+    glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
+    glPixelStorei(GL_UNPACK_SKIP_ROWS, 0);
+    glPixelStorei(GL_UNPACK_SKIP_PIXELS, 0);
     glPixelStorei(GL_UNPACK_ALIGNMENT, 1); // rows are not padded
     gluBuild2DMipmaps(GL_TEXTURE_2D, static_cast<GLint>(format), picture.width, picture.height,
                       format, GL_UNSIGNED_BYTE, picture.pixels.get());

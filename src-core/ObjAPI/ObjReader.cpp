@@ -3,6 +3,7 @@
 #include "ObjText.h"
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <new>
 #include <string>
@@ -179,62 +180,82 @@ int add_vertex(int fi, const iset& corner)
     return vi;
 }
 
-/// Adds a corner to the table, with the store vertex of the first one in its position's chain that
-/// is the \p same, else with a new vertex. The corner becomes the head of the chain; those between
-/// it and its like drop out of it, and all do when there is none, so that a later corner may get a
-/// vertex that is there already. Deliberate: the vertices of models in the field are numbered so.
+/// Corners are the same in a face when all their numbers are.
+bool same_in_face(const iset& a, const iset& b)
+{
+    return a._vi == b._vi && a._ti == b._ti && a._ni == b._ni && a.gi == b.gi;
+}
+
+/// Those of lines have no normal and no smoothing group, and take what a face has made.
+bool same_in_line(const iset& a, const iset& b)
+{
+    return a._vi == b._vi && a._ti == b._ti;
+}
+
+/// Gives a corner the store vertex of the first one in its position's chain that is the \p same,
+/// else a new one. The corner becomes the head of the chain; those between it and its like drop out
+/// of it, and all do when there is none, so that a later corner may get a vertex that is there
+/// already. Deliberate: the vertices of models in the field are numbered so.
 /// A corner whose position is not there has no chain.
 /// \return false, and nothing has changed, when memory runs out
 template<typename Same>
-bool add_corner(int fi, const iset& corner, Same same)
+bool resolve(int fi, iset& corner, Same same)
 {
-    const int ii = add_i();
-    if (ii < 0) {
-        return false;
-    }
-    int ij = is_position(corner._vi) ? _vv[corner._vi]._ii : -1;
+    int* const head = is_position(corner._vi) ? &_vv[corner._vi]._ii : nullptr;
+    int ij = head != nullptr ? *head : -1;
     while (ij >= 0 && !same(_iv[ij], corner)) {
         ij = _iv[ij]._ii;
     }
-    const int vi = ij < 0 ? add_vertex(fi, corner) : _iv[ij].vi;
-    if (vi < 0) {
-        --_ic;
-        return false;
+    // In front of a corner with all its numbers it would hide that one: the other serves for both.
+    int ii = ij;
+    if (ij < 0 || !same_in_face(_iv[ij], corner)) {
+        ii = add_i();
+        if (ii < 0) {
+            return false;
+        }
+        _iv[ii] = corner;
+        _iv[ii]._ii = ij;
+        _iv[ii].vi = ij < 0 ? add_vertex(fi, corner) : _iv[ij].vi;
+        if (_iv[ii].vi < 0) {
+            --_ic;
+            return false;
+        }
     }
-    _iv[ii] = corner;
-    _iv[ii].vi = vi;
-    _iv[ii]._ii = ij;
-    if (is_position(corner._vi)) {
-        _vv[corner._vi]._ii = ii;
+    corner.vi = _iv[ii].vi;
+    if (head != nullptr) {
+        *head = ii;
     }
     return true;
 }
 
-/// Adds the corners of a face.
+/// The corners of one line of text: each takes two characters of it at least.
+using Corners = std::array<iset, (LineReader::LONGEST + 1) / 2>;
+
+/// Reads the corners of a face.
 /// \return how many
-int read_poly_vertices(const char* text, int fi, int gi)
+int read_poly_vertices(const char* text, int fi, int gi, Corners& corners)
 {
     int count = 0;
     iset corner = {};
     corner.gi = gi;
     while (read_poly_indices(text, corner)) {
-        count += add_corner(fi, corner, [](const iset& a, const iset& b) {
-            return a._vi == b._vi && a._ti == b._ti && a._ni == b._ni && a.gi == b.gi;
-        });
+        if (resolve(fi, corner, same_in_face)) {
+            corners[static_cast<std::size_t>(count++)] = corner;
+        }
     }
     return count;
 }
 
-/// Adds the corners of a polyline, which have no normal and no smoothing group.
+/// Reads the corners of a polyline.
 /// \return how many
-int read_line_vertices(const char* text, int fi)
+int read_line_vertices(const char* text, int fi, Corners& corners)
 {
     int count = 0;
     iset corner = {};
     while (read_line_indices(text, corner)) {
-        count += add_corner(fi, corner, [](const iset& a, const iset& b) {
-            return a._vi == b._vi && a._ti == b._ti;
-        });
+        if (resolve(fi, corner, same_in_line)) {
+            corners[static_cast<std::size_t>(count++)] = corner;
+        }
     }
     return count;
 }
@@ -243,16 +264,16 @@ int read_line_vertices(const char* text, int fi)
 /// normal of its own. It goes to the store vertices that have the numbers of the corners'
 /// *positions*. That and looking at the first corner only is deliberate: models in the field are
 /// lit with it. What is not there gets or gives no normal.
-void smooth(int fi, int i0, int n)
+void smooth(int fi, const iset* corners, int n)
 {
-    if (n < 3 || _iv[i0]._ni != -1 || !is_position(_iv[i0]._vi) || !is_position(_iv[i0 + 1]._vi) ||
-        !is_position(_iv[i0 + 2]._vi)) {
+    if (n < 3 || corners[0]._ni != -1 || !is_position(corners[0]._vi) ||
+        !is_position(corners[1]._vi) || !is_position(corners[2]._vi)) {
         return;
     }
     float face[3];
-    normal(face, _vv[_iv[i0]._vi].v, _vv[_iv[i0 + 1]._vi].v, _vv[_iv[i0 + 2]._vi].v);
+    normal(face, _vv[corners[0]._vi].v, _vv[corners[1]._vi].v, _vv[corners[2]._vi].v);
     for (int k = 0; k < n; ++k) {
-        const int vi = _iv[i0 + k]._vi;
+        const int vi = corners[k]._vi;
         if (0 <= vi && vi < file(fi)->vc) {
             float* vertex = vert(fi, vi)->n;
             vertex[0] += face[0];
@@ -265,13 +286,14 @@ void smooth(int fi, int i0, int n)
 /// A face becomes a fan of triangles around its first corner.
 void read_f(const char* text, int fi, int si, int gi)
 {
-    const int i0 = _ic;
-    const int n = read_poly_vertices(text, fi, gi);
+    Corners room;
+    const int n = read_poly_vertices(text, fi, gi, room);
+    const iset* const corners = room.data();
     if (gi != 0) {
-        smooth(fi, i0, n);
+        smooth(fi, corners, n);
     }
     for (int k = 0; k < n - 2 && si < obj_num_surf(fi); ++k) {
-        const int vi[3] = {_iv[i0].vi, _iv[i0 + k + 1].vi, _iv[i0 + k + 2].vi};
+        const int vi[3] = {corners[0].vi, corners[k + 1].vi, corners[k + 2].vi};
         if (const int pi = obj_add_poly(fi, si); pi >= 0) {
             obj_set_poly(fi, si, pi, vi);
         }
@@ -280,10 +302,11 @@ void read_f(const char* text, int fi, int si, int gi)
 
 void read_l(const char* text, int fi, int si)
 {
-    const int i0 = _ic;
-    const int n = read_line_vertices(text, fi);
+    Corners room;
+    const int n = read_line_vertices(text, fi, room);
+    const iset* const corners = room.data();
     for (int k = 0; k < n - 1 && si < obj_num_surf(fi); ++k) {
-        const int vi[2] = {_iv[i0 + k].vi, _iv[i0 + k + 1].vi};
+        const int vi[2] = {corners[k].vi, corners[k + 1].vi};
         if (const int li = obj_add_line(fi, si); li >= 0) {
             obj_set_line(fi, si, li, vi);
         }
@@ -301,9 +324,9 @@ std::string join(const std::string& directory, std::string_view name)
     return directory + '/' + std::string(name);
 }
 
-/// The model's directory and the libraries in it that were used so far. Each is read once, however
-/// many names a model has for it ("m.mtl", "./m.mtl", a link): the time and memory that a model
-/// takes stay in proportion to the files there are.
+/// The model's directory and the libraries in it that were used so far. Each is looked up once for
+/// a name and read once, however many names a model has for it ("m.mtl", "./m.mtl", a link): the
+/// time and memory that a model takes stay in proportion to the files there are.
 class Libraries {
 public:
     explicit Libraries(std::string directory) : directory_(std::move(directory)) {}
@@ -312,7 +335,16 @@ public:
 
     const Library& get(const std::string& name)
     {
-        const std::string path = join(directory_, name);
+        const auto [place, is_new] = named_.try_emplace(name, &none_);
+        if (is_new) {
+            place->second = &find(join(directory_, name));
+        }
+        return *place->second;
+    }
+
+private:
+    const Library& find(const std::string& path)
+    {
         struct stat about = {};
         if (stat(path.c_str(), &about) != 0) {
             return none_;
@@ -324,8 +356,8 @@ public:
         return place->second;
     }
 
-private:
     std::string directory_;
+    std::map<std::string, const Library*> named_;
     std::map<std::pair<dev_t, ino_t>, Library> libraries_; ///< by their files
     const Library none_;                                   ///< of a file that is not there
 };

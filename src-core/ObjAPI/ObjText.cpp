@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <bit>
 #include <charconv>
-#include <climits>
 #include <cstdint>
 #include <cstring>
 #include <fcntl.h>
@@ -15,12 +14,8 @@
 namespace {
 
 using obj::skip_blanks;
+using obj::take_digits;
 using obj::take_int;
-
-constexpr bool is_digit(char c)
-{
-    return c >= '0' && c <= '9';
-}
 
 /// One "%f", by the library itself.
 bool take_odd_float(const char*& text, float& value)
@@ -34,6 +29,10 @@ bool take_odd_float(const char*& text, float& value)
     return true;
 }
 
+/// The powers of ten that are exact in double.
+constexpr double POWERS[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                             1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
 /// value = mantissa * 10^exponent, rounded once, for numbers of a usual length.
 /// \param digits  how many digits have gone into the mantissa
 /// \return false, and nothing is written, for others
@@ -44,9 +43,6 @@ bool round_to_float(std::uint64_t mantissa, std::ptrdiff_t digits, std::ptrdiff_
     // product or quotient is rounded once (Clinger, "How to Read Floating Point Numbers
     // Accurately", 1990). To round it again, to single precision, gives another result than to
     // round once only if it lies half-way between two floats.
-    constexpr double POWERS[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                 1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
-                                 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
     constexpr std::ptrdiff_t MOST_DIGITS = 19; // no more fit the mantissa
     if (digits > MOST_DIGITS || mantissa > std::uint64_t{1} << 53 || exponent < -22 ||
         exponent > 22) {
@@ -75,16 +71,12 @@ bool take_float(const char*& text, float& value)
 
     std::uint64_t mantissa = 0;
     const char* const first = p;
-    for (; is_digit(*p); ++p) {
-        mantissa = 10 * mantissa + static_cast<unsigned>(*p - '0');
-    }
+    take_digits(p, mantissa);
     std::ptrdiff_t digits = p - first;
     std::ptrdiff_t exponent = 0;
     if (*p == '.') {
         const char* const fraction = ++p;
-        for (; is_digit(*p); ++p) {
-            mantissa = 10 * mantissa + static_cast<unsigned>(*p - '0');
-        }
+        take_digits(p, mantissa);
         digits += p - fraction;
         exponent = fraction - p;
     }
@@ -130,6 +122,13 @@ InputFile open_input(const char* path)
         close(descriptor);
     }
     return InputFile(file);
+}
+
+LineReader::LineReader(const char* path) : file_(open_input(path))
+{
+    if (is_open()) {
+        std::setvbuf(file_.get(), nullptr, _IONBF, 0); // the buffer here is enough
+    }
 }
 
 bool LineReader::refill()
@@ -193,31 +192,6 @@ int take_floats(const char*& text, float* values, int count)
         ++taken;
     }
     return taken;
-}
-
-bool take_int(const char*& text, int& value)
-{
-    const char* p = text;
-    const bool negative = *p == '-';
-    p += *p == '-' || *p == '+';
-    if (!is_digit(*p)) {
-        return false;
-    }
-    while (*p == '0') {
-        ++p;
-    }
-    const char* const first = p;
-    std::uint64_t magnitude = 0;
-    for (; is_digit(*p); ++p) {
-        magnitude = 10 * magnitude + static_cast<unsigned>(*p - '0');
-    }
-    constexpr std::ptrdiff_t MOST_DIGITS = 19; // with more, the sum has wrapped around
-    constexpr std::uint64_t BEYOND = std::uint64_t{INT_MAX} + 1;
-    const auto bound =
-        static_cast<std::int64_t>(p - first > MOST_DIGITS ? BEYOND : std::min(magnitude, BEYOND));
-    value = static_cast<int>(negative ? -bound : std::min<std::int64_t>(bound, INT_MAX));
-    text = p;
-    return true;
 }
 
 bool take_option(const char*& text, std::string_view option)

@@ -8,7 +8,11 @@
 /// those of the C locale, and a function that takes something from the front of a text moves the
 /// pointer behind it.
 
+#include <algorithm>
 #include <array>
+#include <climits>
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <locale.h>
 #include <memory>
@@ -29,7 +33,9 @@ InputFile open_input(const char* path);
 /// longer one is the next line.
 class LineReader {
 public:
-    explicit LineReader(const char* path) : file_(open_input(path)) {}
+    static constexpr std::size_t LONGEST = 1023; ///< characters in a line
+
+    explicit LineReader(const char* path);
     LineReader(const LineReader&) = delete;
     LineReader& operator=(const LineReader&) = delete;
 
@@ -40,8 +46,6 @@ public:
     const char* next();
 
 private:
-    static constexpr std::size_t LONGEST = 1023;
-
     bool refill();
 
     InputFile file_;
@@ -81,9 +85,48 @@ std::string_view take_word(const char*& text);
 /// \return how many; the values behind them are left as they are
 int take_floats(const char*& text, float* values, int count);
 
+constexpr bool is_digit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+/// Takes decimal digits and appends them to \p number, which wraps around after 19 of them.
+inline void take_digits(const char*& text, std::uint64_t& number)
+{
+    const char* p = text;
+    for (unsigned digit; (digit = static_cast<unsigned char>(*p - '0')) <= 9; ++p) {
+        number = 10 * number + digit;
+    }
+    text = p;
+}
+
 /// "%d" where a number begins at once, without skipping blanks. A number out of range becomes the
 /// nearest int. \return false, and nothing is taken, when there is no number
-bool take_int(const char*& text, int& value);
+inline bool take_int(const char*& text, int& value)
+{
+    const char* p = text;
+    const bool negative = *p == '-';
+    p += *p == '-' || *p == '+';
+    if (!is_digit(*p)) {
+        return false;
+    }
+    while (*p == '0') {
+        ++p;
+    }
+    const char* const first = p;
+    std::uint64_t magnitude = 0;
+    take_digits(p, magnitude);
+    constexpr std::ptrdiff_t ALWAYS_FIT = 9; // digits
+    if (p - first > ALWAYS_FIT) {
+        constexpr std::ptrdiff_t MOST_DIGITS = 19; // with more, the sum has wrapped around
+        const std::uint64_t limit = std::uint64_t{INT_MAX} + (negative ? 1 : 0);
+        magnitude = p - first > MOST_DIGITS ? limit : std::min(magnitude, limit);
+    }
+    const auto number = static_cast<std::int64_t>(magnitude);
+    value = static_cast<int>(negative ? -number : number);
+    text = p;
+    return true;
+}
 
 /// " -option ": skips blanks, takes the option, skips blanks. The option may run into what follows.
 /// \return false, and nothing is taken, when there is something else

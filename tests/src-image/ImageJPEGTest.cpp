@@ -360,7 +360,8 @@ TEST(ImageJPEGTest, APictureTooLargeForMemoryIsRefused)
     EXPECT_EQ(read(image, path.name()).err, "30000 x 12000 pixels are too many\n");
 }
 
-TEST(ImageJPEGTest, AFileOfEndlessScansIsRefused)
+/// A progressive picture whose last scan comes again and again.
+Bytes withScans(int count)
 {
     const TempPath path(".jpg");
     writeJpeg(path, noise(16, 16, 1), 90, JpegKind::progressive);
@@ -369,16 +370,42 @@ TEST(ImageJPEGTest, AFileOfEndlessScansIsRefused)
     const auto lastScan =
         std::find_end(file.begin(), file.end(), startOfScan.begin(), startOfScan.end());
     const auto endOfImage = file.end() - 2;
-    Bytes endless(file.begin(), endOfImage);
-    for (int i = 0; i < 200; ++i) {
-        endless.insert(endless.end(), lastScan, endOfImage);
+    Bytes scans(file.begin(), endOfImage);
+    for (int i = 0; i < count; ++i) {
+        scans.insert(scans.end(), lastScan, endOfImage);
     }
-    endless.insert(endless.end(), endOfImage, file.end());
-    path.write(endless);
+    scans.insert(scans.end(), endOfImage, file.end());
+    return scans;
+}
+
+TEST(ImageJPEGTest, AFileOfEndlessScansIsRefused)
+{
+    const TempPath path(".jpg");
+    path.write(withScans(200));
     ImageJPEG image;
     const Outcome outcome = read(image, path.name());
     EXPECT_EQ(outcome.status, 0);
     EXPECT_THAT(outcome.err, HasSubstr("More than 100 scans\n"));
+}
+
+TEST(ImageJPEGTest, ALargePictureMayHaveFewerScans)
+{
+    // 8000 by 8000 pixels: 2^32 / 64000000 scans.
+    Bytes file = withScans(90);
+    const Bytes startOfFrame = {0xFF, 0xC2};
+    const auto frame =
+        std::search(file.begin(), file.end(), startOfFrame.begin(), startOfFrame.end());
+    ASSERT_LT(frame - file.begin() + 9, static_cast<std::ptrdiff_t>(file.size()));
+    for (const int at : {5, 7}) {
+        frame[at] = 8000 >> 8;
+        frame[at + 1] = 8000 & 0xFF;
+    }
+    const TempPath path(".jpg");
+    path.write(file);
+    ImageJPEG image;
+    const Outcome outcome = read(image, path.name());
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.err, HasSubstr("More than 67 scans\n"));
 }
 
 TEST(ImageJPEGTest, TheFileIsClosedWhateverHappens)

@@ -1,0 +1,71 @@
+// From the start of the process to the first frame in the window.
+
+#include "Child.h"
+#include "Data.h"
+#include "Job.h"
+#include "ReadyBody.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <initializer_list>
+#include <spawn.h>
+#include <string>
+#include <sys/wait.h>
+#include <vector>
+
+extern char** environ;
+
+namespace {
+
+/// Runs a program, which ends after its first frame, and takes the time.
+double timeOf(std::vector<std::string> command)
+{
+    std::vector<char*> words;
+    for (std::string& word : command) {
+        words.push_back(word.data());
+    }
+    words.push_back(nullptr);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
+
+    const double start = bench::wallClock();
+    pid_t program = 0;
+    int status = 1;
+    if (posix_spawn(&program, words[0], &actions, nullptr, words.data(), environ) == 0) {
+        waitpid(program, &status, 0);
+    }
+    const double seconds = bench::wallClock() - start;
+    posix_spawn_file_actions_destroy(&actions);
+    if (status != 0) {
+        std::printf("%s failed\n", words[0]);
+        std::exit(1);
+    }
+    return seconds;
+}
+
+bench::Way way(const char* name, const std::vector<std::string>& command)
+{
+    return {.name = name, .measure = [command] { return timeOf(command); }};
+}
+
+bench::Job firstFrame()
+{
+    const bench::ReadyBody body = bench::ReadyBody::compute();
+    const std::string numbers =
+        bench::writeData("body.bin", {reinterpret_cast<const char*>(body.frames.data()),
+                                      body.frames.size() * sizeof body.frames[0]});
+    return {"first frame",
+            "start",
+            1,
+            {way("kelpix", {KELPIX_FIRST_FRAME}), way("limit", {KELPIX_LEAST_FRAME, numbers}),
+             way("window", {KELPIX_LEAST_FRAME})}};
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    return bench::run(argc, argv, {firstFrame});
+}

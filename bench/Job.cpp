@@ -1,0 +1,197 @@
+#include "Job.h"
+
+#include <algorithm>
+#include <benchmark/benchmark.h>
+#include <cstdio>
+#include <cstring>
+#include <map>
+#include <valgrind/callgrind.h>
+
+namespace bench {
+namespace {
+
+constexpr int ROUNDS = 15;
+constexpr double SECONDS = 0.02; // at least, of one way in one round
+
+/// Nanoseconds per item, one number a round.
+using Samples = std::map<std::string, std::vector<double>>;
+
+/// Takes Google Benchmark's results instead of printing them.
+class Collector : public benchmark::BenchmarkReporter {
+public:
+    Collector(Samples& all, double itemsPerOperation) : samples(all), items(itemsPerOperation) {}
+
+    bool ReportContext(const Context&) override { return true; }
+
+    void ReportRuns(const std::vector<Run>& runs) override
+    {
+        for (const Run& run : runs) {
+            const double seconds = run.real_accumulated_time / static_cast<double>(run.iterations);
+            samples[run.run_name.function_name].push_back(seconds * 1e9 / items);
+        }
+    }
+
+private:
+    Samples& samples;
+    double items;
+};
+
+void measure(benchmark::State& state, const Way& way)
+{
+    for (auto _ : state) {
+        if (way.measure) {
+            if (way.reset) {
+                way.reset();
+            }
+            state.SetIterationTime(way.measure());
+            continue;
+        }
+        if (way.reset) {
+            state.PauseTiming();
+            way.reset();
+            state.ResumeTiming();
+        }
+        way.run();
+    }
+}
+
+/// All ways in turn, round after round: what disturbs the machine for a while disturbs all of them.
+Samples timed(const Job& job)
+{
+    benchmark::ClearRegisteredBenchmarks();
+    for (const Way& way : job.ways) {
+        auto* registered = benchmark::RegisterBenchmark(
+            way.name.c_str(), [&way](benchmark::State& state) { measure(state, way); });
+        if (way.measure) {
+            registered->UseManualTime()->Iterations(1);
+        } else {
+            registered->MinTime(SECONDS);
+        }
+    }
+    Samples samples;
+    Collector collector(samples, job.items);
+    for (int round = 0; round < ROUNDS; ++round) {
+        benchmark::RunSpecifiedBenchmarks(&collector, ".");
+    }
+    return samples;
+}
+
+/// Writes one profile a way, with the way's name in it.
+void count(const Job& job)
+{
+    for (const Way& way : job.ways) {
+        if (!way.run) {
+            continue;
+        }
+        const auto reset = way.reset ? way.reset : [] {};
+        // Once unseen: what is made lazily is there then.
+        reset();
+        way.run();
+        reset();
+        CALLGRIND_START_INSTRUMENTATION;
+        way.run();
+        CALLGRIND_STOP_INSTRUMENTATION;
+        const std::string name =
+            job.name + '\t' + job.item + '\t' + way.name + '\t' + std::to_string(job.items);
+        CALLGRIND_DUMP_STATS_AT(name.c_str());
+    }
+}
+
+double median(std::vector<double> values)
+{
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
+void printTable(const Job& job, const Samples& samples)
+{
+    const std::vector<double>& own = samples.at(job.ways.front().name);
+    std::printf("\n%s\n", job.name.c_str());
+    for (const Way& way : job.ways) {
+        const std::vector<double>& times = samples.at(way.name);
+        std::vector<double> ratios(own.size());
+        std::transform(own.begin(), own.end(), times.begin(), ratios.begin(), std::divides<>());
+        std::printf("  %-14s %14.1f ns per %-10s %-8s / it: %.3f\n", way.name.c_str(),
+                    median(times), job.item.c_str(), job.ways.front().name.c_str(), median(ratios));
+    }
+}
+
+void printSamples(const Job& job, const Samples& samples)
+{
+    for (const Way& way : job.ways) {
+        std::printf("%s\t%s\t%s", job.name.c_str(), job.item.c_str(), way.name.c_str());
+        for (const double time : samples.at(way.name)) {
+            std::printf("\t%.3f", time);
+        }
+        std::printf("\n");
+    }
+}
+
+bool agree(const Job& job)
+{
+    const Way* first = nullptr;
+    std::uint64_t expected = 0;
+    for (const Way& way : job.ways) {
+        if (!way.result) {
+            continue;
+        }
+        const std::uint64_t result = way.result();
+        if (!first) {
+            first = &way;
+            expected = result;
+        } else if (result != expected) {
+            std::printf("%s: %s and %s do not agree\n", job.name.c_str(), first->name.c_str(),
+                        way.name.c_str());
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+int run(int argc, char** argv, const std::vector<JobMaker>& makers)
+{
+    bool samplesOnly = false;
+    bool counting = false;
+    std::string only;
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--samples") == 0) {
+            samplesOnly = true;
+        } else if (std::strcmp(argv[i], "--count") == 0) {
+            counting = true;
+        } else {
+            only = argv[i];
+        }
+    }
+
+    for (const JobMaker& make : makers) {
+        const Job job = make();
+        if (!only.empty() && only != job.name) {
+            continue;
+        }
+        if (!agree(job)) {
+            return 1;
+        }
+        if (counting) {
+            count(job);
+            continue;
+        }
+        const Samples samples = timed(job);
+        samplesOnly ? printSamples(job, samples) : printTable(job, samples);
+        std::fflush(stdout);
+    }
+    return 0;
+}
+
+std::uint64_t hashOf(const void* data, std::size_t bytes, std::uint64_t hash)
+{
+    const auto* byte = static_cast<const unsigned char*>(data);
+    for (std::size_t i = 0; i < bytes; ++i) {
+        hash = (hash ^ byte[i]) * 0x100000001b3;
+    }
+    return hash;
+}
+
+} // namespace bench

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <array>
+#include <vector>
+
+namespace bench {
+
+/// All frames of a figure's body with the numbers computed beforehand: making display lists of them
+/// costs the GL calls and nothing else.
+struct ReadyBody {
+    static constexpr int FRAMES = 240;
+    static constexpr int SEGMENTS = 6;
+    static constexpr int ROWS = 16;
+    static constexpr int COLUMNS = 17;
+
+    struct Segment {
+        float y;
+        std::array<float, 3> scale;
+    };
+    struct Frame {
+        std::array<Segment, SEGMENTS> segments;
+        float points[ROWS][COLUMNS][3];
+    };
+    std::vector<Frame> frames;
+
+    /// Computes them, step by step as they are described.
+    static ReadyBody compute();
+
+    /// Makes the lists. Needs: current GL context. \return the first of FRAMES lists
+    unsigned compile() const;
+};
+
+} // namespace bench
