@@ -24,6 +24,10 @@ COVERED = {
         "cmake --preset release && cmake --build --preset release\n"
         "(cd build/release && cpack)\n"
         "sudo apt-get install ./build/release/packages/kelpix_*.deb\n": "package/install",
+        "cd build/release/scene\n"
+        "../tools/record/kelpix-record --out film.mp4 --seconds 30 --size 1080x1080\n"
+        "../tools/record/kelpix-record --png frame.png --at 48\n":
+            "minutes; tools/record/RecordProgramTest makes smaller ones",
     },
     "CONTRIBUTING.md": {
         "cmake --preset dev && cmake --build --preset dev && ctest --preset dev\n":
@@ -42,6 +46,14 @@ COVERED = {
             "needs a program that kelpix does not",
     },
     "docs/first-hour.md": "package/first_hour",
+    "docs/recording.md": {
+        "cd build/release/scene\n"
+        "../tools/record/kelpix-record --out film.mp4 --seconds 30 --size 1080x1080 --seed 7\n"
+        "../tools/record/kelpix-record --png frame.png --at 48 --seed 7\n":
+            "minutes; tools/record/RecordProgramTest makes smaller ones",
+        "kelpix-record --script look-around.txt --seed 7 --out look-around.mp4\n":
+            "minutes; tools/record/RecordScriptTest reads the script",
+    },
     "docs/running.md": {
         "apt-get install ./kelpix_*.deb cage xwayland\n"
         "adduser --system --group --home /var/lib/kelpix kelpix\n"

@@ -17,6 +17,7 @@ ALLOWED = {
     "kelpix": ["src-math", "src-image", "src-core", "src-sound"],
     "tools/stage": ["src-math", "src-image", "src-core", "src-sound", "kelpix"],
     "tools/nullgl": [],
+    "tools/record": ["src-math", "src-image", "src-core", "src-sound", "kelpix", "tools/stage"],
     "tools/soak": ["src-math", "src-image", "src-core", "src-sound", "kelpix", "tools/stage",
                    "tools/nullgl"],
 }

@@ -1,0 +1,151 @@
+#include "Options.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace {
+
+using record::Options;
+using record::parseOptions;
+using record::SECOND;
+using record::UsageError;
+
+TEST(RecordOptionsTest, DefaultsMakeHalfAMinuteAsInTheWindow)
+{
+    const Options options = parseOptions({"--out", "film.mp4"});
+    EXPECT_EQ(options.out, "film.mp4");
+    EXPECT_EQ(options.png, "");
+    EXPECT_EQ(options.at, 0);
+    EXPECT_EQ(options.seconds, 30 * SECOND);
+    EXPECT_EQ(options.width, 740);
+    EXPECT_EQ(options.height, 740);
+    EXPECT_EQ(options.fps, 40);
+    EXPECT_EQ(options.seed, 1U);
+    EXPECT_EQ(options.media, "");
+    EXPECT_EQ(options.script, "");
+    EXPECT_THAT(options.encoderOptions, testing::IsEmpty());
+    EXPECT_FALSE(options.help);
+    EXPECT_FALSE(options.version);
+}
+
+TEST(RecordOptionsTest, AreTakenInAnyOrder)
+{
+    const Options options =
+        parseOptions({"--seed", "4294967295", "--fps", "25", "--size", "1920x1080", "--at",
+                      "2.000001", "--script", "a b", "--seconds", "0.025", "--out", "x/film.gif",
+                      "--media", "m", "--", "-crf", "--out"});
+    EXPECT_EQ(options.seed, 4294967295U);
+    EXPECT_EQ(options.fps, 25);
+    EXPECT_EQ(options.width, 1920);
+    EXPECT_EQ(options.height, 1080);
+    EXPECT_EQ(options.at, 2000001);
+    EXPECT_EQ(options.script, "a b");
+    EXPECT_EQ(options.seconds, 25000);
+    EXPECT_EQ(options.out, "x/film.gif");
+    EXPECT_EQ(options.media, "m");
+    EXPECT_THAT(options.encoderOptions, testing::ElementsAre("-crf", "--out"));
+}
+
+TEST(RecordOptionsTest, HelpAndVersionNeedNothingElse)
+{
+    EXPECT_TRUE(parseOptions({"--help"}).help);
+    EXPECT_TRUE(parseOptions({"--seed", "3", "--version", "--nonsense"}).version);
+}
+
+struct BadLine {
+    std::vector<std::string> arguments;
+    const char* message;
+};
+
+class RecordBadOptionsTest : public testing::TestWithParam<BadLine> {};
+
+TEST_P(RecordBadOptionsTest, SayWhatIsWrong)
+{
+    try {
+        parseOptions(GetParam().arguments);
+        FAIL() << "no error: " << GetParam().message;
+    } catch (const UsageError& error) {
+        EXPECT_STREQ(error.what(), GetParam().message);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Lines, RecordBadOptionsTest,
+    testing::Values(
+        BadLine{{}, "--out FILE or --png FILE is missing"},
+        BadLine{{"--out", "a.mp4", "--png", "b.png"}, "--out and --png do not go together"},
+        BadLine{{"--png", "b.png", "--", "-crf", "1"}, "options behind -- are for films"},
+        BadLine{{"--out"}, "--out needs a value"}, BadLine{{"--out", ""}, "--out needs a value"},
+        BadLine{{"film.mp4"}, "unknown option \"film.mp4\""},
+        BadLine{{"--colour", "red"}, "unknown option \"--colour\""},
+        BadLine{{"--out", "film"},
+                "--out takes a name whose extension tells the kind of film, such as film.mp4, "
+                "not \"film\""},
+        BadLine{{"--out", "a.b/"},
+                "--out takes a name whose extension tells the kind of film, such as film.mp4, "
+                "not \"a.b/\""},
+        BadLine{{"--out", "film."},
+                "--out takes a name whose extension tells the kind of film, such as film.mp4, "
+                "not \"film.\""},
+        BadLine{{"--out", "film.png"}, "--out makes a film; a picture takes --png film.png"},
+        BadLine{{"--png", "folder/"}, "--png takes the name of a file, not \"folder/\""},
+        BadLine{{"--at", "-1"}, "--at takes seconds from 0 to 36000, such as 12.5, not \"-1\""},
+        BadLine{{"--at", "36000.1"},
+                "--at takes seconds from 0 to 36000, such as 12.5, not \"36000.1\""},
+        BadLine{{"--seconds", "0"},
+                "--seconds takes more than 0 and at most 36000 seconds, such "
+                "as 7.5, not \"0\""},
+        BadLine{{"--seconds", "5s"},
+                "--seconds takes more than 0 and at most 36000 seconds, such "
+                "as 7.5, not \"5s\""},
+        BadLine{{"--size", "740"},
+                "--size takes width x height in pixels, such as 1080x1080, not \"740\""},
+        BadLine{{"--size", "0x740"},
+                "--size takes width x height in pixels, such as 1080x1080, not \"0x740\""},
+        BadLine{{"--size", "740x65537"},
+                "--size takes width x height in pixels, such as 1080x1080, not \"740x65537\""},
+        BadLine{{"--size", "740x740x"},
+                "--size takes width x height in pixels, such as 1080x1080, not \"740x740x\""},
+        BadLine{{"--size", "741x740", "--out", "a.mp4"},
+                "--size of a film takes even numbers, not 741x740"},
+        BadLine{{"--out", "a.mp4", "--size", "740x741"},
+                "--size of a film takes even numbers, not 740x741"},
+        BadLine{{"--fps", "0"}, "--fps takes a whole number from 1 to 1000, not \"0\""},
+        BadLine{{"--fps", "29.97"}, "--fps takes a whole number from 1 to 1000, not \"29.97\""},
+        BadLine{{"--seed", "-1"}, "--seed takes a whole number from 0 to 4294967295, not \"-1\""},
+        BadLine{{"--seed", "4294967296"},
+                "--seed takes a whole number from 0 to 4294967295, not \"4294967296\""}));
+
+TEST(RecordOptionsTest, APictureMayHaveAnySize)
+{
+    EXPECT_EQ(parseOptions({"--png", "a.png", "--size", "741x1"}).width, 741);
+}
+
+TEST(RecordOptionsTest, UsageNamesEveryOption)
+{
+    for (const char* option : {"--out", "--png", "--at", "--seconds", "--size", "--fps", "--seed",
+                               "--media", "--script", "--help", "--version"}) {
+        EXPECT_THAT(record::usage(), testing::HasSubstr(std::string("\n  ") + option));
+    }
+}
+
+TEST(RecordTimeTest, ReadsDecimalsExactly)
+{
+    EXPECT_EQ(record::parseTime("0"), 0);
+    EXPECT_EQ(record::parseTime("12"), 12000000);
+    EXPECT_EQ(record::parseTime("12.5"), 12500000);
+    EXPECT_EQ(record::parseTime("0.000001"), 1);
+    EXPECT_EQ(record::parseTime("007.050"), 7050000);
+    EXPECT_EQ(record::parseTime("36000"), record::LONGEST_TIME);
+}
+
+TEST(RecordTimeTest, TakesNothingElse)
+{
+    for (const char* text :
+         {"", ".", "1.", ".5", "-1", "+1", " 1", "1 ", "1e3", "0x1", "nan", "inf", "1,5", "1.2.3",
+          "0.0000001", "36000.000001", "36001", "99999999999999999999"}) {
+        EXPECT_EQ(record::parseTime(text), std::nullopt) << text;
+    }
+}
+
+} // namespace

@@ -1,0 +1,230 @@
+#include "Encoder.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <fcntl.h>
+#include <spawn.h>
+#include <stdexcept>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <utility>
+
+namespace record {
+
+namespace {
+
+constexpr int SOUND_DESCRIPTOR = 3;
+
+bool isOneOf(const std::string& text, std::initializer_list<const char*> texts)
+{
+    return std::any_of(texts.begin(), texts.end(), [&](const char* each) { return text == each; });
+}
+
+/// A pipe that a child gets the reading end of.
+struct Pipe {
+    int read = -1;
+    int write = -1;
+
+    Pipe()
+    {
+        std::array<int, 2> ends{};
+        if (pipe2(ends.data(), O_CLOEXEC) != 0) {
+            throw std::runtime_error(std::string("no pipe to ffmpeg: ") + std::strerror(errno));
+        }
+        read = ends[0];
+        write = ends[1];
+        // Fewer changes between the processes; it works all the same where this is refused.
+        constexpr int LARGEST = 1 << 20;
+        fcntl(write, F_SETPIPE_SZ, LARGEST);
+    }
+    Pipe(const Pipe&) = delete;
+    Pipe& operator=(const Pipe&) = delete;
+    ~Pipe()
+    {
+        close(read);
+        if (write >= 0) {
+            close(write);
+        }
+    }
+
+    /// \return the writing end, which is the caller's from here on
+    int takeWritingEnd() { return std::exchange(write, -1); }
+};
+
+/// \return false when nobody reads any more
+bool writeAll(int descriptor, const void* data, std::size_t bytes)
+{
+    const auto* at = static_cast<const char*>(data);
+    while (bytes > 0) {
+        const ssize_t count = ::write(descriptor, at, bytes);
+        if (count < 0 && errno != EINTR) {
+            return false;
+        }
+        if (count > 0) {
+            at += count;
+            bytes -= static_cast<std::size_t>(count);
+        }
+    }
+    return true;
+}
+
+/// Starts a command with two descriptors of this process as its standard input and its sound.
+/// \return the result of posix_spawnp
+int spawn(std::vector<std::string> command, int input, int sound, pid_t& process)
+{
+    std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
+    for (std::string& argument : command) {
+        arguments.push_back(argument.data());
+    }
+    arguments.push_back(nullptr);
+
+    posix_spawn_file_actions_t files;
+    posix_spawn_file_actions_init(&files);
+    posix_spawn_file_actions_adddup2(&files, input, STDIN_FILENO);
+    posix_spawn_file_actions_adddup2(&files, sound, SOUND_DESCRIPTOR);
+
+    // It dies of a broken pipe as usual, and Ctrl-C is this program's to handle.
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    sigset_t usual;
+    sigemptyset(&usual);
+    sigaddset(&usual, SIGPIPE);
+    posix_spawnattr_setsigdefault(&attributes, &usual);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGDEF);
+
+    const int error =
+        posix_spawnp(&process, arguments[0], &files, &attributes, arguments.data(), environ);
+    posix_spawnattr_destroy(&attributes);
+    posix_spawn_file_actions_destroy(&files);
+    return error;
+}
+
+void feedSound(int descriptor, const Encoder::SoundSource& next)
+{
+    for (;;) {
+        const std::vector<std::int16_t> chunk = next();
+        if (chunk.empty() ||
+            !writeAll(descriptor, chunk.data(), chunk.size() * sizeof(std::int16_t))) {
+            break;
+        }
+    }
+    close(descriptor);
+}
+
+} // namespace
+
+std::vector<std::string> encoderCommand(const FilmFormat& format,
+                                        const std::filesystem::path& output)
+{
+    const std::string size = std::to_string(format.width) + "x" + std::to_string(format.height);
+    std::vector<std::string> command = {"ffmpeg",     "-hide_banner",
+                                        "-nostdin",   "-loglevel",
+                                        "error",      "-y",
+                                        "-f",         "rawvideo",
+                                        "-pix_fmt",   "rgb0",
+                                        "-s",         size,
+                                        "-framerate", std::to_string(format.fps),
+                                        "-i",         "pipe:0",
+                                        "-f",         "s16le",
+                                        "-ar",        std::to_string(format.soundRate),
+                                        "-ac",        "2",
+                                        "-i",         "pipe:" + std::to_string(SOUND_DESCRIPTOR)};
+    const auto add = [&](std::initializer_list<const char*> options) {
+        command.insert(command.end(), options.begin(), options.end());
+    };
+    const std::string kind = format.path.extension().string();
+    if (isOneOf(kind, {".mp4", ".m4v", ".mov", ".mkv"})) {
+        add({"-c:v", "libx264", "-preset", "veryfast", "-crf", "18"});
+    }
+    if (isOneOf(kind, {".mp4", ".m4v", ".mov", ".mkv", ".webm"})) {
+        // What every player can show.
+        add({"-pix_fmt", "yuv420p"});
+    }
+    if (isOneOf(kind, {".mp4", ".m4v", ".mov"})) {
+        add({"-movflags", "+faststart"});
+    }
+    command.insert(command.end(), format.encoderOptions.begin(), format.encoderOptions.end());
+    // A name with a colon is no protocol.
+    command.push_back("file:" + output.string());
+    return command;
+}
+
+Encoder::Encoder(const FilmFormat& format, SoundSource sound) : part(format.path)
+{
+    Pipe framePipe;
+    Pipe soundPipe;
+    const int error =
+        spawn(encoderCommand(format, part.name()), framePipe.read, soundPipe.read, process);
+    if (error != 0) {
+        process = -1;
+        throw std::runtime_error(error == ENOENT
+                                     ? "a film needs ffmpeg: install Debian's package ffmpeg"
+                                     : std::string("cannot start ffmpeg: ") + std::strerror(error));
+    }
+    frames = framePipe.takeWritingEnd();
+    soundFeed = std::thread(feedSound, soundPipe.takeWritingEnd(), std::move(sound));
+}
+
+Encoder::~Encoder()
+{
+    abandon();
+}
+
+bool Encoder::write(const Picture& frame)
+{
+    if (process == -1) {
+        return false;
+    }
+    if (writeAll(frames, frame.pixels.data(), frame.pixels.size())) {
+        return true;
+    }
+    requireSuccess(waitForEnd());
+    return false;
+}
+
+void Encoder::finish()
+{
+    if (process != -1) {
+        requireSuccess(waitForEnd());
+    }
+    part.keep();
+}
+
+void Encoder::abandon()
+{
+    if (process != -1) {
+        // It leads a group of its own: what it has started ends with it.
+        kill(-process, SIGKILL);
+        waitForEnd();
+    }
+    part.discard();
+}
+
+int Encoder::waitForEnd()
+{
+    close(std::exchange(frames, -1));
+    int status = 0;
+    while (waitpid(process, &status, 0) == -1 && errno == EINTR) {
+    }
+    process = -1;
+    // Its reader is gone: it ends, if it has not yet.
+    soundFeed.join();
+    return status;
+}
+
+void Encoder::requireSuccess(int status)
+{
+    if (WIFEXITED(status) && WEXITSTATUS(status) == 0) {
+        return;
+    }
+    part.discard();
+    const std::string how = WIFEXITED(status) ? "with status " + std::to_string(WEXITSTATUS(status))
+                                              : "by signal " + std::to_string(WTERMSIG(status));
+    throw std::runtime_error("no film: ffmpeg ended " + how);
+}
+
+} // namespace record

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "PartFile.h"
+#include "Picture.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <sys/types.h>
+#include <thread>
+#include <vector>
+
+namespace record {
+
+/// What a film is made of.
+struct FilmFormat {
+    std::filesystem::path path; ///< the extension tells the kind of film
+    int width = 0;              ///< pixels, even
+    int height = 0;
+    int fps = 0;
+    int soundRate = 0;                       ///< frames of two channels of 16 bits, per second
+    std::vector<std::string> encoderOptions; ///< put before the output's name
+};
+
+/// The command that turns raw frames on its standard input and raw sound on its descriptor 3 into a
+/// film.
+/// \param output  where the film goes
+std::vector<std::string> encoderCommand(const FilmFormat& format,
+                                        const std::filesystem::path& output);
+
+/// A film in the making: ffmpeg, running as a process of its own and fed through pipes. What ffmpeg
+/// has to say goes to standard error. The film appears under its name when it is complete.
+///
+/// The process must ignore SIGPIPE.
+class Encoder {
+public:
+    /// Hands out the next frames of sound, two channels interleaved; none at the end of the film.
+    /// Called on a thread of its own.
+    using SoundSource = std::function<std::vector<std::int16_t>()>;
+
+    /// Starts it. Throws std::runtime_error, with a line for the user, when the film cannot be
+    /// written or there is no ffmpeg.
+    Encoder(const FilmFormat& format, SoundSource sound);
+    Encoder(const Encoder&) = delete;
+    Encoder& operator=(const Encoder&) = delete;
+
+    /// Calls abandon.
+    ~Encoder();
+
+    /// Takes the next frame, of the film's size, and waits while ffmpeg is busy.
+    /// \return false when ffmpeg wants no more, as its options can tell it
+    /// Throws std::runtime_error when ffmpeg failed.
+    bool write(const Picture& frame);
+
+    /// Waits for ffmpeg and gives the film its name. Throws std::runtime_error when ffmpeg failed.
+    void finish();
+
+    /// Ends ffmpeg and removes what there is of the film, unless it is finished.
+    void abandon();
+
+private:
+    PartFile part;
+    pid_t process = -1; ///< -1 = ended
+    int frames = -1;    ///< owns; the pipe's end to write to, -1 = closed
+    std::thread soundFeed;
+
+    int waitForEnd();
+    void requireSuccess(int status);
+};
+
+} // namespace record

@@ -1,0 +1,45 @@
+#include "HeldMessages.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <stdexcept>
+#include <string>
+#include <sys/mman.h>
+#include <unistd.h>
+
+namespace record {
+
+HeldMessages::HeldMessages() : output(-1), held(memfd_create("messages", MFD_CLOEXEC))
+{
+    if (held < 0) {
+        throw std::runtime_error(std::string("cannot hold messages: ") + std::strerror(errno));
+    }
+    std::fflush(stdout);
+    output = dup(STDOUT_FILENO);
+    dup2(held, STDOUT_FILENO);
+}
+
+HeldMessages::~HeldMessages()
+{
+    std::fflush(stdout);
+    if (output >= 0) {
+        dup2(output, STDOUT_FILENO);
+        close(output);
+    } else {
+        close(STDOUT_FILENO);
+    }
+    close(held);
+}
+
+void HeldMessages::show() const
+{
+    std::fflush(stdout);
+    char chunk[4096];
+    off_t from = 0;
+    for (ssize_t count = 0; (count = pread(held, chunk, sizeof chunk, from)) > 0; from += count) {
+        std::fwrite(chunk, 1, static_cast<std::size_t>(count), stderr);
+    }
+}
+
+} // namespace record

@@ -1,0 +1,16 @@
+#pragma once
+
+namespace record {
+
+/// Somebody wants the program to end before its work is done: Ctrl-C, a closed terminal, kill.
+struct Interruption {
+    int signal;
+
+    /// From here on those signals are noted instead of ending the process.
+    static void watch();
+
+    /// Throws an Interruption when there was such a signal.
+    static void check();
+};
+
+} // namespace record

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "Time.h"
+
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace record {
+
+/// What the command line says.
+struct Options {
+    bool help = false;
+    bool version = false;
+    std::filesystem::path out;          ///< the film; empty = a picture is asked for
+    std::filesystem::path png;          ///< the picture; empty = a film is asked for
+    Microseconds at = 0;                ///< of the picture, or of the film's first frame
+    Microseconds seconds = 30 * SECOND; ///< length of the film
+    int width = 740;                    ///< pixels, like the height
+    int height = 740;
+    int fps = 40;                            ///< frames of the film per second
+    unsigned seed = 1;                       ///< of the scene's random numbers
+    std::filesystem::path media;             ///< empty = the usual place
+    std::filesystem::path script;            ///< empty = nobody touches the scene
+    std::vector<std::string> encoderOptions; ///< handed to ffmpeg, before the output's name
+};
+
+/// A command line or a script that makes no sense; the text says what is wrong with it.
+class UsageError : public std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+/// \param arguments  without the program's name
+/// Throws UsageError.
+Options parseOptions(const std::vector<std::string>& arguments);
+
+/// The text of --help.
+const char* usage();
+
+} // namespace record

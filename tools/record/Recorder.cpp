@@ -1,0 +1,174 @@
+#include "Recorder.h"
+
+#include "Encoder.h"
+#include "ExitGuard.h"
+#include "FrameReader.h"
+#include "HeldMessages.h"
+#include "Interruption.h"
+#include "Mixer.h"
+#include "OffscreenContext.h"
+#include "PictureFile.h"
+#include "Player.h"
+#include "Progress.h"
+#include "Schedule.h"
+#include "Stage.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <queue>
+#include <stdexcept>
+#include <unistd.h>
+
+namespace record {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/// The scene, and where it is drawn.
+class Recorder {
+public:
+    Recorder(const Options& given, const Script& script)
+        : options(given), voice(loadTrack("sound/magpie_vocal.ogg", voiceSamples)),
+          context(given.width, given.height),
+          stage(given.width, given.height, given.seed, {voiceSamples, voice.rate}),
+          player(stage, script), reader(given.width, given.height)
+    {
+    }
+
+    std::string makePicture();
+    std::string makeFilm(const Schedule& schedule);
+
+private:
+    const Options& options;
+    std::int64_t voiceSamples = 0;
+    Track voice;
+    OffscreenContext context;
+    Stage stage;
+    Player player;
+    FrameReader reader;
+    Clock::time_point begin = Clock::now();
+
+    Progress::Duration elapsed() const { return Clock::now() - begin; }
+    void playStep(bool seen);
+    void film(const Schedule& schedule, Encoder& encoder);
+};
+
+void Recorder::playStep(bool seen)
+{
+    Interruption::check();
+    OffscreenContext::drawPixels(seen);
+    player.playStep();
+}
+
+std::string Recorder::makePicture()
+{
+    PartFile part(options.png);
+    const ExitGuard guard([&] { part.discard(); });
+    const std::int64_t last = stepShownAt(options.at);
+    {
+        Progress progress(stderr, isatty(STDERR_FILENO) != 0, last + 1);
+        for (std::int64_t step = 0; step <= last; ++step) {
+            playStep(step == last);
+            progress.show(step + 1, elapsed());
+        }
+    }
+    reader.start();
+    try {
+        writePng(part.name(), reader.finish());
+    } catch (const std::runtime_error& error) {
+        part.fail(error.what());
+    }
+    part.keep();
+    return options.png.filename().string() + ": " + std::to_string(options.width) + " x " +
+           std::to_string(options.height);
+}
+
+/// The sound that goes with a film, piece by piece.
+Encoder::SoundSource soundFor(const Schedule& schedule, const Options& options, Mixer mixer)
+{
+    const std::int64_t rate = mixer.rate();
+    const std::int64_t length = schedule.frames() * rate / options.fps;
+    // Seconds apart from the rest, or hours at high rates would overflow.
+    const std::int64_t start = options.at / SECOND * rate + options.at % SECOND * rate / SECOND;
+    constexpr std::int64_t PIECE = 4096;
+    return [=, at = start, mixer = std::move(mixer)]() mutable {
+        const std::int64_t from = at;
+        at = std::min(from + PIECE, start + length);
+        return mixer.mix(from, at - from);
+    };
+}
+
+std::string Recorder::makeFilm(const Schedule& schedule)
+{
+    std::int64_t unused = 0;
+    Mixer mixer(voice, loadTrack("sound/bubbles_sound.ogg", unused));
+    const FilmFormat format{options.out, options.width, options.height,
+                            options.fps, voice.rate,    options.encoderOptions};
+    Encoder encoder(format, soundFor(schedule, options, std::move(mixer)));
+    const ExitGuard guard([&] { encoder.abandon(); });
+    film(schedule, encoder);
+    encoder.finish();
+
+    const double seconds = static_cast<double>(schedule.frames()) / options.fps;
+    char text[100];
+    std::snprintf(text, sizeof text, ": %.4g s of %d x %d, made in %.4g s", seconds, options.width,
+                  options.height, elapsed().count());
+    return options.out.filename().string() + text;
+}
+
+void Recorder::film(const Schedule& schedule, Encoder& encoder)
+{
+    std::queue<std::int64_t> repeats; // of the frames that are under way
+    bool wanted = true;
+    const auto deliver = [&] {
+        const Picture& picture = reader.finish();
+        for (; wanted && repeats.front() > 0; --repeats.front()) {
+            wanted = encoder.write(picture);
+        }
+        repeats.pop();
+    };
+    const std::int64_t last = schedule.stepOf(schedule.frames() - 1);
+    Progress progress(stderr, isatty(STDERR_FILENO) != 0, last + 1);
+    for (std::int64_t step = 0; step <= last && wanted; ++step) {
+        const std::int64_t shown = schedule.framesOf(step);
+        playStep(shown > 0);
+        if (shown > 0) {
+            reader.start();
+            repeats.push(shown);
+        }
+        if (reader.underWay() == 2) {
+            deliver();
+        }
+        progress.show(step + 1, elapsed());
+    }
+    while (wanted && reader.underWay() > 0) {
+        deliver();
+    }
+}
+
+/// The frames of the film, or of the one picture, up to where the script ends the scene.
+Schedule scheduleFor(const Options& options, const Script& script)
+{
+    Schedule schedule(options.at, options.out.empty() ? 1 : options.seconds, options.fps);
+    if (script.endStep) {
+        schedule.endBefore(*script.endStep);
+    }
+    if (schedule.frames() == 0) {
+        throw UsageError("the script ends the scene before the time of --at");
+    }
+    return schedule;
+}
+
+} // namespace
+
+std::string runRecorder(const Options& options, const Script& script)
+{
+    const Schedule schedule = scheduleFor(options, script);
+    const HeldMessages messages;
+    const ExitGuard guard([&] { messages.show(); });
+    Recorder recorder(options, script);
+    return options.out.empty() ? recorder.makePicture() : recorder.makeFilm(schedule);
+}
+
+} // namespace record

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "Time.h"
+
+#include <filesystem>
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace record {
+
+/// One event as the toolkit reports it to a window.
+struct Input {
+    std::int64_t step; ///< of the scene; the event arrives before its update
+    int event;         ///< FL_PUSH, FL_DRAG ...
+    int x, y;          ///< the pointer, window pixels, top left 0
+    int key;           ///< key or button, as the toolkit's event_key tells it
+    int wheel;         ///< steps of the wheel, down is positive
+
+    bool operator==(const Input&) const = default;
+};
+
+/// What somebody does at the window, written down: one line for each act, in the order of time.
+///
+///     TIME move X Y                  the pointer goes there
+///     TIME click X Y                 a right click
+///     TIME wheel up|down [COUNT]     zooms
+///     TIME key KEY                   a key is pressed; q ends the scene
+///     TIME drag KEY X Y X Y SECONDS  drags from one place to the other while KEY is held
+///
+/// TIME is in seconds, places in window pixels from the top left, KEY is a character or "space".
+/// Text behind # and empty lines are left out. While a drag lasts only the wheel can be used.
+struct Script {
+    std::vector<Input> inputs;           ///< in the order of their steps
+    std::optional<std::int64_t> endStep; ///< the step at which q is pressed
+
+    /// \param name  for messages
+    /// Throws UsageError with name, line number and what is wrong.
+    static Script parse(std::istream& text, const std::string& name);
+
+    /// Reads a file. Throws UsageError, also when it cannot be read.
+    static Script read(const std::filesystem::path& path);
+};
+
+} // namespace record
