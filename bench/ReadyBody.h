@@ -23,7 +23,7 @@ struct ReadyBody {
     };
     std::vector<Frame> frames;
 
-    /// Computes them, step by step as they are described.
+    /// Computes them step by step, each point from its angles.
     static ReadyBody compute();
 
     /// Makes the lists. Needs: current GL context. \return the first of FRAMES lists

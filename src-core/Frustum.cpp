@@ -8,6 +8,8 @@
 #include <cmath>
 #include <cstdio>
 
+using namespace columns;
+
 namespace {
 
 float distance(const float* plane, float x, float y, float z)

@@ -3,6 +3,9 @@
 #include <array>
 #include <cstring>
 
+/// Arithmetic on the columns of 4x4 matrices, for the sources of this framework.
+namespace columns {
+
 /// One column (or row) of a 4x4 matrix; each operation acts on its four elements, and rounds each
 /// as the same operation on a float does. A vector type of the compilers, which becomes a register
 /// where the processor has one and four numbers elsewhere.
@@ -41,3 +44,5 @@ inline std::array<Column, 4> transposed(const std::array<Column, 4>& m)
             __builtin_shufflevector(high01, high23, 0, 1, 4, 5),
             __builtin_shufflevector(high01, high23, 2, 3, 6, 7)};
 }
+
+} // namespace columns

@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <cstdio>
 
+using namespace columns;
+
 namespace {
 
 /// Negates every second element, from element 1 on, or from element 0 on when \p first is 1.

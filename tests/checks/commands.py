@@ -76,6 +76,16 @@ COVERED = {
         "sleep 1\n"
         "DISPLAY=:0.1 ALSOFT_DRIVERS=null /usr/share/doc/kelpix/kiosk/fill-screen &\n"
         "wait\n": "needs screens; package/kiosk runs fill-screen",
+        "cmake --build --preset release\n"
+        "build/release/tools/soak/kelpix-soak --media build/release/scene\n":
+            "tools/soak, for minutes instead of days",
+    },
+    "docs/performance.md": {
+        "bench/run                 # measures everything and says which goals are met: about ten minutes\n"
+        "bench/run flock matrix    # only these programs\n"
+        "bench/run --count         # instructions instead of time, where a machine is too noisy to time\n"
+        "bench/run --document      # writes the tables below\n":
+            "minutes, and needs a quiet machine",
     },
 }
 

@@ -16,7 +16,7 @@ ALLOWED = {
     "src-core": ["src-math", "src-image"],
     "kelpix": ["src-math", "src-image", "src-core", "src-sound"],
     "tools/stage": ["src-math", "src-image", "src-core", "src-sound", "kelpix"],
-    "tools/nullgl": [],
+    "tools/nullgl": ["src-math"],
     "tools/record": ["src-math", "src-image", "src-core", "src-sound", "kelpix", "tools/stage"],
     "tools/soak": ["src-math", "src-image", "src-core", "src-sound", "kelpix", "tools/stage",
                    "tools/nullgl"],

@@ -1,6 +1,7 @@
 // The functions of OpenGL that change matrices.
 
 #include "Calls.h"
+#include "Column.h"
 #include "Context.h"
 
 #include <cmath>
@@ -26,13 +27,14 @@ MatrixStack& currentStack()
 
 void multiplyNow(const Elements& b)
 {
-    Elements& current = currentStack().back();
-    const Elements a = current;
-    for (std::size_t column = 0; column < 16; column += 4) {
-        for (std::size_t row = 0; row < 4; ++row) {
-            current[column + row] = a[row] * b[column] + a[row + 4] * b[column + 1] +
-                                    a[row + 8] * b[column + 2] + a[row + 12] * b[column + 3];
-        }
+    using namespace columns;
+    float* const current = currentStack().back().data();
+    const Column a[4] = {columns::load(current), columns::load(current + 4),
+                         columns::load(current + 8), columns::load(current + 12)};
+    for (std::size_t i = 0; i < 16; i += 4) {
+        const Column k = columns::load(&b[i]);
+        store(current + i, a[0] * pick<0, 0, 0, 0>(k) + a[1] * pick<1, 1, 1, 1>(k) +
+                               a[2] * pick<2, 2, 2, 2>(k) + a[3] * pick<3, 3, 3, 3>(k));
     }
 }
 

@@ -35,7 +35,11 @@ fs::path mediaFolder(const Options& options)
         return options.media;
     }
     std::error_code error;
-    return fs::exists("data/mocap.txt", error) ? "." : KELPIX_INSTALLED_MEDIA;
+    if (fs::exists("data/mocap.txt", error)) {
+        return ".";
+    }
+    const fs::path program = fs::read_symlink("/proc/self/exe", error);
+    return (program.parent_path() / KELPIX_MEDIA_FROM_PROGRAM).lexically_normal();
 }
 
 /// Goes to the media; relative names of the options become absolute before.
