@@ -6,20 +6,18 @@
 #include "PivotNode.h"
 #include "RootNode.h"
 #include "SceneGraph.h"
+#include "StandardStreams.h"
 #include "Window.h"
 
 #include <AL/alc.h>
 #include <FL/Fl.H>
-#include <csignal>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <exception>
-#include <fcntl.h>
 #include <stdexcept>
 #include <string>
-#include <unistd.h>
 
 namespace {
 
@@ -27,18 +25,6 @@ freetype::font_data our_font;
 
 void drawCallback(Window*)
 {
-}
-
-/// Lets the scene go on when nobody reads its messages: it is not ended by a log that breaks off,
-/// and no file or connection that it opens takes the place of a standard stream that is closed.
-void secureStandardStreams()
-{
-    std::signal(SIGPIPE, SIG_IGN);
-    int descriptor = 0;
-    while (descriptor >= STDIN_FILENO && descriptor <= STDERR_FILENO) {
-        descriptor = open("/dev/null", O_RDWR);
-    }
-    close(descriptor);
 }
 
 /// Closes the sound device however the process ends, or OpenAL would complain of it.

@@ -1,32 +1,15 @@
 #include "Interruption.h"
 #include "MediaFolder.h"
 #include "Recorder.h"
+#include "StandardStreams.h"
 
-#include <csignal>
 #include <cstdio>
-#include <fcntl.h>
 #include <new>
-#include <unistd.h>
 
 namespace {
 
 namespace fs = std::filesystem;
 using record::Options;
-
-/// Files that are opened later must not take the numbers of streams that the caller closed.
-void openStandardStreams()
-{
-    while (true) {
-        const int descriptor = open("/dev/null", O_RDWR);
-        if (descriptor < 0) {
-            return;
-        }
-        if (descriptor > STDERR_FILENO) {
-            close(descriptor);
-            return;
-        }
-    }
-}
 
 /// The folder whose media are played.
 fs::path mediaFolder(const Options& options)
@@ -92,8 +75,7 @@ int run(const std::vector<std::string>& arguments)
 
 int main(int argc, char* argv[])
 {
-    openStandardStreams();
-    std::signal(SIGPIPE, SIG_IGN);
+    secureStandardStreams();
     try {
         return run({argv + (argc > 0 ? 1 : 0), argv + argc});
     } catch (const record::UsageError& error) {
