@@ -194,20 +194,6 @@ TEST_F(StageTest, ABubbleComesWithTheSixteenthFrameOfEachScene)
     }
 }
 
-TEST_F(StageTest, TimeIsThatOfTheLastUpdate)
-{
-    const auto stage = newStage(SEED, SILENT);
-    EXPECT_EQ(stage->time(), 0);
-    stage->update();
-    EXPECT_EQ(stage->time(), 0);
-    stage->update();
-    EXPECT_EQ(stage->time(), 0.025);
-    for (int step = 2; step <= 40; ++step) {
-        stage->update();
-    }
-    EXPECT_EQ(stage->time(), 1);
-}
-
 TEST_F(StageTest, TheRecordingFollowsTheLastOfNinetyTicksASecond)
 {
     // A voice of one sample a tick, so that the position counts ticks.

@@ -2,6 +2,7 @@
 
 Usage: soak.py HOURS PROGRAM MEDIA
 """
+import math
 import pathlib
 import re
 import subprocess
@@ -54,6 +55,9 @@ class Soak(unittest.TestCase):
             self.assertEqual(fish, sorted(fish, reverse=True))
             self.assertTrue(all(sample[4] == 131 for sample in samples))
             self.assertEqual([goal.split(":")[0] for goal in run["goals"]], ["met"] * 3)
+            # Growth counts from the first sample of the second half.
+            middle = math.ceil(30 * float(HOURS)) / 60
+            self.assertIn(f" from hour {middle:.2f} to hour {float(HOURS):.2f}: ", run["goals"][0])
         self.assertNotEqual(both[0]["samples"], both[1]["samples"])
 
     def test_the_same_seed_gives_the_same_numbers(self):

@@ -43,10 +43,11 @@ Stage::Voice voiceOf(const soak::Options& options)
     return {sound.numSamples, static_cast<int>(rate)};
 }
 
-soak::Sample sampleOf(const Stage& stage)
+/// \param steps  that were played
+soak::Sample sampleOf(const Stage& stage, std::int64_t steps)
 {
     soak::Sample sample = soak::countNodes(stage.water);
-    sample.hours = stage.time() / 3600;
+    sample.hours = static_cast<double>(steps) / (60 * STEPS_PER_MINUTE);
     sample.lists = nullgl::lists();
     sample.textures = nullgl::textures();
     sample.heap = soak::heapInUse();
@@ -78,7 +79,7 @@ std::vector<soak::Sample> play(Stage& stage, const soak::Options& options)
             std::printf("    hour   fish  bubbles    lists  textures   slots   heap KiB\n");
         }
         if (first || step % STEPS_PER_MINUTE == 0 || step == steps) {
-            const soak::Sample sample = sampleOf(stage);
+            const soak::Sample sample = sampleOf(stage, step);
             const bool shown = first || step % every == 0 || step == steps;
             if (shown) {
                 print(sample);

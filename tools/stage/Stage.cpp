@@ -6,7 +6,6 @@
 #include "RootNode.h"
 #include "Sensor.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <vector>
 
@@ -60,12 +59,6 @@ void Stage::update()
     recording->step = MoCap::stepAt(recording->numSteps, voicePosition(clockVoice, tick));
     graph.update();
     ++updates;
-}
-
-double Stage::time() const
-{
-    const std::int64_t last = std::max<std::int64_t>(updates - 1, 0);
-    return static_cast<double>(last) / STEPS_PER_SECOND;
 }
 
 float Stage::voicePosition(Voice voice, std::int64_t tick)

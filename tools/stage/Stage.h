@@ -55,9 +55,6 @@ public:
     /// call; the first call sets it up.
     void draw() { window.draw(); }
 
-    /// Seconds since the start, at the last update; 0 before the first.
-    double time() const;
-
     /// Where the voice is after so many ticks of the clock: the fraction played, as OggSound tells
     /// it; 0 after the end.
     static float voicePosition(Voice voice, std::int64_t tick);
