@@ -6,7 +6,7 @@
 #include <vector>
 
 /// The frame of every benchmark program: jobs, each done in several ways that are measured side by
-/// side. README.md tells how to run them.
+/// side. docs/performance.md tells how to run them.
 namespace bench {
 
 /// One way of doing a job: the project's own code, a literal reference, the least that any code
@@ -43,7 +43,7 @@ using JobMaker = std::function<Job()>;
 ///   - with --samples: prints a line for each way instead, which judge.py reads: job, item, way and
 ///     the nanoseconds per item of each round, separated by tabs;
 ///   - with --count, under callgrind: counts the instructions of one operation of each way, which
-///     callgrind writes into one file each; prints job, item, way and items per operation.
+///     callgrind writes into one file each, with job, item, way and items per operation in it.
 /// A further argument is the name of the only job to do.
 int run(int argc, char** argv, const std::vector<JobMaker>& makers);
 

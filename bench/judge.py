@@ -31,8 +31,12 @@ class Result:
 
 def programs(build, only):
     folder = build / "bench" / "programs"
-    found = sorted(path for path in folder.iterdir() if os.access(path, os.X_OK))
-    return [path for path in found if not only or path.name.removeprefix("bench-") in only]
+    found = {path.name.removeprefix("bench-"): path for path in sorted(folder.iterdir())
+             if os.access(path, os.X_OK)}
+    for name in only:
+        if name not in found:
+            sys.exit(f"There is no program {name}, only: {' '.join(found)}")
+    return [path for name, path in found.items() if not only or name in only]
 
 
 def timed(program, scene):
