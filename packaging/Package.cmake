@@ -52,10 +52,8 @@ set(CPACK_DEBIAN_KELPIX_PACKAGE_NAME kelpix)
 set(CPACK_DEBIAN_KELPIX_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_KELPIX_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_KELPIX_PACKAGE_DEPENDS fonts-comic-neue) # for kelpix-media
-if(TARGET kelpix-record)
-    set(CPACK_DEBIAN_KELPIX_PACKAGE_RECOMMENDS ffmpeg) # encodes its films
-endif()
-set(CPACK_DEBIAN_KELPIX_PACKAGE_SUGGESTS "cage, xwayland") # for the kiosk
+set(CPACK_DEBIAN_KELPIX_PACKAGE_RECOMMENDS ffmpeg) # encodes kelpix-record's films
+set(CPACK_DEBIAN_KELPIX_PACKAGE_SUGGESTS "cage, xdotool, xwayland") # for the kiosk
 set(CPACK_DEBIAN_KELPIX_DESCRIPTION "real-time underwater scene
 One hundred fish school in an OpenGL window, bubbles rise, and three figures
 dance a recorded dance in step with a voice. It plays its own media or any

@@ -65,7 +65,6 @@ class Start(unittest.TestCase):
         self.assertEqual(scene.wait(60), -15)
         self.assertEqual(self.printed("err"), "")
 
-    @unittest.skipUnless((KELPIX.parent / "kelpix-record").exists(), "the recorder is not built")
     def test_the_recorder_finds_the_installed_media(self):
         subprocess.run([KELPIX.parent / "kelpix-record", "--png", "scene.png"], cwd=self.folder,
                        check=True, stdout=subprocess.DEVNULL)
