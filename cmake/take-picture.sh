@@ -5,7 +5,7 @@
 set -eu
 program=$1
 picture=$2
-seconds=90
+seconds=300
 
 "$program" &
 scene=$!

@@ -14,7 +14,7 @@ trap 'exit 143' TERM
 tries=0
 while ! [ -s "$dir/display" ]; do
     tries=$((tries + 1))
-    if [ "$tries" -gt 300 ] || ! kill -0 "$server" 2>/dev/null; then
+    if [ "$tries" -gt 1200 ] || ! kill -0 "$server" 2>/dev/null; then
         echo "with-display: Xvfb did not start:" >&2
         cat "$dir/log" >&2
         exit 99

@@ -6,7 +6,7 @@ import subprocess
 import tempfile
 import time
 
-PATIENCE = 60  # seconds that a program under the sanitizers may take to do what is awaited
+PATIENCE = 240  # seconds that a program under the sanitizers may take to do what is awaited
 BACKGROUND = (5, 26, 38)  # the window's clear colour
 
 

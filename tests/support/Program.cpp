@@ -53,7 +53,7 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts)
 template<typename Condition>
 bool waitUntil(Condition condition)
 {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(2);
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(5);
     while (!condition()) {
         if (std::chrono::steady_clock::now() > deadline) {
             return false;

@@ -31,11 +31,11 @@ public:
     /// What it has written to standard error so far.
     std::string errors() const { return textOf(err.get()); }
 
-    /// Waits until \p text has been written to standard output, two minutes at most.
+    /// Waits until \p text has been written to standard output, five minutes at most.
     /// \return false when the time is over, or the program
     bool waitForOutput(const std::string& text);
 
-    /// Waits for its end, two minutes at most, and ends it then.
+    /// Waits for its end, five minutes at most, and ends it then.
     /// \return its exit status; 128 plus the number of the signal that ended it
     int wait();
 

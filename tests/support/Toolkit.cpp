@@ -10,7 +10,7 @@
 
 bool runUntil(bool (*condition)(void*), void* data)
 {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
     while (!condition(data)) {
         if (std::chrono::steady_clock::now() > deadline) {
             return false;

@@ -5,7 +5,7 @@
 
 class Fl_Window;
 
-/// Runs the toolkit's event loop until \p condition holds, ten seconds at most.
+/// Runs the toolkit's event loop until \p condition holds, a minute at most.
 /// \return whether it holds
 bool runUntil(bool (*condition)(void*), void* data);
 
