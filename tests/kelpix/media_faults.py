@@ -19,7 +19,7 @@ import threading
 import time
 from concurrent.futures import ThreadPoolExecutor
 
-PATIENCE = 120  # seconds until the program has done what is awaited
+PATIENCE = 300  # seconds until the program has done what is awaited
 PLACES = 16  # cut n keeps the first n seventeenths of a file
 SOUNDS = ("sound/magpie_vocal.ogg", "sound/bubbles_sound.ogg")
 PICTURES = ("data/underwater.jpg", "data/fish0.png", "data/bubble.png")
@@ -123,14 +123,18 @@ class Start:
         self.lines = (out_path.read_text() + err_path.read_text()).splitlines()
 
     def press_q(self, process):
-        search = ["xdotool", "search", "--sync", "--all", "--pid", str(process.pid), "--name",
+        """Presses q once there is a window, and waits for the end."""
+        search = ["xdotool", "search", "--onlyvisible", "--all", "--pid", str(process.pid), "--name",
                   "^kelpix \\("]
-        windows = subprocess.run(search, capture_output=True, text=True).stdout.split()
-        with keyboard:
-            for window in windows:
-                subprocess.run(["xdotool", "windowfocus", "--sync", window, "key", "q"],
-                               capture_output=True)
-            process.wait(PATIENCE)
+        end = time.monotonic() + PATIENCE
+        while process.poll() is None and time.monotonic() < end:
+            windows = subprocess.run(search, capture_output=True, text=True).stdout.split()
+            if windows:
+                with keyboard:
+                    # Not --sync: a window that is gone never gets the focus.
+                    subprocess.run(["xdotool", "windowfocus", windows[0], "key", "q"],
+                                   capture_output=True)
+            time.sleep(0.2)
 
     def messages(self, normal):
         """The lines that a start without faults does not print, but for the list of what is

@@ -10,8 +10,9 @@ import re
 import subprocess
 import sys
 import tempfile
-import time
 import unittest
+
+from program import BACKGROUND, Program
 
 FOLDER = pathlib.Path(sys.argv.pop())
 PAGE = pathlib.Path(sys.argv.pop()).read_text()
@@ -75,43 +76,24 @@ class FirstHour(unittest.TestCase):
 
     def play(self, folder):
         """The cube turns in the middle, and goes where the right button clicks."""
-        toy = subprocess.Popen([folder / "build/toy"], cwd=folder, env=self.environment,
-                               stdout=subprocess.DEVNULL)
-        self.addCleanup(toy.wait)
-        self.addCleanup(toy.kill)
-        find = ["xdotool", "search", "--onlyvisible", "--name", r"^kelpix \("]
-        for _ in range(600):
-            found = subprocess.run(find, stdout=subprocess.PIPE, text=True).stdout.split()
-            if found:
-                break
-            self.assertIsNone(toy.poll())
-            time.sleep(0.1)
-        window = found[0]
-        self.wait_for_cube(window, 370, 370)
-        subprocess.run(["xdotool", "mousemove", "--window", window, "560", "200", "click", "3"],
-                       check=True)
-        self.wait_for_cube(window, 560, 200)
-        # Zoomed out by two steps, a click still finds its place.
-        subprocess.run(["xdotool", "click", "5", "click", "5", "mousemove", "--window", window,
-                        "150", "600", "click", "3"], check=True)
-        self.wait_for_cube(window, 150, 600)
-        subprocess.run(["xdotool", "windowfocus", "--sync", window, "key", "q"], check=True)
-        self.assertEqual(toy.wait(60), 0)
+        with Program(folder / "build/toy", cwd=folder, env=self.environment) as toy:
+            toy.await_look(lambda picture: self.check_cube(picture, 370, 370))
+            toy.click(560, 200)
+            toy.await_look(lambda picture: self.check_cube(picture, 560, 200))
+            # Zoomed out by two steps, a click still finds its place.
+            toy.click(560, 200, button=5)
+            toy.click(560, 200, button=5)
+            toy.click(150, 600)
+            toy.await_look(lambda picture: self.check_cube(picture, 150, 600))
+            toy.quit()
 
-    def wait_for_cube(self, window, x, y):
-        for _ in range(300):
-            picture = subprocess.run(
-                ["import", "-window", window, "-depth", "8", "rgb:-"], check=True,
-                stdout=subprocess.PIPE).stdout
-            self.assertEqual(len(picture), 740 * 740 * 3)
-            cube = [i // 3 for i in range(0, len(picture), 3 * 7)
-                    if picture[i:i + 3] != b"\x05\x1a\x26"]
-            if cube:
-                middle = (sum(i % 740 for i in cube) / len(cube), sum(i // 740 for i in cube) / len(cube))
-                if abs(middle[0] - x) < 12 and abs(middle[1] - y) < 12:
-                    return
-            time.sleep(0.1)
-        self.fail(f"the cube is at {cube and middle}, not at {x}, {y}")
+    def check_cube(self, picture, x, y):
+        self.assertEqual((picture.width, picture.height), (740, 740))
+        cube = picture.places(lambda *colour: colour != BACKGROUND)
+        self.assertTrue(cube)
+        middle = [sum(values) / len(cube) for values in zip(*cube)]
+        self.assertAlmostEqual(middle[0], x, delta=12)
+        self.assertAlmostEqual(middle[1], y, delta=12)
 
 
 unittest.main()

@@ -1,4 +1,4 @@
-"""What the tests of the examples share: a program with a window, its keys, and its picture.
+"""What tests of programs share: a program with a window, its keys, and its picture.
 
 They need an X server without a window manager, xdotool and ImageMagick's import.
 """
@@ -31,11 +31,16 @@ class Picture:
 class Program:
     """A running program with one window. Use it in a with statement, which ends it at the latest."""
 
-    def __init__(self, *command, cwd=None):
+    def __init__(self, *command, cwd=None, env=None):
         self.output = tempfile.NamedTemporaryFile()
         self.errors = tempfile.NamedTemporaryFile()
-        self.process = subprocess.Popen(command, cwd=cwd, stdout=self.output, stderr=self.errors)
-        self.window = self.await_value(self.find_window, "a window")
+        self.process = subprocess.Popen(command, cwd=cwd, env=env, stdout=self.output,
+                                        stderr=self.errors)
+        try:
+            self.window = self.await_value(self.find_window, "a window")
+        except BaseException:
+            self.__exit__()
+            raise
 
     def __enter__(self):
         return self
@@ -98,10 +103,10 @@ class Program:
     def press(self, *keys):
         subprocess.run(["xdotool", "windowfocus", "--sync", self.window, "key", *keys], check=True)
 
-    def click(self, x, y):
-        """Presses and releases the right button."""
+    def click(self, x, y, button=3):
+        """Presses and releases a button, the right one if no other is named; 5 turns the wheel down."""
         subprocess.run(["xdotool", "mousemove", "--window", self.window, str(x), str(y),
-                        "click", "3"], check=True)
+                        "click", str(button)], check=True)
 
     def quit(self):
         """Presses q. Returns what the program has printed, and its error messages."""
