@@ -24,6 +24,7 @@ COVERED = {
         "cmake --preset release && cmake --build --preset release\n"
         "(cd build/release && cpack)\n"
         "sudo apt-get install ./build/release/packages/kelpix_*.deb\n": "package/install",
+        "cmake --build --preset release\n"
         "cd build/release/scene\n"
         "../tools/record/kelpix-record --out film.mp4 --seconds 30 --size 1080x1080\n"
         "../tools/record/kelpix-record --png frame.png --at 48\n":
@@ -34,6 +35,7 @@ COVERED = {
             "minutes; ./test does it with other presets",
     },
     "docs/framework.md": {
+        "cmake --preset release && cmake --build --preset release\n"
         "build/release/examples/hello-node\n"
         "build/release/examples/creature\n"
         "build/release/examples/obj-viewer build/release/scene/data/cube.obj\n"
@@ -47,6 +49,7 @@ COVERED = {
     },
     "docs/first-hour.md": "package/first_hour",
     "docs/recording.md": {
+        "cmake --build --preset release\n"
         "cd build/release/scene\n"
         "../tools/record/kelpix-record --out film.mp4 --seconds 30 --size 1080x1080 --seed 7\n"
         "../tools/record/kelpix-record --png frame.png --at 48 --seed 7\n":
@@ -87,6 +90,10 @@ COVERED = {
         "bench/run --document      # writes the tables below\n":
             "minutes, and needs a quiet machine",
     },
+    "fuzz/README.md": {
+        "fuzz/run MINUTES [TARGET...]\n": "minutes, and needs clang; fuzz/png replays its inputs",
+        "build/fuzz/fuzz/fuzz-TARGET build/fuzz/findings/TARGET/crash-...\n": "needs a finding",
+    },
 }
 
 # What stands in for a program that opens a window: says where and how it was started.
@@ -96,7 +103,8 @@ echo "$(basename "$0") in $(basename "$PWD") with $*"
 
 
 def pages():
-    return [ROOT / "README.md", ROOT / "CONTRIBUTING.md", *sorted((ROOT / "docs").glob("*.md"))]
+    return [ROOT / "README.md", ROOT / "CONTRIBUTING.md", ROOT / "fuzz/README.md",
+            *sorted((ROOT / "docs").glob("*.md"))]
 
 
 def blocks(page):
@@ -159,7 +167,7 @@ class Commands(unittest.TestCase):
         self.assertFalse(listed, "these blocks are gone")
         for texts in COVERED.values():
             for why in [texts] if isinstance(texts, str) else texts.values():
-                for test in re.findall(r"(?:package|examples|kelpix)/\w[\w-]*", why):
+                for test in re.findall(r"\b(?:package|examples|kelpix|tools|fuzz)/[\w/-]+", why):
                     self.assertIn(test, tests)
 
     def run_pictures(self):
