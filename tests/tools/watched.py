@@ -5,6 +5,7 @@ FOLDER holds the watch.py that is tested. Needs an X server without a window man
 """
 import pathlib
 import re
+import shutil
 import subprocess
 import sys
 import unittest
@@ -59,9 +60,11 @@ class Watch(unittest.TestCase):
         self.assertTrue(re.fullmatch(r" +0\.1 +\d+ +\d+ +\d+\.\d +\d+\.\d", lines[1]), lines[1])
         self.assertEqual(lines[-2], "the scene ended with status 0")
 
-    def test_a_scene_that_does_not_start_fails(self):
-        result = subprocess.run([WATCH, "false", MEDIA], capture_output=True, text=True)
-        self.assertEqual(result.returncode, 1)
+    def test_a_scene_that_ends_early_fails(self):
+        result = subprocess.run([WATCH, shutil.which("false"), MEDIA], capture_output=True,
+                                text=True)
+        self.assertEqual((result.returncode, result.stdout, result.stderr),
+                         (1, "", "The scene has ended early, with status 1.\n"))
 
     def test_bad_arguments(self):
         for arguments in [[], [PROGRAM], ["--minutes", "0", PROGRAM, MEDIA]]:

@@ -60,15 +60,16 @@ class Scene:
     def __init__(self, program, folder):
         self.process = subprocess.Popen([os.path.abspath(program)], cwd=folder,
                                         stdout=subprocess.DEVNULL)
-        self.window = self.find_window()
+        self.window = None
 
     def find_window(self):
-        while True:
+        """Waits for the window: the scene is to show one, or to end."""
+        while self.window is None:
             self.check()
             search = ["xdotool", "search", "--onlyvisible", "--name", r"^kelpix \("]
             found = subprocess.run(search, capture_output=True, text=True).stdout.split()
             if found:
-                return found[0]
+                self.window = found[0]
             time.sleep(0.2)
 
     def check(self):
@@ -84,7 +85,7 @@ class Scene:
 
     def end(self):
         subprocess.run(["xdotool", "windowfocus", "--sync", self.window, "key", "q"], check=True)
-        return self.process.wait(60)
+        return self.process.wait(600)
 
 
 def watch(scene, minutes):
@@ -117,6 +118,7 @@ def main():
         parser.error("--minutes takes a number above 0")
     scene = Scene(options.program, options.folder)
     try:
+        scene.find_window()
         goals = judge(watch(scene, options.minutes))
         status = scene.end()
     finally:
