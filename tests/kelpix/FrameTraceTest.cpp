@@ -273,7 +273,7 @@ protected:
         Scene scene({"apitrace", "trace", "-o", file()}, Scene::media());
         ASSERT_TRUE(
             scene.program.waitForOutput(Scene::firstFrameText() + Scene::firstBubblesText()));
-        std::this_thread::sleep_for(std::chrono::milliseconds(1500)); // some frames more
+        std::this_thread::sleep_for(std::chrono::seconds(4)); // two frames more, on any machine
         scene.press("q");
         ASSERT_EQ(scene.program.wait(), 0);
     }
