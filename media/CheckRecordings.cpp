@@ -122,6 +122,25 @@ void checkRate(std::size_t steps, double seconds, FileReport& report)
     }
 }
 
+/// Of a shown recording only as many records are played as the shortest recording has, and one
+/// more. \param shortest  its index
+void checkLengths(const Index& index, const std::vector<Recording>& recordings,
+                  std::size_t shortest, FileReport& report)
+{
+    const std::size_t steps = recordings[shortest].positions.size();
+    for (int figure = 0; figure < SHOWN; ++figure) {
+        const std::size_t shown = sourceOf(figure, index).recording;
+        const std::size_t records = recordings[shown].positions.size();
+        if (records > steps + 1) {
+            report.wrong("has " + std::to_string(steps) + " records and " + index.names[shown] +
+                         " has " + std::to_string(records) +
+                         ": only the beginning of that dance is played, spread over the whole "
+                         "voice; one record less than the dance is right");
+            return;
+        }
+    }
+}
+
 void checkPaths(const Index& index, const std::vector<Recording>& recordings, double seconds,
                 std::vector<FileReport>& reports)
 {
@@ -133,6 +152,7 @@ void checkPaths(const Index& index, const std::vector<Recording>& recordings, do
     }
     const std::size_t steps = recordings[shortest].positions.size();
     checkEnd(index, recordings, steps, reports.front());
+    checkLengths(index, recordings, shortest, reports[1 + shortest]);
     const double length = seconds > 0 ? seconds : static_cast<double>(steps) / RECORDS_PER_SECOND;
     checkRate(steps, length, reports[1 + shortest]);
     for (int figure = 0; figure < SHOWN; ++figure) {

@@ -235,6 +235,19 @@ TEST_F(CheckRecordingsTest, ARecordingIsAsLongAsTheVoice)
     EXPECT_THAT(check(0)[2], IsFine()) << "without a voice the recording sets the length";
 }
 
+TEST_F(CheckRecordingsTest, AShortRecordingIsBlamedAndNotTheDanceOfWhichItLeavesABeginning)
+{
+    folder.write("data/rehearsal.txt", recording(RECORDS / 2));
+    EXPECT_THAT(check()[0], IsFine());
+    EXPECT_THAT(check()[1], IsFine()) << "though the part that is played ends in the picture";
+    EXPECT_THAT(check()[2],
+                SaysAlso(Mark::wrong, "has 450 records and data/dance.txt has 901: only "
+                                      "the beginning of that dance is played"));
+    folder.write("data/rehearsal.txt", recording(RECORDS - 1));
+    EXPECT_THAT(check()[1], IsFine());
+    EXPECT_THAT(check()[2], SaysAlso(Mark::wrong, "has 899 records and data/dance.txt has 901"));
+}
+
 TEST_F(CheckRecordingsTest, FiguresThatMoveTooFastStandStill)
 {
     const auto jump = [](double t) { return t < 0.5 ? calm(t) : Point{0.5f, calm(t).y}; };
