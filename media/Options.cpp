@@ -43,8 +43,9 @@ Options parseOptions(const std::vector<std::string>& arguments)
     options.request.fontLicense = KELPIX_FONT_LICENSE;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string& option = arguments[i];
-        if (option == "--help") {
-            options.help = true;
+        if (option == "--help" || option == "--version") {
+            options.help = option == "--help";
+            options.version = !options.help;
             return options;
         }
         const bool known = option == "--out" || option == "--check" || option == "--seed" ||
@@ -111,6 +112,7 @@ std::string usage()
         "                 play it and how it will look and sound; the exit status is 0\n"
         "                 when nothing is wrong, hints aside\n"
         "  --help         prints this text\n"
+        "  --version      prints the version\n"
         "\n"
         "assets:\n";
     for (const Asset& asset : assets()) {

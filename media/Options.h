@@ -11,6 +11,7 @@ namespace media {
 /// What the command line says.
 struct Options {
     bool help = false;
+    bool version = false;
     Request request;
     std::filesystem::path out;
     std::filesystem::path check; ///< empty = make the set; else the folder to look at

@@ -73,6 +73,10 @@ int main(int argc, char* argv[])
             std::fputs(media::usage().c_str(), stdout);
             return 0;
         }
+        if (options.version) {
+            std::puts("kelpix-media " KELPIX_VERSION);
+            return 0;
+        }
         if (!options.check.empty()) {
             const std::vector<media::FileReport> reports = media::checkFolder(options.check);
             std::fputs(media::describe(reports).c_str(), stdout);

@@ -206,13 +206,16 @@ TEST_F(MediaProgramTest, ExplainsItself)
 {
     EXPECT_EQ(run("--help"), 0);
     for (const char* option :
-         {"--out", "--seed", "--water", "--seconds", "--only", "--font", "--help"}) {
+         {"--out", "--seed", "--water", "--seconds", "--only", "--font", "--help", "--version"}) {
         EXPECT_THAT(out, HasSubstr(option));
     }
     for (const char* asset :
          {"voice", "water", "bubbles", "dance", "squid", "fish", "bubble", "cube", "font"}) {
         EXPECT_THAT(out, HasSubstr(std::string("\n  ") + asset + " "));
     }
+    EXPECT_THAT(err, IsEmpty());
+    EXPECT_EQ(run("--version"), 0);
+    EXPECT_THAT(out, testing::MatchesRegex("kelpix-media [0-9]+\\.[0-9]+\\.[0-9]+\n"));
     EXPECT_THAT(err, IsEmpty());
 }
 
