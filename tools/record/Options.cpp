@@ -14,6 +14,11 @@ namespace {
 constexpr int LARGEST_SIZE = 65536; // GL's own limit shows when the context is made
 constexpr int LARGEST_FPS = 1000;
 
+/// The films that ffmpeg makes without being told more than a name, with pictures and, where the
+/// kind can hold it, sound.
+constexpr std::array FILM_KINDS = {".mp4", ".m4v", ".mov",  ".mkv", ".webm", ".gif", ".avi",
+                                   ".flv", ".mpg", ".mpeg", ".nut", ".ogv",  ".ts",  ".wmv"};
+
 template<typename Number>
 bool readNumber(const std::string& text, Number low, Number high, Number& value)
 {
@@ -43,8 +48,8 @@ void setOut(Options& options, const std::string& text)
 void setPng(Options& options, const std::string& text)
 {
     options.png = text;
-    if (!options.png.has_filename()) {
-        refuse("--png", "the name of a file", text);
+    if (options.png.extension() != ".png") {
+        refuse("--png", "a name that ends in .png", text);
     }
 }
 
@@ -112,6 +117,19 @@ constexpr std::array SETTERS = {
     Setter{"--seed", setSeed},       Setter{"--media", setMedia}, Setter{"--script", setScript},
 };
 
+/// Another extension is for those who tell ffmpeg the format.
+void checkFilmKind(const Options& options)
+{
+    const std::string extension = options.out.extension();
+    const std::vector<std::string>& given = options.encoderOptions;
+    const bool known =
+        std::find(FILM_KINDS.begin(), FILM_KINDS.end(), extension) != FILM_KINDS.end();
+    if (!known && std::find(given.begin(), given.end(), "-f") == given.end()) {
+        throw UsageError("there is no kind of film called " + extension +
+                         "; .mp4 suits most, and -- -f FORMAT tells ffmpeg another one");
+    }
+}
+
 /// What no single option can tell.
 void check(const Options& options)
 {
@@ -123,6 +141,9 @@ void check(const Options& options)
     }
     if (options.out.empty() && !options.encoderOptions.empty()) {
         throw UsageError("options behind -- are for films");
+    }
+    if (!options.out.empty()) {
+        checkFilmKind(options);
     }
     // Films store colour for 2 x 2 pixels at once.
     if (!options.out.empty() && (options.width % 2 != 0 || options.height % 2 != 0)) {
@@ -179,7 +200,8 @@ const char* usage()
            "  --seed N       another school of fish (default 1)\n"
            "  --media DIR    the media to play (default: this folder if it holds\n"
            "                 data/mocap.txt, else the installed media)\n"
-           "  --script FILE  mouse and keyboard, written down: see docs/recording.md\n"
+           "  --script FILE  mouse and keyboard, written down: recording.md, in\n"
+           "                 /usr/share/doc/kelpix where it is installed, has the words\n"
            "  --help         prints this text\n"
            "  --version      prints the version\n"
            "\n"

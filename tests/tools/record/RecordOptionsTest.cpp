@@ -88,7 +88,16 @@ INSTANTIATE_TEST_SUITE_P(
                 "--out takes a name whose extension tells the kind of film, such as film.mp4, "
                 "not \"film.\""},
         BadLine{{"--out", "film.png"}, "--out makes a film; a picture takes --png film.png"},
-        BadLine{{"--png", "folder/"}, "--png takes the name of a file, not \"folder/\""},
+        BadLine{{"--out", "film.nonsense"},
+                "there is no kind of film called .nonsense; .mp4 suits most, and -- -f FORMAT "
+                "tells ffmpeg another one"},
+        BadLine{{"--out", "film.MP4", "--", "-crf", "30"},
+                "there is no kind of film called .MP4; .mp4 suits most, and -- -f FORMAT tells "
+                "ffmpeg another one"},
+        BadLine{{"--png", "folder/"}, "--png takes a name that ends in .png, not \"folder/\""},
+        BadLine{{"--png", "x.jpg"}, "--png takes a name that ends in .png, not \"x.jpg\""},
+        BadLine{{"--png", "png"}, "--png takes a name that ends in .png, not \"png\""},
+        BadLine{{"--png", ".png"}, "--png takes a name that ends in .png, not \".png\""},
         BadLine{{"--at", "-1"}, "--at takes seconds from 0 to 36000, such as 12.5, not \"-1\""},
         BadLine{{"--at", "36000.1"},
                 "--at takes seconds from 0 to 36000, such as 12.5, not \"36000.1\""},
@@ -115,6 +124,11 @@ INSTANTIATE_TEST_SUITE_P(
         BadLine{{"--seed", "-1"}, "--seed takes a whole number from 0 to 4294967295, not \"-1\""},
         BadLine{{"--seed", "4294967296"},
                 "--seed takes a whole number from 0 to 4294967295, not \"4294967296\""}));
+
+TEST(RecordOptionsTest, AFilmMayHaveAnyExtensionWhenFfmpegIsToldItsFormat)
+{
+    EXPECT_EQ(parseOptions({"--out", "a.nonsense", "--", "-f", "matroska"}).out, "a.nonsense");
+}
 
 TEST(RecordOptionsTest, APictureMayHaveAnySize)
 {

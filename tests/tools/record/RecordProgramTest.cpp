@@ -284,6 +284,11 @@ TEST_F(RecordProgramTest, RefusesABadOptionInOneLine)
 {
     EXPECT_EQ(run("--out film.mp4 --fps fast"), 2);
     EXPECT_EQ(err, "kelpix-record: --fps takes a whole number from 1 to 1000, not \"fast\"\n");
+    EXPECT_EQ(run("--png x.jpg"), 2);
+    EXPECT_EQ(err, "kelpix-record: --png takes a name that ends in .png, not \"x.jpg\"\n");
+    EXPECT_EQ(run("--out film.nonsense"), 2);
+    EXPECT_EQ(std::count(err.begin(), err.end(), '\n'), 1) << err;
+    EXPECT_THAT(filesLeft(), IsEmpty());
     EXPECT_EQ(runCommand({KELPIX_RECORD}), 2);
     EXPECT_EQ(err, "kelpix-record: --out FILE or --png FILE is missing\n");
 }
@@ -299,8 +304,8 @@ TEST_F(RecordProgramTest, SaysThatThereIsNoEncoder)
 
 TEST_F(RecordProgramTest, PassesOnWhatTheEncoderSays)
 {
-    EXPECT_EQ(run("--out film.nonsense --seconds 10 --size 64x64"), 1);
-    EXPECT_THAT(err, HasSubstr("Unable to find a suitable output format"));
+    EXPECT_EQ(run("--out film.mp4 --seconds 10 --size 64x64 -- -c:v nonsense"), 1);
+    EXPECT_THAT(err, HasSubstr("Unknown encoder 'nonsense'"));
     EXPECT_THAT(err, EndsWith("kelpix-record: no film: ffmpeg ended with status 1\n"));
     EXPECT_THAT(filesLeft(), IsEmpty());
 }
