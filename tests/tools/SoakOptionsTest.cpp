@@ -19,13 +19,13 @@ std::string complaint(const std::vector<std::string>& arguments)
     }
 }
 
-TEST(SoakOptionsTest, WithoutOptionsItPlaysThreeDaysOfTwoSeedsHere)
+TEST(SoakOptionsTest, WithoutOptionsItPlaysThreeDaysOfTwoSeeds)
 {
     const soak::Options options = parseOptions({});
     EXPECT_FALSE(options.help);
     EXPECT_EQ(options.hours, 72);
     EXPECT_THAT(options.seeds, ElementsAre(1u, 2u));
-    EXPECT_EQ(options.media, ".");
+    EXPECT_EQ(options.media, "");
     EXPECT_FALSE(options.voiceSeconds);
     EXPECT_EQ(options.every, 60);
 }
@@ -41,6 +41,7 @@ TEST(SoakOptionsTest, EachOptionIsTaken)
     EXPECT_EQ(options.voiceSeconds, 1.5);
     EXPECT_EQ(options.every, 10);
     EXPECT_TRUE(parseOptions({"--help"}).help);
+    EXPECT_TRUE(parseOptions({"--hours", "1", "--version"}).version);
 }
 
 TEST(SoakOptionsTest, WhatMakesNoSenseIsSaid)

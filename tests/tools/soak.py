@@ -5,6 +5,7 @@ Usage: soak.py HOURS PROGRAM MEDIA
 import math
 import pathlib
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -78,6 +79,11 @@ class Soak(unittest.TestCase):
         self.assertEqual((result.returncode, result.stderr), (0, ""))
         self.assertTrue(result.stdout.startswith("usage: kelpix-soak [option ...]\n"))
 
+    def test_version(self):
+        result = soak("--version")
+        self.assertEqual((result.returncode, result.stderr), (0, ""))
+        self.assertRegex(result.stdout, r"^kelpix-soak \d+\.\d+\.\d+\n$")
+
     def test_bad_options(self):
         for arguments, message in [
                 (["--days", "3"], "unknown option \"--days\""),
@@ -91,10 +97,26 @@ class Soak(unittest.TestCase):
 
     def test_a_folder_without_media(self):
         with tempfile.TemporaryDirectory() as folder:
-            result = soak("--hours", "0.01", folder=folder)
-            self.assertEqual(result.returncode, 1)
-            self.assertIn("missing in this folder:", result.stderr)
-            self.assertIn("kelpix-soak: the scene has ended early\n", result.stderr)
+            result = soak("--media", folder)
+            self.assertEqual((result.returncode, result.stdout), (1, ""))
+            self.assertEqual(result.stderr, f"kelpix-soak: no media in {folder}: there is no "
+                             "data/mocap.txt; \"kelpix-media --out DIR\" makes some, --media DIR "
+                             "plays them\n")
+
+    def test_the_installed_media_are_played_when_this_folder_has_none(self):
+        with tempfile.TemporaryDirectory() as folder:
+            program = pathlib.Path(folder) / "bin/kelpix-soak"
+            program.parent.mkdir()
+            shutil.copy(PROGRAM, program)
+            command = [program, "--hours", "0.001", "--seed", "1"]
+            result = subprocess.run(command, cwd="/", capture_output=True, text=True)
+            self.assertEqual((result.returncode, result.stdout), (1, ""))
+            media = pathlib.Path(folder) / "share/kelpix/media"
+            self.assertIn(f"kelpix-soak: no media in {media}: ", result.stderr)
+            media.parent.mkdir(parents=True)
+            media.symlink_to(MEDIA)
+            result = subprocess.run(command, cwd="/", capture_output=True, text=True)
+            self.assertIn("\nseed 1, voice 120.0 s\n", result.stdout, result.stderr)
 
     def test_a_scene_that_ends_with_status_0_is_no_success(self):
         with tempfile.TemporaryDirectory() as folder:

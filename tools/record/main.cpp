@@ -1,5 +1,6 @@
 #include "Interruption.h"
 #include "MediaFolder.h"
+#include "MediaToPlay.h"
 #include "Recorder.h"
 #include "StandardStreams.h"
 
@@ -11,24 +12,10 @@ namespace {
 namespace fs = std::filesystem;
 using record::Options;
 
-/// The folder whose media are played.
-fs::path mediaFolder(const Options& options)
-{
-    if (!options.media.empty()) {
-        return options.media;
-    }
-    std::error_code error;
-    if (fs::exists("data/mocap.txt", error)) {
-        return ".";
-    }
-    const fs::path program = fs::read_symlink("/proc/self/exe", error);
-    return (program.parent_path() / KELPIX_MEDIA_FROM_PROGRAM).lexically_normal();
-}
-
 /// Goes to the media; relative names of the options become absolute before.
 void enterMedia(Options& options)
 {
-    const fs::path folder = mediaFolder(options);
+    const fs::path folder = mediaToPlay(options.media, KELPIX_MEDIA_FROM_PROGRAM);
     for (fs::path* path : {&options.out, &options.png}) {
         if (!path->empty()) {
             *path = fs::absolute(*path);

@@ -34,8 +34,9 @@ Options parseOptions(const std::vector<std::string>& arguments)
     std::vector<unsigned> seeds;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string& option = arguments[i];
-        if (option == "--help") {
-            options.help = true;
+        if (option == "--help" || option == "--version") {
+            options.help = option == "--help";
+            options.version = !options.help;
             return options;
         }
         const bool known = option == "--hours" || option == "--seed" || option == "--media" ||
@@ -76,11 +77,13 @@ std::string usage()
            "  --hours H        hours of the scene, 0 to 10000 (default 72)\n"
            "  --seed N         seed of the random numbers; several of them give several runs\n"
            "                   (default: 1, then 2)\n"
-           "  --media DIR      the folder that is played (default: the working directory)\n"
+           "  --media DIR      the folder that is played (default: this one if it\n"
+           "                   holds data/mocap.txt, else the installed media)\n"
            "  --voice SECONDS  length of the voice that the figures follow; 0: they rest\n"
            "                   (default: that of the folder's voice)\n"
            "  --every MINUTES  minutes of the scene between two lines (default 60)\n"
-           "  --help           prints this text\n";
+           "  --help           prints this text\n"
+           "  --version        prints the version\n";
 }
 
 } // namespace soak

@@ -11,9 +11,10 @@ namespace soak {
 /// What the command line says.
 struct Options {
     bool help = false;
+    bool version = false;
     double hours = 72;
     std::vector<unsigned> seeds = {1, 2};
-    std::filesystem::path media = ".";
+    std::filesystem::path media; ///< empty: this folder if it holds media, else the installed ones
     std::optional<double> voiceSeconds; ///< none: as long as the media's voice
     int every = 60;                     ///< minutes between two lines
 };

@@ -1,5 +1,6 @@
 #include "Goals.h"
 #include "MediaFolder.h"
+#include "MediaToPlay.h"
 #include "NullGL.h"
 #include "OggSound.h"
 #include "Options.h"
@@ -26,6 +27,21 @@ void checkFinished()
         std::fprintf(stderr, "kelpix-soak: the scene has ended early\n");
         std::_Exit(1);
     }
+}
+
+/// Goes to the folder that is played.
+void enterMedia(const soak::Options& options)
+{
+    const std::filesystem::path folder = mediaToPlay(options.media, KELPIX_MEDIA_FROM_PROGRAM);
+    if (!options.media.empty() && !std::filesystem::is_directory(folder)) {
+        throw soak::UsageError("there is no folder \"" + folder.string() + "\"");
+    }
+    if (!std::filesystem::exists(folder / "data/mocap.txt")) {
+        throw std::runtime_error("no media in " + folder.string() +
+                                 ": there is no data/mocap.txt; \"kelpix-media --out DIR\" makes "
+                                 "some, --media DIR plays them");
+    }
+    std::filesystem::current_path(folder);
 }
 
 /// The voice of the media, or one of another length.
@@ -122,10 +138,11 @@ int main(int argc, char* argv[])
             std::fputs(soak::usage().c_str(), stdout);
             return 0;
         }
-        if (!std::filesystem::is_directory(options.media)) {
-            throw soak::UsageError("there is no folder \"" + options.media.string() + "\"");
+        if (options.version) {
+            std::puts("kelpix-soak " KELPIX_VERSION);
+            return 0;
         }
-        std::filesystem::current_path(options.media);
+        enterMedia(options);
         MediaFolder::reportMissingFiles();
         std::atexit(checkFinished);
         const Stage::Voice voice = voiceOf(options);
