@@ -49,10 +49,16 @@ public:
 
     /// Maps a window position to the frame of a node, on the near plane.
     /// \param out    receives x and y in that frame; (0, 0) when the matrices cannot be inverted
-    /// \param in     window position in pixels, origin at the top left
+    /// \param in     window position in pixels, origin at the top left; the top row of pixels,
+    ///               y = 0, is GL's row h - 1, so y = 150 in a window 600 high is row 449, and 298
+    ///               with the orthographic camera
     /// \param model  float[16], column-major: frame of the node to the frame of the current
     ///               modelview matrix
     /// \return \p out
+    /// With the orthographic camera that is where the click is at every depth. In perspective the
+    /// line of sight goes on from the eye through that point: x and y, counted from the eye, grow
+    /// with the distance from it. From the near plane to z = 0, with the eye at z = 1, that is
+    /// 1 / 0.01 = 100 times.
     /// The origin of the viewport is taken off twice, here and by GLU: deliberate, callers depend
     /// on it. After one of the set-ups it is (0, 0). Needs: current GL context with the modelview
     /// matrix selected. Restores: matrix stack.

@@ -35,9 +35,9 @@ enum RTTI_NODE_TYPE {
 /// it multiplies the node's transform into GL's modelview matrix and calls cull, in which a visible
 /// node draws itself; each tick it calls update; each input event goes to userEvent.
 ///
-/// Nodes are made with new and belong to nobody, until they call die: the next draw walk that
-/// visits their parent calls cleanup, runs the Node destructor and gives the storage back. That
-/// destructor is not virtual, so cleanup is the only hook of a derived class: a class whose objects
+/// Nodes belong to whoever makes them, and must outlive the walks over their tree; those that can
+/// die are made with new. After die, the next draw walk that visits their parent calls cleanup, runs
+/// the Node destructor and gives the storage back. That destructor is not virtual, so cleanup is the only hook of a derived class: a class whose objects
 /// can die keeps no memory beyond it. The children of a dead node are not deleted with it.
 ///
 /// The order of the virtual operations is part of the interface.
