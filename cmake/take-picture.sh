@@ -11,7 +11,6 @@ seconds=300
 scene=$!
 trap 'kill "$scene" 2>/dev/null || true' EXIT
 
-# Three figures that are wholly in the picture cover about 400 pixels of a quarter-size copy.
 # Counts the pixels of a quarter-size copy of the picture for which a condition holds.
 count() {
     convert "$picture" -resize 25% -fx "$1" -format '%[fx:round(mean*w*h)]' info:
@@ -37,6 +36,7 @@ until window=$(xdotool search --onlyvisible --name '^kelpix \(' 2>/dev/null); do
     sleep 0.2
 done
 
+# Three figures that are wholly in the picture cover about 400 pixels of the copy.
 while :; do
     sleep 1
     check_scene
@@ -46,6 +46,7 @@ while :; do
     [ "$fish" -gt 60 ] && [ "$figures" -gt 330 ] && break
 done
 
+# Without a window manager nothing else gives the window the focus, and keys go nowhere.
 xdotool windowfocus --sync "$window" key q
 trap - EXIT
 wait "$scene"
