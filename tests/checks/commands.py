@@ -21,6 +21,7 @@ COVERED = {
     "README.md": {
         "./run\n": "installs packages; it starts what package/start and kelpix/ProgramTest start",
         "./test\n": "runs this test",
+        "cmake/install-packages.sh build package\n"
         "cmake --preset release && cmake --build --preset release\n"
         "(cd build/release && cpack)\n"
         "sudo apt-get install ./build/release/packages/kelpix_*.deb\n": "package/install",
@@ -32,6 +33,8 @@ COVERED = {
     },
     "CONTRIBUTING.md": {
         "cmake --preset dev && cmake --build --preset dev && ctest --preset dev\n":
+            "minutes; ./test does it with other presets",
+        "cmake --build --preset dev --target NodeTest && ctest --preset dev -R NodeTest\n":
             "minutes; ./test does it with other presets",
     },
     "docs/framework.md": {
@@ -58,7 +61,7 @@ COVERED = {
             "minutes; tools/record/RecordScriptTest reads the script",
     },
     "docs/running.md": {
-        "apt-get install ./kelpix_*.deb cage xwayland\n"
+        "apt-get install ./kelpix_*.deb cage xwayland alsa-utils xdotool\n"
         "adduser --system --group --home /var/lib/kelpix kelpix\n"
         "usermod --append --groups audio,video,render,input kelpix\n"
         "cd /usr/share/doc/kelpix/kiosk\n"
@@ -67,6 +70,16 @@ COVERED = {
         "systemctl daemon-reload\n"
         "systemctl enable --now kelpix-kiosk.service\n":
             "changes the machine; package/kiosk checks the unit and runs its command",
+        "runuser -u kelpix -- env DISPLAY=:0 xdotool search --name '^kelpix \\(' getwindowname\n":
+            "needs a running kiosk; package/kiosk finds the window in this way",
+        "install -d /srv/kelpix\n"
+        "cp -r reef/. /srv/kelpix\n"
+        "chmod -R a+rX /srv/kelpix\n"
+        "runuser -u kelpix -- kelpix-media --check /srv/kelpix\n"
+        "systemctl restart kelpix-kiosk.service\n": "changes the machine",
+        "systemctl stop kelpix-kiosk.service\n"
+        "apt-get install ./kelpix_*.deb\n"
+        "systemctl start kelpix-kiosk.service\n": "changes the machine",
         "mkdir -p /etc/systemd/system/kelpix-kiosk.service.d\n"
         "install -m 644 showing.conf /etc/systemd/system/kelpix-kiosk.service.d/\n"
         "systemctl daemon-reload\n"
@@ -147,7 +160,7 @@ class Commands(unittest.TestCase):
 
         out = self.sh(self.block("docs/media.md", "build/release/media/kelpix-media"), self.root)
         self.assertIn("9 files: 9 ok", out)
-        self.assertEqual(out.splitlines()[-1], "kelpix in reef with ")
+        self.assertEqual(out.splitlines()[-1], "kelpix in kelpix with --media reef")
         self.run_pictures()
 
         out = self.sh(self.block("docs/running.md", "kelpix  "), self.root)
