@@ -36,9 +36,10 @@ enum RTTI_NODE_TYPE {
 /// node draws itself; each tick it calls update; each input event goes to userEvent.
 ///
 /// Nodes belong to whoever makes them, and must outlive the walks over their tree; those that can
-/// die are made with new. After die, the next draw walk that visits their parent calls cleanup, runs
-/// the Node destructor and gives the storage back. That destructor is not virtual, so cleanup is the only hook of a derived class: a class whose objects
-/// can die keeps no memory beyond it. The children of a dead node are not deleted with it.
+/// die are made with new. After die, the next draw walk that visits their parent calls cleanup,
+/// runs the Node destructor and gives the storage back. That destructor is not virtual, so cleanup
+/// is the only hook of a derived class: a class whose objects can die keeps no memory beyond it.
+/// The children of a dead node are not deleted with it.
 ///
 /// The order of the virtual operations is part of the interface.
 class Node {
