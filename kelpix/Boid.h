@@ -81,7 +81,8 @@ public:
     Geometry* getGeometry() override { return nullptr; }
     void print() override {}
 
-    /// Leaves the grid and deletes the sprite. Needs: current GL context if the sprite was drawn.
+    /// Leaves its cell of the grid, which must still be there, and deletes the sprite.
+    /// Needs: current GL context if the sprite was drawn.
     void cleanup() override;
 
     /// Compares the cell it is registered in, \p a, with the cell it is in now, \p b (either may be
@@ -116,10 +117,13 @@ public:
 
 private:
     void enterGrid(Bucket* bucket);
+    /// What move does, with the flockmates summed up and the closest of all boids found. Steering
+    /// changes no position on the way, so that boid is still the closest when it is avoided.
     void steer(const Neighborhood& flockmates, Boid* closest);
     void flock(const Neighborhood& flockmates);
     void avoidWalls();
     void bounceOff(Boid* closest);
+    /// The closest sensor or null, and how far away it is if there is one.
     Sensor* findSensor(float& distance);
     void turnSprite();
 };

@@ -51,9 +51,9 @@ public:
     BucketIndex& operator=(const BucketIndex&) = delete;
     ~BucketIndex();
 
-    /// Makes a grid of \p c columns and \p r rows, replacing an earlier one. No cells for a count
-    /// of 0 or less, and none left when there is not enough memory (std::bad_alloc). The
-    /// environment is not used.
+    /// Makes a grid of \p c columns and \p r rows, replacing an earlier one, in which no boid may
+    /// be registered any more. No cells for a count of 0 or less, and none left when there is not
+    /// enough memory (std::bad_alloc). The environment is not used.
     void initialize(int c, int r, Environment* env);
 
     /// \return the cell that contains the grid point, or null outside the grid. The upper bounds

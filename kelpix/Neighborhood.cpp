@@ -35,8 +35,9 @@ std::size_t listBoids(const std::vector<Bucket*>& cells)
     for (const Bucket* cell : cells) {
         const std::vector<Node*>& slots = cell->boidList;
         if (boids.size() < count + slots.size()) {
+            // This one first: it is then never the shorter one, wherever memory ends.
+            squares.resize(count + slots.size());
             boids.resize(count + slots.size());
-            squares.resize(boids.size());
         }
         Boid** const list = boids.data();
         for (Node* node : slots) {
@@ -65,14 +66,14 @@ std::size_t keepNear(std::size_t count, const Boid& boid)
 
 } // namespace
 
-Neighborhood Neighborhood::ofList(const std::vector<Boid*>& boids)
+Neighborhood Neighborhood::ofList(const std::vector<Boid*>& list)
 {
     Neighborhood result;
-    for (const Boid* boid : boids) {
+    for (const Boid* boid : list) {
         result.pos = result.pos + boid->pos;
         result.vel = result.vel + boid->vel;
     }
-    result.count = static_cast<int>(boids.size());
+    result.count = static_cast<int>(list.size());
     return result;
 }
 

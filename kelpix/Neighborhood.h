@@ -46,10 +46,11 @@ struct Neighborhood {
     Boid* closest = nullptr; ///< borrows; the earlier one of two equally close
 
     /// Sums up a list, and looks for no closest one.
-    static Neighborhood ofList(const std::vector<Boid*>& boids);
+    static Neighborhood ofList(const std::vector<Boid*>& list);
 
     /// Finds the boids in some cells that are within the search radius of \p boid and have another
-    /// id: cell by cell, in the order of their slots.
+    /// id: cell by cell, in the order of their slots. Empty slots are passed over, and a boid whose
+    /// distance is not a number is not within any radius.
     static Neighborhood inCells(const std::vector<Bucket*>& cells, const Boid& boid);
 };
 

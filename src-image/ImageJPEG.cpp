@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <csetjmp>
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 
 // jpeglib.h needs size_t and FILE declared before it.
@@ -24,14 +25,14 @@ struct my_error_mgr {
 enum { TOO_MANY_SCANS = 1000, PICTURE_TOO_LARGE };
 constexpr const char* OUR_MESSAGES[] = {"More than %d scans", "%u x %u pixels are too many"};
 
-/// The library's own scripts for progressive files have ten scans. A few bytes make one more scan,
-/// and each costs a pass over the whole picture.
+/// The library's own scripts for progressive files have 10 scans, of four components (CMYK) 18. A
+/// few bytes make one more scan, and each costs a pass over the whole picture.
 constexpr int MAX_SCANS = 100;
 
 /// The most scans of a large picture are those that pass over so many pixels, but no fewer than
 /// MIN_SCANS.
-constexpr long MAX_SCANNED = 1L << 32;
-constexpr long MIN_SCANS = 16;
+constexpr std::int64_t MAX_SCANNED = std::int64_t{1} << 32;
+constexpr std::int64_t MIN_SCANS = 18;
 
 /// Uploads of JPEG textures read this many bytes per pixel.
 constexpr std::size_t UPLOADED_COMPONENTS = 3;
@@ -56,8 +57,8 @@ jpeg_error_mgr* install(my_error_mgr& errors)
 void stopAfterManyScans(j_common_ptr jpeg)
 {
     const auto* decompressor = reinterpret_cast<j_decompress_ptr>(jpeg);
-    const long pixels = long{decompressor->image_width} * long{decompressor->image_height};
-    const long most = std::clamp(MAX_SCANNED / pixels, MIN_SCANS, long{MAX_SCANS});
+    const auto pixels = std::int64_t{decompressor->image_width} * decompressor->image_height;
+    const auto most = std::clamp(MAX_SCANNED / pixels, MIN_SCANS, std::int64_t{MAX_SCANS});
     if (decompressor->input_scan_number > most) {
         ERREXIT1(jpeg, TOO_MANY_SCANS, static_cast<int>(most));
     }

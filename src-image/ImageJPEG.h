@@ -22,7 +22,7 @@ public:
     ~ImageJPEG();
 
     /// Reads a JPEG file. A damaged one is read as far as the library can repair it; a progressive
-    /// one of more than 100 scans (16 to 99 for pictures of more than 43 million pixels) cannot be
+    /// one of more than 100 scans (18 to 99 for pictures of more than 43 million pixels) cannot be
     /// decoded.
     /// \return 1; 0 when it fails: a file that cannot be opened gives "can't open %s\n" on standard
     ///         output, one that cannot be decoded the library's message on standard error

@@ -12,13 +12,12 @@ using namespace columns;
 
 namespace {
 
-/// Negates every second element, from element 1 on, or from element 0 on when \p first is 1.
-template<int first>
-Column alternate(Column column)
+using Bits = std::uint32_t __attribute__((vector_size(16)));
+constexpr std::uint32_t SIGN = 0x80000000;
+
+/// Negates the elements whose bit of the sign is set in \p signs.
+Column negate(Column column, Bits signs)
 {
-    using Bits = std::uint32_t __attribute__((vector_size(16)));
-    constexpr std::uint32_t sign = 0x80000000;
-    constexpr Bits signs = first == 1 ? Bits{sign, 0, sign, 0} : Bits{0, sign, 0, sign};
     return std::bit_cast<Column>(std::bit_cast<Bits>(column) ^ signs);
 }
 
@@ -118,17 +117,19 @@ void do_inverse(float* out, const float* m)
     const Column e2 = pick<1, 0, 0, 0>(m2);
     const Column e3 = pick<1, 0, 0, 0>(m3);
 
-    // The four rows of cofactors. Their first elements make the determinant.
-    const Column r0 = alternate<0>(e1 * s23 - e2 * s13 + e3 * s12);
-    const Column r1 = alternate<1>(e0 * s23 - e2 * s03 + e3 * s02);
-    const Column r2 = alternate<0>(e0 * s13 - e1 * s03 + e3 * s01);
-    const Column r3 = alternate<1>(e0 * s12 - e1 * s02 + e2 * s01);
+    // The four rows of cofactors, whose signs alternate. Their first elements make the determinant.
+    constexpr Bits ODD = {0, SIGN, 0, SIGN};
+    constexpr Bits EVEN = {SIGN, 0, SIGN, 0};
+    const Column r0 = negate(e1 * s23 - e2 * s13 + e3 * s12, ODD);
+    const Column r1 = negate(e0 * s23 - e2 * s03 + e3 * s02, EVEN);
+    const Column r2 = negate(e0 * s13 - e1 * s03 + e3 * s01, ODD);
+    const Column r3 = negate(e0 * s12 - e1 * s02 + e2 * s01, EVEN);
     const float det = m0[0] * r0[0] + m1[0] * r1[0] + m2[0] * r2[0] + m3[0] * r3[0];
-    const std::array<Column, 4> columns = transposed({r0 / det, r1 / det, r2 / det, r3 / det});
-    store(out, columns[0]);
-    store(out + 4, columns[1]);
-    store(out + 8, columns[2]);
-    store(out + 12, columns[3]);
+    const std::array<Column, 4> inverse = transposed({r0 / det, r1 / det, r2 / det, r3 / det});
+    store(out, inverse[0]);
+    store(out + 4, inverse[1]);
+    store(out + 8, inverse[2]);
+    store(out + 12, inverse[3]);
 }
 
 void dump_matrix(float* dst, const float* src)

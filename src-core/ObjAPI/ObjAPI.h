@@ -73,7 +73,7 @@ void obj_set_mtrl_name(int fi, int mi, const char* name);
 /// that was read, the map's name is the name in the material library, without the directory, so
 /// that the library can be written again in its place.) A picture whose pixels, at 8 bits per
 /// component, take 1 GiB or more cannot be read, nor can a progressive JPEG of more than 100 scans
-/// (16 to 99 for pictures of more than 43 million pixels).
+/// (18 to 99 for pictures of more than 43 million pixels).
 /// What is wrong with a damaged JPEG comes on standard error, in the words of its library.
 /// Needs: current GL context (without one there is no texture). Changes: 2-D texture binding.
 void obj_set_mtrl_map(int fi, int mi, int ki, const char* filename);

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <csetjmp>
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <new>
@@ -131,14 +132,14 @@ struct JpegErrors {
 }
 
 /// A progressive picture may come in any number of scans, each of which takes the time of the whole
-/// picture; encoders write about ten.
+/// picture; encoders write about 10, of four components (CMYK) 18.
 void jpeg_progress(j_common_ptr jpeg)
 {
-    constexpr long MOST_SCANS = 100;
-    constexpr long LEAST_SCANS = 16;
-    constexpr long MOST_SCANNED = 1L << 32; // pixels passed over
+    constexpr std::int64_t MOST_SCANS = 100;
+    constexpr std::int64_t LEAST_SCANS = 18;
+    constexpr auto MOST_SCANNED = std::int64_t{1} << 32; // pixels passed over
     const auto* picture = reinterpret_cast<j_decompress_ptr>(jpeg);
-    const long pixels = long{picture->image_width} * long{picture->image_height};
+    const auto pixels = std::int64_t{picture->image_width} * picture->image_height;
     if (picture->input_scan_number > std::clamp(MOST_SCANNED / pixels, LEAST_SCANS, MOST_SCANS)) {
         give_up(jpeg);
     }

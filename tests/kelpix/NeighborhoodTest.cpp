@@ -1,13 +1,22 @@
 #include "Neighborhood.h"
 
+#include "Boid.h"
+#include "BucketIndex.h"
+#include "FailingMemory.h"
+
 #include <bit>
 #include <cmath>
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <limits>
+#include <memory>
+#include <new>
+#include <random>
+#include <vector>
 
 namespace {
 
+constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
 constexpr float FLOAT_INF = std::numeric_limits<float>::infinity();
 constexpr double INF = std::numeric_limits<double>::infinity();
 
@@ -16,12 +25,66 @@ bool isWithin(double square, float radius)
     return radius >= static_cast<float>(std::sqrt(square));
 }
 
-TEST(NeighborhoodTest, TheReachOfATenthIsNeitherOfTheObviousSquares)
+/// Boids without sprites, in cells.
+class NeighborhoodTest : public testing::Test {
+protected:
+    Boid* add(Bucket& cell, int id, const Vec3& pos, const Vec3& vel = {})
+    {
+        boids.push_back(std::make_unique<Boid>());
+        Boid* const boid = boids.back().get();
+        boid->setId(id);
+        boid->pos = pos;
+        boid->vel = vel;
+        cell.add(boid);
+        return boid;
+    }
+
+    std::vector<std::unique_ptr<Boid>> boids;
+};
+
+/// What inCells finds, the plain way: a list of all within reach, summed up, and then searched.
+Neighborhood plainly(const std::vector<Bucket*>& cells, const Boid& boid)
+{
+    std::vector<Boid*> list;
+    for (const Bucket* cell : cells) {
+        for (Node* node : cell->boidList) {
+            auto* const other = static_cast<Boid*>(node);
+            if (other != nullptr && other->getId() != boid.getId() &&
+                boid.searchRadius >= Vec3::EuclDistance(other->pos, boid.pos)) {
+                list.push_back(other);
+            }
+        }
+    }
+    Neighborhood result;
+    float least = 100000.0f;
+    for (Boid* other : list) {
+        ++result.count;
+        result.pos = result.pos + other->pos;
+        result.vel = result.vel + other->vel;
+        const float distance = Vec3::EuclDistance(other->pos, boid.pos);
+        if (least > distance) {
+            least = distance;
+            result.closest = other;
+        }
+    }
+    return result;
+}
+
+bool isSame(const Vec3& a, const Vec3& b)
+{
+    const auto same = [](float p, float q) {
+        return std::bit_cast<std::uint32_t>(p) == std::bit_cast<std::uint32_t>(q) ||
+               (std::isnan(p) && std::isnan(q));
+    };
+    return same(a.x, b.x) && same(a.y, b.y) && same(a.z, b.z);
+}
+
+TEST_F(NeighborhoodTest, TheReachOfATenthIsNeitherOfTheObviousSquares)
 {
     EXPECT_EQ(std::bit_cast<std::uint64_t>(largestSquareWithin(0.1f)), 0x3f847ae16b851ec7);
 }
 
-TEST(NeighborhoodTest, TheLargestSquareIsWithinTheRadiusAndTheNextOneIsNot)
+TEST_F(NeighborhoodTest, TheLargestSquareIsWithinTheRadiusAndTheNextOneIsNot)
 {
     for (const float radius : {0.0f, 1e-45f, 1e-20f, 0.03f, 0.1f, 0.25f, 0.3f, 1.0f, 7.0f, 2e19f,
                                std::numeric_limits<float>::max()}) {
@@ -31,19 +94,19 @@ TEST(NeighborhoodTest, TheLargestSquareIsWithinTheRadiusAndTheNextOneIsNot)
     }
 }
 
-TEST(NeighborhoodTest, AnInfiniteRadiusReachesEverything)
+TEST_F(NeighborhoodTest, AnInfiniteRadiusReachesEverything)
 {
     EXPECT_EQ(largestSquareWithin(FLOAT_INF), INF);
 }
 
-TEST(NeighborhoodTest, NothingIsWithinARadiusBelowZeroOrOneThatIsNoNumber)
+TEST_F(NeighborhoodTest, NothingIsWithinARadiusBelowZeroOrOneThatIsNoNumber)
 {
     EXPECT_EQ(largestSquareWithin(-1e-45f), -1);
     EXPECT_EQ(largestSquareWithin(-FLOAT_INF), -1);
     EXPECT_EQ(largestSquareWithin(std::numeric_limits<float>::quiet_NaN()), -1);
 }
 
-TEST(NeighborhoodTest, OfTwoSquaresWithTheSameRootTheEarlierIsTheClosest)
+TEST_F(NeighborhoodTest, OfTwoSquaresWithTheSameRootTheEarlierIsTheClosest)
 {
     const double square = 0.01;
     const double less = std::nextafter(square, 0.0);
@@ -57,7 +120,7 @@ TEST(NeighborhoodTest, OfTwoSquaresWithTheSameRootTheEarlierIsTheClosest)
     EXPECT_FALSE(closest.isNearer(0.01));
 }
 
-TEST(NeighborhoodTest, NothingAtAHundredThousandOrBeyondIsClosest)
+TEST_F(NeighborhoodTest, NothingAtAHundredThousandOrBeyondIsClosest)
 {
     Closest closest;
     EXPECT_FALSE(closest.isNearer(std::numeric_limits<double>::quiet_NaN()));
@@ -65,6 +128,65 @@ TEST(NeighborhoodTest, NothingAtAHundredThousandOrBeyondIsClosest)
     EXPECT_FALSE(closest.isNearer(1e10));
     EXPECT_EQ(closest.distance(), 100000.0f);
     EXPECT_TRUE(closest.isNearer(0.999e10));
+}
+
+TEST_F(NeighborhoodTest, FindsWhatAListOfAllWithinReachHolds)
+{
+    std::minstd_rand random(1);
+    const auto pick = [&random](int n) { return static_cast<int>(random() % unsigned(n)); };
+    // Few places, so that many are equally far away, and some that are none.
+    const auto place = [&pick] {
+        const int at = pick(200);
+        return at == 0   ? NOT_A_NUMBER
+               : at == 1 ? FLOAT_INF
+               : at == 2 ? 1e30f
+                         : static_cast<float>(pick(33)) / 100.0f;
+    };
+    std::vector<Bucket> grid(9);
+    std::vector<Bucket*> cells;
+    for (Bucket& cell : grid) {
+        cells.push_back(&cell);
+        for (int i = pick(40); i > 0; --i) {
+            add(cell, pick(20), Vec3(place(), place(), 0),
+                Vec3(static_cast<float>(pick(1000)) / 300.0f, place(), -0.0f));
+        }
+        for (std::size_t i = 0; i < cell.boidList.size(); i += 3) {
+            cell.boidList[i] = nullptr;
+        }
+    }
+    const float radii[] = {0.1f, 0.03f, 0,         -0.0f,        -1,
+                           1,    1e30f, FLOAT_INF, NOT_A_NUMBER, -FLOAT_INF};
+    int found = 0;
+    for (const auto& boid : boids) {
+        boid->searchRadius = pick(2) == 0 ? 0.1f : radii[pick(10)];
+        const Neighborhood neighbors = Neighborhood::inCells(cells, *boid);
+        const Neighborhood expected = plainly(cells, *boid);
+        ASSERT_EQ(neighbors.count, expected.count) << boid->searchRadius;
+        ASSERT_EQ(neighbors.closest, expected.closest) << boid->searchRadius;
+        ASSERT_TRUE(isSame(neighbors.pos, expected.pos)) << boid->searchRadius;
+        ASSERT_TRUE(isSame(neighbors.vel, expected.vel)) << boid->searchRadius;
+        found += neighbors.count;
+    }
+    EXPECT_GT(found, 1000);
+}
+
+TEST_F(NeighborhoodTest, FindsAllWhenMemoryHasEndedBefore)
+{
+    Bucket cell;
+    std::vector<Bucket*> cells = {&cell};
+    Boid* const boid = add(cell, 0, {0.5f, 0.5f, 0});
+    boid->searchRadius = 0.1f;
+    for (long succeed = 0; succeed < 2; ++succeed) {
+        for (int i = 0; i < 20000; ++i) { // more than there has been room for
+            add(cell, 1, {0.5f, 0.5f, 0});
+        }
+        {
+            const FailingMemory memory(succeed, FailingMemory::ONCE);
+            EXPECT_THROW(Neighborhood::inCells(cells, *boid), std::bad_alloc);
+        }
+        EXPECT_EQ(Neighborhood::inCells(cells, *boid).count,
+                  static_cast<int>(cell.boidList.size()) - 1);
+    }
 }
 
 } // namespace
