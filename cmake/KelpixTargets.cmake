@@ -57,6 +57,9 @@ function(kelpix_library name)
         PUBLIC ${lib_PUBLIC}
         PRIVATE ${lib_PRIVATE} $<BUILD_INTERFACE:kelpix_options>)
     target_compile_features(kelpix_${name} PUBLIC cxx_std_20)
+    # A failed assertion names its source by the place in the project: a package must not hold the
+    # path of the folder in which it was built.
+    target_compile_options(kelpix_${name} PRIVATE -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
     set_target_properties(kelpix_${name} PROPERTIES
         EXPORT_NAME ${name}
         CXX_EXTENSIONS OFF
