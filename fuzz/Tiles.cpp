@@ -4,7 +4,7 @@
 
 // The source, not only its header: records live until the process ends, so an input has to take its
 // own away.
-#include "TileConfig.cpp"
+#include "TileConfig.cpp" // NOLINT(bugprone-suspicious-include)
 
 extern "C" int __wrap_gethostname(char* name, std::size_t size)
 {
