@@ -15,14 +15,10 @@ constexpr std::size_t MATRICES = 32;
 MatrixStack& currentStack()
 {
     Context& now = context();
-    switch (now.attributes.matrixMode) {
-    case GL_PROJECTION:
-        return now.projection;
-    case GL_TEXTURE:
-        return now.texture;
-    default:
+    if (now.attributes.matrixMode == GL_MODELVIEW) { // nearly always: a walk asks for nothing else
         return now.modelview;
     }
+    return now.attributes.matrixMode == GL_PROJECTION ? now.projection : now.texture;
 }
 
 void multiplyNow(const Elements& b)
