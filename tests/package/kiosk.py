@@ -16,7 +16,8 @@ import time
 import unittest
 
 FOLDER = pathlib.Path(sys.argv.pop())
-KIOSK = FOLDER / "root/usr/share/doc/kelpix/kiosk"
+USR = FOLDER / "root/usr"
+KIOSK = USR / "share/doc/kelpix/kiosk"
 NOBODY = 65534
 
 
@@ -88,7 +89,7 @@ class Kiosk(unittest.TestCase):
             os.chown(self.folder, NOBODY, NOBODY)
         if subprocess.run([*user, "test", "-w", "/dev/shm"]).returncode != 0:
             self.skipTest("there is no shared memory, in which pictures of the screen are handed over")
-        shutil.copytree(FOLDER / "root/usr", self.folder / "usr")
+        shutil.copytree(USR, self.folder / "usr")
         script = script.replace("/usr/bin/kelpix", str(self.folder / "usr/bin/kelpix"))
         (self.folder / "run").mkdir(mode=0o700)
         if user:
@@ -130,7 +131,7 @@ class Kiosk(unittest.TestCase):
         self.assertIn("kelpix: ended with status 143\n", self.log())
 
     def test_fill_screen_enlarges_the_window(self):
-        path = f"{FOLDER}/root/usr/bin:{os.environ['PATH']}"
+        path = f"{USR}/bin:{os.environ['PATH']}"
         process = self.start([KIOSK / "fill-screen"], PATH=path)
         self.wait_for(lambda: self.geometry(os.environ["DISPLAY"]) == "1280x1024", process)
         process.terminate()
@@ -139,7 +140,7 @@ class Kiosk(unittest.TestCase):
         self.assertIsNone(self.geometry(os.environ["DISPLAY"]))
 
     def test_fill_screen_passes_the_status_on(self):
-        path = f"{FOLDER}/root/usr/bin:{os.environ['PATH']}"
+        path = f"{USR}/bin:{os.environ['PATH']}"
         process = self.start([KIOSK / "fill-screen", "--loud"], PATH=path)
         self.assertEqual(process.wait(300), 2)
 

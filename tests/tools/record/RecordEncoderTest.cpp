@@ -1,5 +1,6 @@
 #include "Encoder.h"
 
+#include "ErrorOf.h"
 #include "TempDirectory.h"
 
 #include <csignal>
@@ -59,17 +60,6 @@ protected:
     Picture frame{
         2, 2, {'a', 'b', 'c', 'd', 'e', 'f', 'g', 'h', 'i', 'j', 'k', 'l', 'm', 'n', 'o', 'p'}};
 };
-
-template<typename Action>
-std::string errorOf(Action action)
-{
-    try {
-        action();
-    } catch (const std::runtime_error& error) {
-        return error.what();
-    }
-    return "no error";
-}
 
 TEST(RecordEncoderCommandTest, DescribesWhatComesThroughThePipes)
 {

@@ -1,6 +1,7 @@
 #include "PartFile.h"
 #include "PictureFile.h"
 
+#include "ErrorOf.h"
 #include "TempDirectory.h"
 
 #include <gmock/gmock.h>
@@ -18,17 +19,6 @@ std::string content(const fs::path& path)
 {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
-}
-
-template<typename Action>
-std::string errorOf(Action action)
-{
-    try {
-        action();
-    } catch (const std::runtime_error& error) {
-        return error.what();
-    }
-    return "no error";
 }
 
 TEST(RecordPartFileTest, GetsItsNameWhenItIsComplete)
