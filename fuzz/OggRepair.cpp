@@ -1,19 +1,17 @@
-/// Mutates Ogg files so that their pages stay whole: a page with a wrong checksum is skipped, and
+/// Keeps the pages of a mutated Ogg file whole: a page with a wrong checksum is skipped, and
 /// nothing behind it reaches the decoder.
 
-#include <cstddef>
-#include <cstdint>
+#include "Repair.h"
+
 #include <cstring>
 #include <ogg/ogg.h>
-
-extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t capacity);
-extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size,
-                                               std::size_t capacity, unsigned seed);
 
 namespace {
 
 constexpr std::size_t HEADER = 27;   ///< bytes of a page before its table of segments
 constexpr std::size_t SEGMENTS = 26; ///< where the number of segments is
+
+} // namespace
 
 void repair(std::uint8_t* data, std::size_t size)
 {
@@ -37,16 +35,4 @@ void repair(std::uint8_t* data, std::size_t size)
         ogg_page_checksum_set(&whole);
         at += header + body;
     }
-}
-
-} // namespace
-
-std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t capacity,
-                                    unsigned seed)
-{
-    const std::size_t mutated = LLVMFuzzerMutate(data, size, capacity);
-    if (seed % 16 != 0) { // wrong checksums are inputs too
-        repair(data, mutated);
-    }
-    return mutated;
 }
