@@ -12,9 +12,8 @@
 #include <spawn.h>
 #include <string>
 #include <sys/wait.h>
+#include <unistd.h>
 #include <vector>
-
-extern char** environ;
 
 namespace {
 
@@ -22,6 +21,7 @@ namespace {
 double timeOf(std::vector<std::string> command)
 {
     std::vector<char*> words;
+    words.reserve(command.size() + 1);
     for (std::string& word : command) {
         words.push_back(word.data());
     }

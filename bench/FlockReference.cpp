@@ -183,8 +183,9 @@ Cell* World::cellAt(float x, float y)
     if (!(x >= 0 && CELLS >= x && y >= 0 && CELLS >= y)) {
         return nullptr;
     }
-    const auto i = static_cast<std::size_t>(CELLS * cut(y) + cut(x));
-    return i < cells.size() ? &cells[i] : nullptr;
+    const int i = CELLS * cut(y) + cut(x);
+    return static_cast<std::size_t>(i) < cells.size() ? &cells[static_cast<std::size_t>(i)]
+                                                      : nullptr;
 }
 
 void World::cellsIn(std::vector<Cell*>& list, float x0, float y0, float x1, float y1)
@@ -195,7 +196,8 @@ void World::cellsIn(std::vector<Cell*>& list, float x0, float y0, float x1, floa
     const int r1 = std::min(cut(y1), CELLS);
     for (int i = c0; i < c1; ++i) {
         for (int j = r0; j < r1; ++j) {
-            list.push_back(&cells[static_cast<std::size_t>(CELLS * j + i)]);
+            const int cell = CELLS * j + i;
+            list.push_back(&cells[static_cast<std::size_t>(cell)]);
         }
     }
 }
@@ -455,8 +457,8 @@ World::World(Environment& environment)
             boid.alive = own.alive;
             boid.outOfBound = own.outOfBound;
             if (own.myBucket) {
-                boid.cell = &cells.at(
-                    static_cast<std::size_t>(CELLS * own.myBucket->y() + own.myBucket->x()));
+                const int cell = CELLS * own.myBucket->y() + own.myBucket->x();
+                boid.cell = &cells.at(static_cast<std::size_t>(cell));
             }
             twins[node] = &boid;
             continue;

@@ -77,7 +77,9 @@ std::string newPatchwork(int triangles)
 {
     std::string text = "mtllib library.mtl\n";
     for (int i = 0; i < triangles; ++i) {
-        append(text, "v %f %f 0.0\n", i % 100 / 100.0, i / 100 / 100.0);
+        const int column = i % 100;
+        const int row = i / 100;
+        append(text, "v %f %f 0.0\n", column / 100.0, row / 100.0);
     }
     text += "v 0 0 1\nv 1 0 0\n";
     for (int i = 0; i < triangles; ++i) {
