@@ -32,6 +32,10 @@ if(KELPIX_SANITIZE)
     target_compile_options(kelpix_options INTERFACE
         $<$<NOT:$<BOOL:$<TARGET_PROPERTY:KELPIX_IS_TEST>>>:-O1>
         -fsanitize=address,undefined -fno-sanitize-recover=undefined -fsized-deallocation)
+    # In the code of the tests themselves these would look at every access, which makes them a third
+    # slower to compile; AddressSanitizer sees most of it there too.
+    target_compile_options(kelpix_options INTERFACE
+        $<$<BOOL:$<TARGET_PROPERTY:KELPIX_IS_TEST>>:-fno-sanitize=null,alignment,object-size,vptr>)
     target_link_options(kelpix_options INTERFACE -fsanitize=address,undefined)
 endif()
 
