@@ -81,7 +81,7 @@ COVERED = {
         "apt-get install ./kelpix_*.deb\n"
         "systemctl start kelpix-kiosk.service\n": "changes the machine",
         "mkdir -p /etc/systemd/system/kelpix-kiosk.service.d\n"
-        "install -m 644 showing.conf /etc/systemd/system/kelpix-kiosk.service.d/\n"
+        "install -m 644 /usr/share/doc/kelpix/kiosk/showing.conf /etc/systemd/system/kelpix-kiosk.service.d/\n"
         "systemctl daemon-reload\n"
         "systemctl restart kelpix-kiosk.service\n":
             "changes the machine; package/kiosk checks the unit with this file",
