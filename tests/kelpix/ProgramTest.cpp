@@ -276,6 +276,31 @@ TEST_F(ProgramTest, ItRunsOnWhenItsSoundDeviceIsLost)
     EXPECT_THAT(scene.program.output(), StartsWith(expected + "AL lib: (EE) "));
 }
 
+#ifndef KELPIX_SANITIZED // whose own operator new has to stay
+
+TEST_F(ProgramTest, WithoutMemoryAtItsStartItEndsWithOneLine)
+{
+    replace("no-memory", "");
+    Scene scene(folder, {{"LD_PRELOAD", KELPIX_NO_MEMORY}});
+    EXPECT_EQ(scene.program.wait(), 1);
+    EXPECT_EQ(scene.program.output(), "");
+    EXPECT_EQ(scene.program.errors(), "std::bad_alloc\n");
+}
+
+TEST_F(ProgramTest, ItEndsWithOneLineWhenMemoryIsUsedUpWhileItRuns)
+{
+    Scene scene(folder, {{"LD_PRELOAD", KELPIX_NO_MEMORY}});
+    const std::string expected =
+        Scene::startText(folder) + Scene::firstFrameText() + Scene::firstBubblesText();
+    EXPECT_TRUE(scene.program.waitForOutput(expected));
+    replace("no-memory", "");
+    EXPECT_EQ(scene.program.wait(), 1);
+    EXPECT_EQ(scene.program.output(), expected);
+    EXPECT_EQ(scene.program.errors(), "std::bad_alloc\n");
+}
+
+#endif
+
 TEST_F(ProgramTest, AnEmptyFolderIsDescribedWhole)
 {
     std::filesystem::remove_all(folder);
