@@ -124,8 +124,8 @@ int main(int argc, char* argv[])
     // Messages reach a log while the scene runs, in order with those on standard error.
     std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
     Fl::fatal = onToolkitFailure;
-    MediaFolder::reportMissingFiles();
     try {
+        MediaFolder::reportMissingFiles();
         return runScene(argc, argv);
     } catch (const std::exception& failure) {
         std::fprintf(stderr, "%s\n", failure.what());

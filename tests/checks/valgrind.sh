@@ -28,6 +28,7 @@ tests="
     src-core/TextureTest
     src-core/ShaderTest
     src-core/FreeTypeTest
+    src-core/FreeTypePrintTest
     kelpix/SceneFramesTest"
 
 status=0

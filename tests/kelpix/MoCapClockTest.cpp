@@ -1,24 +1,66 @@
 #include "MoCap.h"
 
 #include "OggFiles.h"
+#include "Sensor.h"
+#include "SensorRep.h"
 #include "TempDirectory.h"
 
+#include <AL/alc.h>
+#include <AL/alext.h>
 #include <FL/Fl.H>
+#include <csignal>
+#include <cstdlib>
 #include <memory>
+#include <sys/resource.h>
 
 namespace {
 
 /// The clock under the toolkit's own timers, with a sound on a device. No window is opened.
 class MoCapClockTest : public testing::Test {
 protected:
+    // A device that can be lost: it writes what is played to a file in the working directory.
     static void SetUpTestSuite()
+    {
+        const TempDirectory configuration;
+        TempDirectory::write("alsoft.conf", "[wave]\nfile=device.wav\n");
+        setenv("ALSOFT_CONF", "alsoft.conf", 1);
+        setenv("ALSOFT_DRIVERS", "wave", 1);
+        openDevice();
+    }
+    static void TearDownTestSuite() { OggSound::exitAL(); }
+
+    static void openDevice()
     {
         int argc = 1;
         char name[] = "program";
         char* argv[] = {name, nullptr};
         OggSound::initAL(&argc, argv);
+        ASSERT_TRUE(isConnected());
     }
-    static void TearDownTestSuite() { OggSound::exitAL(); }
+
+    static bool isConnected()
+    {
+        ALCint connected = 0;
+        ALCcontext* const context = alcGetCurrentContext();
+        alcGetIntegerv(alcGetContextsDevice(context), ALC_CONNECTED, 1, &connected);
+        return context != nullptr && connected != 0;
+    }
+
+    /// Makes the device fail, as if it was unplugged: its file cannot grow any more.
+    static void loseDevice()
+    {
+        rlimit before{};
+        ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+        const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit none{0, before.rlim_max};
+        ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &none), 0);
+        for (int i = 0; i < 60000 && isConnected(); ++i) {
+            Fl::wait(0.001);
+        }
+        setrlimit(RLIMIT_FSIZE, &before);
+        std::signal(SIGXFSZ, handler);
+        ASSERT_FALSE(isConnected());
+    }
 
     void SetUp() override
     {
@@ -86,6 +128,28 @@ TEST_F(MoCapClockTest, TheStepIsZeroAgainAfterTheSoundEnded)
 
 TEST_F(MoCapClockTest, TheStepIsZeroWhenTheDeviceIsLostWhileItPlays)
 {
+    // It would never end by itself.
+    voice.loopyPlay();
+    Fl::add_timeout(0, dataTimer, &mocap);
+    for (int i = 0; i < 6000 && mocap.step <= 0; ++i) {
+        waitForTick(mocap);
+    }
+    ASSERT_GT(mocap.step, 0);
+    loseDevice();
+    EXPECT_EQ(voice.getState(), AL_STOPPED);
+    waitForTick(mocap);
+    EXPECT_EQ(mocap.step, 0);
+    voice.play();
+    EXPECT_EQ(voice.getState(), AL_STOPPED) << "nothing plays on a lost device";
+    waitForTick(mocap);
+    EXPECT_EQ(mocap.step, 0);
+    voice.cleanUp();
+    OggSound::exitAL();
+    openDevice();
+}
+
+TEST_F(MoCapClockTest, TheStepIsZeroAfterTheDeviceWasClosed)
+{
     holdVoiceAt(10000);
     Fl::add_timeout(0, dataTimer, &mocap);
     waitForTick(mocap);
@@ -94,8 +158,8 @@ TEST_F(MoCapClockTest, TheStepIsZeroWhenTheDeviceIsLostWhileItPlays)
     waitForTick(mocap);
     EXPECT_EQ(mocap.step, 0);
     EXPECT_EQ(voice.getState(), 0);
-    voice.stop();
-    SetUpTestSuite();
+    voice.cleanUp();
+    openDevice();
 }
 
 TEST_F(MoCapClockTest, WithoutASoundTheStepIsZero)
@@ -121,6 +185,36 @@ TEST_F(MoCapClockTest, ADestroyedRecordingTakesItsTimerWithIt)
     EXPECT_TRUE(Fl::has_timeout(dataTimer, address));
     other.reset();
     EXPECT_FALSE(Fl::has_timeout(dataTimer, address));
+}
+
+using MoCapClockDeathTest = MoCapClockTest;
+
+TEST_F(MoCapClockDeathTest, TheLastRecordIsShownUntilTheVoiceIsBeyondIt)
+{
+    mocap.sensorDataList.push_back(new SensorData);
+    for (int i = 0; i < mocap.numSteps; ++i) {
+        mocap.sensorDataList[0]->pos.push_back(new Vec3(1, 1, 1));
+    }
+    Sensor sensor;
+    const std::unique_ptr<SensorRep> body(sensor.rep);
+    sensor.mocap = &mocap;
+    sensor.sensorId = 0;
+    Fl::add_timeout(0, dataTimer, &mocap);
+
+    holdVoiceAt(19980);
+    waitForTick(mocap);
+    EXPECT_EQ(mocap.step, 999);
+    sensor.doupdate();
+    EXPECT_EQ(mocap.sensorDataList[0]->pos[999]->x, 0.45f) << "the last record is shown";
+
+    holdVoiceAt(19981);
+    waitForTick(mocap);
+    EXPECT_EQ(mocap.step, 1000);
+    // The process that ends is a copy of this one, and must not have a share in the device.
+    voice.cleanUp();
+    OggSound::exitAL();
+    EXPECT_EXIT(sensor.doupdate(), testing::ExitedWithCode(1), "^$");
+    openDevice();
 }
 
 } // namespace

@@ -5,7 +5,9 @@
 #include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <memory>
+#include <sys/resource.h>
 
 namespace {
 
@@ -40,6 +42,15 @@ protected:
     {
         std::filesystem::remove(folder / name);
         std::ofstream(folder / name) << text;
+    }
+
+    /// Keeps only the first bytes of a file.
+    void cut(const std::string& name, std::size_t bytes) const
+    {
+        std::ifstream file(folder / name, std::ios::binary);
+        const std::string whole(std::istreambuf_iterator<char>(file), {});
+        ASSERT_GT(whole.size(), bytes);
+        replace(name, whole.substr(0, bytes));
     }
 
     /// What the program says first when these files are missing.
@@ -154,6 +165,19 @@ TEST_F(ProgramTest, AMissingRecordingEndsItWithStatusZero)
     EXPECT_EQ(scene.program.errors(), "");
 }
 
+TEST_F(ProgramTest, ADanceThatBrokeOffEndsItAtTheVoicesEndWithoutAMessage)
+{
+    // Some twenty records for a voice of 14 seconds: no machine can be too slow to meet the last.
+    cut("data/dance.txt", 1000);
+    cut("sound/magpie_vocal.ogg",
+        std::filesystem::file_size(folder / "sound/magpie_vocal.ogg") / 17 * 2);
+    Scene scene(folder);
+    EXPECT_EQ(scene.program.wait(), 1);
+    EXPECT_EQ(scene.program.output(),
+              Scene::startText(folder) + Scene::firstFrameText() + Scene::firstBubblesText());
+    EXPECT_EQ(scene.program.errors(), "");
+}
+
 TEST_F(ProgramTest, AMissingFontEndsItAtTheFirstFrame)
 {
     std::filesystem::remove(folder / "fonts/ChalkboardBold.ttf");
@@ -230,6 +254,52 @@ TEST_F(ProgramTest, ItEndsWithItsDisplay)
     EXPECT_EQ(scene.program.wait(), 1);
     EXPECT_THAT(scene.program.errors(), StartsWith("kelpix: no window: "));
 }
+
+TEST_F(ProgramTest, ItRunsOnWhenItsSoundDeviceIsLost)
+{
+    // A device that writes to a file is lost when the file cannot grow any more.
+    replace("alsoft.conf", "[wave]\nfile=device.wav\n");
+    Scene scene({"env", "ALSOFT_CONF=alsoft.conf", "ALSOFT_DRIVERS=wave", "sh", "-c",
+                 "trap '' XFSZ; echo $$ >pid; exec \"$0\" 2>&1"},
+                folder);
+    const std::string expected =
+        Scene::startText(folder) + Scene::firstFrameText() + Scene::firstBubblesText();
+    EXPECT_TRUE(scene.program.waitForOutput(expected));
+    EXPECT_EQ(scene.program.output(), expected);
+    pid_t process = 0;
+    std::ifstream(folder / "pid") >> process;
+    const rlimit limit{65536, RLIM_INFINITY};
+    ASSERT_EQ(prlimit(process, RLIMIT_FSIZE, &limit, nullptr), 0);
+    EXPECT_TRUE(scene.program.waitForOutput("Error writing to file\n"));
+    scene.press("q");
+    EXPECT_EQ(scene.program.wait(), 0);
+    EXPECT_THAT(scene.program.output(), StartsWith(expected + "AL lib: (EE) "));
+}
+
+#ifndef KELPIX_SANITIZED // whose own operator new has to stay
+
+TEST_F(ProgramTest, WithoutMemoryAtItsStartItEndsWithOneLine)
+{
+    replace("no-memory", "");
+    Scene scene(folder, {{"LD_PRELOAD", KELPIX_NO_MEMORY}});
+    EXPECT_EQ(scene.program.wait(), 1);
+    EXPECT_EQ(scene.program.output(), "");
+    EXPECT_EQ(scene.program.errors(), "std::bad_alloc\n");
+}
+
+TEST_F(ProgramTest, ItEndsWithOneLineWhenMemoryIsUsedUpWhileItRuns)
+{
+    Scene scene(folder, {{"LD_PRELOAD", KELPIX_NO_MEMORY}});
+    const std::string expected =
+        Scene::startText(folder) + Scene::firstFrameText() + Scene::firstBubblesText();
+    EXPECT_TRUE(scene.program.waitForOutput(expected));
+    replace("no-memory", "");
+    EXPECT_EQ(scene.program.wait(), 1);
+    EXPECT_EQ(scene.program.output(), expected);
+    EXPECT_EQ(scene.program.errors(), "std::bad_alloc\n");
+}
+
+#endif
 
 TEST_F(ProgramTest, AnEmptyFolderIsDescribedWhole)
 {

@@ -343,19 +343,32 @@ TEST(SensorDeathTest, AStepAtTheEndOfTheSeriesEndsTheProcessSilently)
 
 TEST(SensorDeathTest, TheVoicesEndIsReachedOnlyBehindTheLastSample)
 {
-    // Fractions of the voice, and the samples of a recording: exactly the last sample, just above
-    // it, and the end of the voice.
-    for (const int samples : {1000, 10800}) {
+    // Fractions of the voice, and the samples of a recording: exactly the last sample, the next
+    // number above it, and the end of the voice.
+    for (const int samples : {2, 3, 1000, 5400, 10800, 10801}) {
         TestSensor sensor(1, std::vector<Vec3>(static_cast<std::size_t>(samples)));
         const float last = static_cast<float>(samples - 1) / static_cast<float>(samples);
         sensor.mocap.step = MoCap::stepAt(samples, last);
         EXPECT_EQ(sensor.mocap.step, samples - 1);
         sensor->doupdate();
-        for (const float fraction : {last + 0.00005f, 1.0f}) {
+        for (const float fraction : {std::nextafter(last, 2.0f), 1.0f}) {
             sensor.mocap.step = MoCap::stepAt(samples, fraction);
             EXPECT_EQ(sensor.mocap.step, samples) << fraction;
             EXPECT_EXIT(updateNoisily(sensor), testing::ExitedWithCode(1), testing::StrEq(""));
         }
+    }
+}
+
+/// Deliberate: a fraction whose product rounds down to the last sample still shows it.
+TEST(SensorTest, TheProductWithTheFractionIsOfSinglePrecision)
+{
+    for (const int samples : {6, 8193}) {
+        float fraction = static_cast<float>(samples - 1) / static_cast<float>(samples);
+        EXPECT_EQ(MoCap::stepAt(samples, fraction), samples - 1);
+        fraction = std::nextafter(fraction, 2.0f);
+        EXPECT_EQ(MoCap::stepAt(samples, fraction), samples - 1);
+        fraction = std::nextafter(fraction, 2.0f);
+        EXPECT_EQ(MoCap::stepAt(samples, fraction), samples);
     }
 }
 

@@ -87,6 +87,34 @@ TEST_F(FreeTypePrintTest, PrintCutsALongTextAfter255Characters)
     EXPECT_EQ(drawn.size(), 255u);
 }
 
+TEST_F(FreeTypePrintTest, TenThousandCharactersAreCutInEveryMode)
+{
+    font.init(FONT, POINTS);
+    glViewport(0, 0, 8000, 740); // so that no character is clipped
+    const std::string text(10000, 'i');
+    const std::string lines(10000, '\n');
+    for (const int mode : {1, 0, 2}) {
+        // What print draws at the left edge, or where mode 0's shift by 255 characters takes it
+        // there. Mode 1 pushes the matrix that it pops.
+        const auto print = [&](const char* format, const char* argument) {
+            return quads([&] {
+                if (mode != 1) {
+                    freetype::pushScreenCoordinateMatrix();
+                }
+                freetype::print(mode, font, mode == 0 ? 2550 : 0, 100, format, argument);
+            });
+        };
+        for (const auto& drawn : {print("%s", text.c_str()), print(text.c_str(), nullptr)}) {
+            EXPECT_EQ(drawn.size(), 255u) << mode;
+        }
+        EXPECT_TRUE(print("%s", lines.c_str()).empty()) << mode;
+        EXPECT_TRUE(print(lines.c_str(), nullptr).empty()) << mode;
+        EXPECT_EQ(getInteger(GL_PROJECTION_STACK_DEPTH), 1);
+        EXPECT_EQ(getInteger(GL_MODELVIEW_STACK_DEPTH), 1);
+        EXPECT_EQ(getInteger(GL_ATTRIB_STACK_DEPTH), 0);
+    }
+}
+
 TEST_F(FreeTypePrintTest, ANullFormatIsAnEmptyText)
 {
     font.init(FONT, POINTS);

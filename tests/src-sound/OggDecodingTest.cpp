@@ -33,6 +33,7 @@ struct Decoded {
     int format = 0;
     unsigned freq = 0;
     std::size_t bytes = 0;
+    std::size_t capacity = 0;
 };
 
 Decoded decode(const char* path)
@@ -44,6 +45,7 @@ Decoded decode(const char* path)
     result.samples = samplesOf(out);
     result.numSamples = sound.numSamples;
     result.bytes = out.size();
+    result.capacity = out.capacity();
     return result;
 }
 
@@ -288,6 +290,8 @@ TEST_F(OggDecodingDeathTest, ATrackThatNoBufferCanHoldIsDamage)
     const std::string tone = vorbis({.samples = 441000});
     TempDirectory::write("longest.ogg", OggFiles::claiming(MOST, tone));
     EXPECT_EQ(decode("longest.ogg").numSamples, MOST);
+    EXPECT_LE(decode("longest.ogg").capacity, 64 * tone.size())
+        << "the claim alone takes no memory";
     TempDirectory::write("longer.ogg", OggFiles::claiming(MOST + 1, tone));
     expectEnd("longer.ogg", damaged("longer.ogg"));
 }
