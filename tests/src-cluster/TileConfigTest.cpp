@@ -40,7 +40,6 @@ static_assert(std::is_same_v<decltype(ClusterNode::hostname), char[32]>);
 static_assert(std::is_same_v<decltype(WindowEntity::cList), std::vector<CameraEntity*>>);
 
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 using testing::ExitedWithCode;
 
 /// A wall of two hosts; the second has two windows, the second of which has two cameras.
