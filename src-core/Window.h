@@ -20,6 +20,10 @@ struct font_data;
 /// A move that would leave a transform with numbers beyond the range of float is dropped, so that
 /// no amount of input leads where no input leads back.
 ///
+/// Hiding the window takes its GL context away, and with it the lists and textures of its scene's
+/// nodes, unless another GL window of the process is shown meanwhile: contexts share them. A
+/// minimised window keeps its context, goes on with its updates and draws nothing.
+///
 /// Everything runs on the toolkit's thread. draw and initGL need this window's GL context to be
 /// current; the toolkit sees to that before it calls draw.
 class Window : public Fl_Gl_Window {

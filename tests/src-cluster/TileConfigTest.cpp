@@ -40,7 +40,6 @@ static_assert(std::is_same_v<decltype(ClusterNode::hostname), char[32]>);
 static_assert(std::is_same_v<decltype(WindowEntity::cList), std::vector<CameraEntity*>>);
 
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 using testing::ExitedWithCode;
 
 /// A wall of two hosts; the second has two windows, the second of which has two cameras.
@@ -215,6 +214,21 @@ TEST_F(TileConfigTest, NumbersThatCannotBeReadLeaveTheirFields)
     EXPECT_TRUE(config.thisNode->wList[1]->cList.empty());
 }
 
+TEST_F(TileConfigTest, ACountThatCannotBeReadIsZeroAndItsWordStays)
+{
+    pretendedName = "h";
+    ASSERT_EQ(read("Cluster TileMap 1 1 Mullions 0 0 Nodes 1 Node Hostname h Windows none"), 0);
+    EXPECT_THAT(hostNames(), ElementsAre("h"));
+    EXPECT_TRUE(config.thisNode->wList.empty());
+
+    EXPECT_EQ(read("Cluster TileMap 1 1 Mullions 0 0 Nodes 2\n"
+                   "Node Hostname h Windows none\n"
+                   "Node Hostname other Windows 0"),
+              -1)
+        << "\"none\" stands before \"Node\"";
+    EXPECT_THAT(hostNames(), ElementsAre("h"));
+}
+
 TEST_F(TileConfigTest, NegativeCountsMeanNone)
 {
     pretendedName = "h";
@@ -243,6 +257,10 @@ TEST_F(TileConfigTest, EveryKeywordMustStandAsItIs)
             text = WALL;
             text.insert(at + keyword.size(), std::string(100000, 'x'));
             EXPECT_EQ(read(text), -1) << keyword;
+            text = WALL;
+            text.erase(at, keyword.size());
+            EXPECT_EQ(read(text), -1) << text;
+            EXPECT_EQ(output, "");
         }
     }
     EXPECT_EQ(config.thisNode, nullptr);
@@ -361,8 +379,10 @@ TEST_F(TileConfigDeathTest, AWallWithoutThisHostEndsTheProcess)
         TempDirectory::write("wall.cfg", hosts(names));
         EXPECT_EXIT(readAloud("wall.cfg"), ExitedWithCode(0), messages);
     }
-    TempDirectory::write("wall.cfg", "Cluster TileMap 1 1 Mullions 0 0 Nodes none");
-    EXPECT_EXIT(readAloud("wall.cfg"), ExitedWithCode(0), messages) << "no number of hosts";
+    for (const std::string count : {"none", "-1", "-2147483648"}) {
+        TempDirectory::write("wall.cfg", "Cluster TileMap 1 1 Mullions 0 0 Nodes " + count);
+        EXPECT_EXIT(readAloud("wall.cfg"), ExitedWithCode(0), messages) << count;
+    }
 }
 
 TEST_F(TileConfigDeathTest, WithoutAClusterNoHostIsFound)

@@ -39,6 +39,9 @@ public:
     /// \return its exit status; 128 plus the number of the signal that ended it
     int wait();
 
+    /// \return whether it has ended by now
+    bool hasEnded();
+
 private:
     using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
     File out;
@@ -47,7 +50,6 @@ private:
     std::optional<int> status;
 
     static std::string textOf(std::FILE* file);
-    bool hasEnded();
 };
 
 /// \return what the command printed to standard output, without the final newline

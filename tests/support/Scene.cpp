@@ -58,7 +58,18 @@ std::string Scene::window()
     return printedBy({"xdotool", "search", "--sync", "--onlyvisible", "--name", "^kelpix \\("});
 }
 
-void Scene::askToClose()
+std::string Scene::newWindow()
+{
+    // xdotool's own --sync looks twice a second only.
+    program.waitForOutput("Loading...\n");
+    std::string found;
+    while (found.empty() && !program.hasEnded()) {
+        found = printedBy({"xdotool", "search", "--onlyvisible", "--class", "^FLTK$"});
+    }
+    return found;
+}
+
+void Scene::askToClose(const std::string& window)
 {
     Display* display = XOpenDisplay(nullptr);
     if (!display) {
@@ -66,7 +77,7 @@ void Scene::askToClose()
     }
     XEvent event{};
     event.xclient.type = ClientMessage;
-    event.xclient.window = std::stoul(window());
+    event.xclient.window = std::stoul(window);
     event.xclient.message_type = XInternAtom(display, "WM_PROTOCOLS", False);
     event.xclient.format = 32;
     event.xclient.data.l[0] = static_cast<long>(XInternAtom(display, "WM_DELETE_WINDOW", False));

@@ -19,15 +19,21 @@ public:
     /// Waits for the window. \return its X window, in digits
     std::string window();
 
+    /// Waits for the window as that one does, but finds it before its first frame, too, when it has
+    /// no title yet.
+    std::string newWindow();
+
     std::string title() { return printedBy({"xdotool", "getwindowname", window()}); }
 
-    void press(const std::string& key)
+    void press(const std::string& key) { press(key, window()); }
+    static void press(const std::string& key, const std::string& window)
     {
-        printedBy({"xdotool", "windowfocus", "--sync", window(), "key", key});
+        printedBy({"xdotool", "windowfocus", "--sync", window, "key", key});
     }
 
     /// Asks the window to close, as a window manager does.
-    void askToClose();
+    void askToClose() { askToClose(window()); }
+    static void askToClose(const std::string& window);
 
     /// What a start prints that finds all it needs, computed from the recordings in \p folder: up
     /// to the window, then the first frame, then the first bubbles.
