@@ -46,7 +46,8 @@ void expectNothingLost(Code code)
 /// failing too.
 /// \param operation  what fails; gives a result. Nothing in it asks for memory but the code under
 ///                   test
-/// \param check      looks at the result and releases it
+/// \param check      looks at the result and releases it. Its second argument tells whether the
+///                   operation met no failure: then it has to have succeeded
 template<typename Operation, typename Check>
 void failEachAllocation(Operation operation, Check check)
 {
@@ -62,7 +63,8 @@ void failEachAllocation(Operation operation, Check check)
                 complete = !memory.hasFailed();
                 return result;
             };
-            check(attempt());
+            const auto result = attempt();
+            check(result, complete);
             if (testing::Test::HasFailure()) {
                 return;
             }
