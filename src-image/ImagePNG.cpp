@@ -38,6 +38,8 @@ bool decode(const Decoder& decoder, std::FILE* file, std::unique_ptr<unsigned ch
         return false;
     }
     png_init_io(png, file);
+    // Keep no texts: a thousand of them, of 8 MB each, may come from a file of 8 MB.
+    png_set_chunk_cache_max(png, 1);
     png_read_info(png, info);
     png_set_strip_16(png);
     png_set_packing(png);

@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <utility>
 
 namespace {
 
@@ -59,6 +60,21 @@ void readWhole(ImageJPEG& image, const TempPath& path)
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, "");
     EXPECT_EQ(outcome.err, "");
+}
+
+/// A JPEG file whose frame header claims a size.
+Bytes claiming(const Bytes& file, int width, int height)
+{
+    Bytes changed = file;
+    const auto isFrame = [](int a, int b) { return a == 0xFF && (b == 0xC0 || b == 0xC2); };
+    const auto frame = std::adjacent_find(changed.begin(), changed.end(), isFrame);
+    EXPECT_GT(changed.end() - frame, 9);
+    int at = 5;
+    for (const int size : {height, width}) {
+        frame[at++] = static_cast<unsigned char>(size >> 8);
+        frame[at++] = static_cast<unsigned char>(size & 0xFF);
+    }
+    return changed;
 }
 
 /// Where the first scan starts.
@@ -312,17 +328,21 @@ TEST(ImageJPEGTest, AFailedReadKeepsThePreviousPicture)
     EXPECT_EQ(bytesOf(image), readJpeg(good).bottomUp());
 }
 
+/// The file with a second frame header where the end of the picture should be.
+Bytes withTwoFrames(const Bytes& file)
+{
+    Bytes changed(file.begin(), file.end() - 2);
+    const Bytes frame = {0xFF, 0xC0, 0, 11, 8, 0, 4, 0, 5, 1, 1, 0x11, 0};
+    changed.insert(changed.end(), frame.begin(), frame.end());
+    return changed;
+}
+
 TEST(ImageJPEGTest, AnErrorBehindThePixelsKeepsThem)
 {
     const TempPath path(".jpg");
     writeJpeg(path, noise(5, 4, 3));
     const Bytes expected = readJpeg(path).bottomUp();
-    Bytes file = path.read();
-    // A second frame header where the end of the picture should be.
-    file.erase(file.end() - 2, file.end());
-    const Bytes frame = {0xFF, 0xC0, 0, 11, 8, 0, 4, 0, 5, 1, 1, 0x11, 0};
-    file.insert(file.end(), frame.begin(), frame.end());
-    path.write(file);
+    path.write(withTwoFrames(path.read()));
     ImageJPEG image;
     const Outcome outcome = read(image, path.name());
     EXPECT_EQ(outcome.status, 0);
@@ -335,13 +355,8 @@ TEST(ImageJPEGTest, APictureTooLargeForMemoryIsRefused)
 {
     const TempPath path(".jpg");
     writeJpeg(path, noise(8, 8, 3));
-    Bytes file = path.read();
-    const Bytes startOfFrame = {0xFF, 0xC0};
-    const auto frame =
-        std::search(file.begin(), file.end(), startOfFrame.begin(), startOfFrame.end());
-    const Bytes size = {0xFD, 0xE8, 0xFD, 0xE8}; // 65000 by 65000
-    std::copy(size.begin(), size.end(), frame + 5);
-    path.write(file);
+    const Bytes file = path.read();
+    path.write(claiming(file, 65000, 65000));
 
     const TempPath good(".jpg");
     writeJpeg(good, noise(4, 4, 3));
@@ -354,10 +369,48 @@ TEST(ImageJPEGTest, APictureTooLargeForMemoryIsRefused)
     EXPECT_EQ(sizeOf(image), 0u);
     EXPECT_STREQ(image.sourceFile, good.name());
 
-    const Bytes aLittleTooLarge = {0x2E, 0xE0, 0x75, 0x30}; // 12000 rows of 30000: memory has 1 GiB
-    std::copy(aLittleTooLarge.begin(), aLittleTooLarge.end(), frame + 5);
-    path.write(file);
+    path.write(claiming(file, 30000, 12000)); // a little more than 1 GiB, which memory could hold
     EXPECT_EQ(read(image, path.name()).err, "30000 x 12000 pixels are too many\n");
+}
+
+TEST(ImageJPEGTest, AProgressivePictureTooLargeForMemoryIsRefusedBeforeItIsDecoded)
+{
+    const TempPath path(".jpg");
+    writeJpeg(path, noise(8, 8, 3), 90, JpegKind::progressive);
+    const Bytes file = path.read();
+    // The library would keep the whole picture's coefficients: a little more than 1 GiB first,
+    // which memory could hold, since a reader that tries the other uses up all there is.
+    for (const auto& [width, height] : {std::pair(30000, 12000), std::pair(65000, 65000)}) {
+        path.write(claiming(file, width, height));
+        ImageJPEG image;
+        const Outcome outcome = read(image, path.name());
+        ASSERT_EQ(outcome.status, 0);
+        ASSERT_EQ(outcome.out, "");
+        ASSERT_EQ(outcome.err, "Backing store not supported\n");
+        EXPECT_EQ(image.buffer, nullptr);
+        EXPECT_EQ(sizeOf(image), 0u);
+        EXPECT_EQ(image.sourceFile, nullptr);
+    }
+}
+
+TEST(ImageJPEGTest, APictureWithoutColumnsOrRowsIsRefused)
+{
+    const TempPath path(".jpg");
+    for (const JpegKind kind : {JpegKind::baseline, JpegKind::progressive}) {
+        writeJpeg(path, noise(8, 8, 3), 90, kind);
+        const Bytes file = path.read();
+        for (const auto& [width, height] : {std::pair(0, 8), std::pair(8, 0), std::pair(0, 0)}) {
+            path.write(claiming(file, width, height));
+            ImageJPEG image;
+            const Outcome outcome = read(image, path.name());
+            EXPECT_EQ(outcome.status, 0);
+            EXPECT_EQ(outcome.out, "");
+            EXPECT_EQ(outcome.err, "Empty JPEG image (DNL not supported)\n");
+            EXPECT_EQ(image.buffer, nullptr);
+            EXPECT_EQ(sizeOf(image), 0u);
+            EXPECT_EQ(image.sourceFile, nullptr);
+        }
+    }
 }
 
 /// A progressive picture whose last scan comes again and again.
@@ -391,21 +444,46 @@ TEST(ImageJPEGTest, AFileOfEndlessScansIsRefused)
 TEST(ImageJPEGTest, ALargePictureMayHaveFewerScans)
 {
     // 8000 by 8000 pixels: 2^32 / 64000000 scans.
-    Bytes file = withScans(90);
-    const Bytes startOfFrame = {0xFF, 0xC2};
-    const auto frame =
-        std::search(file.begin(), file.end(), startOfFrame.begin(), startOfFrame.end());
-    ASSERT_LT(frame - file.begin() + 9, static_cast<std::ptrdiff_t>(file.size()));
-    for (const int at : {5, 7}) {
-        frame[at] = 8000 >> 8;
-        frame[at + 1] = 8000 & 0xFF;
-    }
     const TempPath path(".jpg");
-    path.write(file);
+    path.write(claiming(withScans(90), 8000, 8000));
     ImageJPEG image;
     const Outcome outcome = read(image, path.name());
     EXPECT_EQ(outcome.status, 0);
     EXPECT_THAT(outcome.err, HasSubstr("More than 67 scans\n"));
+}
+
+TEST(ImageJPEGTest, AfterAnyFailureAFileIsReadAsByAFreshImage)
+{
+    const TempPath good(".jpg");
+    const TempPath bad(".jpg");
+    writeJpeg(good, noise(5, 4, 3));
+    const Bytes expected = readJpeg(good).bottomUp();
+    writeJpeg(bad, noise(9, 7, 1));
+    const Bytes file = bad.read();
+    writeJpeg(bad, noise(9, 7, 1), 90, JpegKind::progressive);
+    const Bytes progressive = bad.read();
+    const Bytes failures[] = {{},
+                              Bytes(file.begin(), file.begin() + 30),
+                              withTwoFrames(file),
+                              claiming(file, 0, 7),
+                              claiming(file, 9, 0),
+                              claiming(file, 65000, 65000),
+                              claiming(progressive, 65000, 65000),
+                              withScans(200)};
+    for (const Bytes& failure : failures) {
+        bad.write(failure);
+        ImageJPEG image;
+        // The second time the failure meets a picture.
+        for (int i = 0; i < 2; ++i) {
+            EXPECT_EQ(read(image, bad.name()).status, 0);
+            readWhole(image, good);
+            EXPECT_EQ(image.w, 5);
+            EXPECT_EQ(image.h, 4);
+            EXPECT_EQ(image.c, 3);
+            EXPECT_EQ(bytesOf(image), expected);
+            EXPECT_STREQ(image.sourceFile, good.name());
+        }
+    }
 }
 
 TEST(ImageJPEGTest, TheFileIsClosedWhateverHappens)

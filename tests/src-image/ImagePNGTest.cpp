@@ -1,7 +1,9 @@
 #include "ImagePNG.h"
 
 #include "ImageFiles.h"
+#include "PeakOfMemory.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
@@ -9,6 +11,7 @@
 #include <gtest/gtest.h>
 #include <png.h>
 #include <sys/stat.h>
+#include <vector>
 #include <zlib.h>
 
 namespace {
@@ -315,9 +318,98 @@ TEST(ImagePNGTest, APictureTooLargeForMemoryIsRefused)
     outcome = read(image, path.name());
     EXPECT_EQ(outcome.status, -1);
     EXPECT_THAT(outcome.err, HasSubstr("libpng error: "));
+}
 
-    path.write(claiming(file, 0, 1));
-    EXPECT_EQ(read(image, path.name()).status, -1);
+TEST(ImagePNGTest, APictureWithoutColumnsOrRowsIsRefused)
+{
+    const TempPath path(".png");
+    writePng(path, noise(2, 2, 3));
+    const Bytes file = path.read();
+    struct Case {
+        std::uint32_t width;
+        std::uint32_t height;
+        const char* warning;
+    };
+    const Case cases[] = {{0, 2, "libpng warning: Image width is zero in IHDR\n"},
+                          {2, 0, "libpng warning: Image height is zero in IHDR\n"}};
+    for (const Case& c : cases) {
+        path.write(claiming(file, c.width, c.height));
+        ImagePNG image;
+        const Outcome outcome = read(image, path.name());
+        EXPECT_EQ(outcome.status, -1);
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_EQ(outcome.err, std::string(c.warning) + "libpng error: Invalid IHDR data\n");
+        EXPECT_EQ(image.buffer, nullptr);
+        EXPECT_EQ(image.w, 0);
+        EXPECT_EQ(image.h, 0);
+        EXPECT_EQ(image.sourceFile, nullptr);
+    }
+}
+
+TEST(ImagePNGTest, AfterAnyFailureAFileIsReadAsByAFreshImage)
+{
+    const TempPath good(".png");
+    const TempPath bad(".png");
+    const Picture picture = noise(5, 4, 3);
+    writePng(good, picture);
+    std::vector<Bytes> failures(1); // an empty file
+    writePng(bad, noise(9, 7, 4));
+    const Bytes file = bad.read();
+    failures.emplace_back(file.begin(), file.end() - 12); // without the end chunk
+    failures.push_back(file);
+    failures.back()[60] ^= 1;
+    failures.push_back(claiming(file, 900000, 900000));
+    failures.push_back(claiming(file, 0, 7));
+    failures.push_back(claiming(file, 9, 0));
+    writePng(bad, noise(9, 7, 2));
+    failures.push_back(bad.read());
+    writePng(bad, 4, 4, PNG_COLOR_TYPE_PALETTE, 8, Bytes(16, 1));
+    failures.push_back(bad.read());
+    for (const Bytes& failure : failures) {
+        bad.write(failure);
+        ImagePNG image;
+        // The second time the failure meets a picture.
+        for (int i = 0; i < 2; ++i) {
+            EXPECT_EQ(read(image, bad.name()).status, -1);
+            readWhole(image, good);
+            EXPECT_EQ(image.w, 5);
+            EXPECT_EQ(image.h, 4);
+            EXPECT_EQ(image.c, 3);
+            EXPECT_EQ(bytesOf(image), picture.bottomUp());
+            EXPECT_STREQ(image.sourceFile, good.name());
+        }
+    }
+}
+
+/// Reads a picture with more chunks, which take little memory. \return the text on standard error
+std::string errorsOfReadingWith(const Bytes& chunks)
+{
+    const Picture picture = noise(3, 2, 3);
+    const TempPath path(".png");
+    writePng(path, picture);
+    path.write(withChunks(path.read(), chunks));
+    ImagePNG image;
+    const long before = peakOfMemory();
+    const Outcome outcome = read(image, path.name());
+    EXPECT_LT(peakOfMemory() - before, 64 * 1024);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(bytesOf(image), picture.bottomUp());
+    return outcome.err;
+}
+
+TEST(ImagePNGTest, TextOfAnySizeIsSkipped)
+{
+    EXPECT_EQ(errorsOfReadingWith(compressedPngChunk("zTXt", 1024)), "");
+    EXPECT_EQ(errorsOfReadingWith(repeated(100, compressedPngChunk("zTXt", 4))), "");
+    EXPECT_EQ(errorsOfReadingWith(repeated(2000, pngChunk("tEXt", {'n', 'a', 'm', 'e', 0, 'x'}))),
+              "");
+}
+
+TEST(ImagePNGTest, AColourProfileOfAnySizeIsSkipped)
+{
+    EXPECT_EQ(errorsOfReadingWith(compressedPngChunk("iCCP", 1024)),
+              "libpng warning: iCCP: profile 'name': 2D2D2D2Dh: exceeds application limits\n");
 }
 
 TEST(ImagePNGTest, TheFileIsClosedWhateverHappens)

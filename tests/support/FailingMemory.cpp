@@ -6,16 +6,20 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 #include <link.h>
+#include <mutex>
 #include <new>
+#include <unordered_set>
 
 namespace {
 
 struct Range {
     std::uintptr_t begin, end;
+    bool fails;
 };
 
-/// Where the callers are whose allocations fail.
+/// Where the callers are whose allocations count, and fail.
 std::array<Range, 16> callers;
 std::size_t callerCount = 0;
 
@@ -24,23 +28,23 @@ thread_local long left = 0;
 thread_local bool forEver = false;
 thread_local bool failed = false;
 
-std::atomic<long> held = 0;
-
-bool isCaller(const void* address)
+/// \return null when the address is no caller's
+const Range* callerAt(const void* address)
 {
     const auto place = reinterpret_cast<std::uintptr_t>(address);
     for (std::size_t i = 0; i < callerCount; ++i) {
         if (callers[i].begin <= place && place < callers[i].end) {
-            return true;
+            return &callers[i];
         }
     }
-    return false;
+    return nullptr;
 }
 
 /// Whether this allocation is one that fails.
-bool fails(const void* caller)
+bool fails(const void* address)
 {
-    if (!armed || !isCaller(caller)) {
+    const Range* const caller = armed ? callerAt(address) : nullptr;
+    if (caller == nullptr || !caller->fails) {
         return false;
     }
     const bool now = left == 0 || (left < 0 && forEver);
@@ -54,15 +58,17 @@ int noteCaller(dl_phdr_info* module, std::size_t, void*)
     // The program itself has no name.
     const char* const names[] = {"libstdc++", "libpng",      "libjpeg",
                                  "libz.",     "libfreetype", "libGLU"};
-    bool counts = module->dlpi_name[0] == '\0';
+    bool fails = module->dlpi_name[0] == '\0';
     for (const char* name : names) {
-        counts = counts || std::strstr(module->dlpi_name, name) != nullptr;
+        fails = fails || std::strstr(module->dlpi_name, name) != nullptr;
     }
+    // The C library has enough memory for a file that it opens; a file left open is a loss.
+    const bool counts = fails || std::strstr(module->dlpi_name, "libc.") != nullptr;
     for (int i = 0; counts && i < module->dlpi_phnum; ++i) {
         const ElfW(Phdr)& segment = module->dlpi_phdr[i];
         if (segment.p_type == PT_LOAD && (segment.p_flags & PF_X) != 0) {
             const std::uintptr_t begin = module->dlpi_addr + segment.p_vaddr;
-            callers.at(callerCount++) = {begin, begin + segment.p_memsz};
+            callers.at(callerCount++) = {begin, begin + segment.p_memsz, fails};
         }
     }
     return 0;
@@ -91,16 +97,11 @@ bool FailingMemory::hasFailed() const
     return failed;
 }
 
-long FailingMemory::blocks()
-{
-    return held;
-}
-
 #ifdef KELPIX_SANITIZED
 
 namespace {
 
-void* allocate(std::size_t size)
+void* allocate(std::size_t size, const void*)
 {
     return std::malloc(size);
 }
@@ -112,6 +113,11 @@ void release(void* memory)
 
 } // namespace
 
+std::size_t FailingMemory::blocks()
+{
+    return 0;
+}
+
 #else
 
 // The C library's own names for what is replaced here.
@@ -120,57 +126,134 @@ void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
 void* __libc_realloc(void* memory, std::size_t size);
 void __libc_free(void* memory);
+}
 
+namespace {
+
+/// Takes its memory past the functions that are replaced here.
+template<typename T>
+struct LibraryAllocator {
+    using value_type = T;
+
+    LibraryAllocator() = default;
+    template<typename Other>
+    explicit LibraryAllocator(const LibraryAllocator<Other>&)
+    {
+    }
+    T* allocate(std::size_t count) { return static_cast<T*>(__libc_malloc(count * sizeof(T))); }
+    void deallocate(T* memory, std::size_t) { __libc_free(memory); }
+    bool operator==(const LibraryAllocator&) const { return true; }
+};
+
+/// The blocks that the code under test holds. While there are none, other threads go past the lock:
+/// a process that is forked meanwhile has nobody to open it.
+class Blocks {
+public:
+    std::size_t count() const { return count_; }
+
+    void add(void* memory)
+    {
+        const std::lock_guard lock(mutex_);
+        blocks_.insert(memory);
+        count_ = blocks_.size();
+    }
+
+    /// \return whether the block was one of these
+    bool remove(void* memory)
+    {
+        if (count_ == 0) {
+            return false;
+        }
+        const std::lock_guard lock(mutex_);
+        const bool wasHeld = blocks_.erase(memory) != 0;
+        count_ = blocks_.size();
+        return wasHeld;
+    }
+
+private:
+    std::atomic<std::size_t> count_ = 0;
+    std::mutex mutex_;
+    std::unordered_set<void*, std::hash<void*>, std::equal_to<>, LibraryAllocator<void*>> blocks_;
+};
+
+/// Lives longer than everything that releases memory.
+Blocks& held()
+{
+    alignas(Blocks) static std::array<unsigned char, sizeof(Blocks)> place;
+    static auto* const blocks = new (place.data()) Blocks;
+    return *blocks;
+}
+
+/// Notes a new block if it is the code under test that asked for it. \return the block
+void* noted(void* memory, const void* caller)
+{
+    if (armed && memory != nullptr && callerAt(caller) != nullptr) {
+        held().add(memory);
+    }
+    return memory;
+}
+
+void* allocate(std::size_t size, const void* caller)
+{
+    return noted(__libc_malloc(size), caller);
+}
+
+void release(void* memory)
+{
+    held().remove(memory);
+    __libc_free(memory);
+}
+
+} // namespace
+
+std::size_t FailingMemory::blocks()
+{
+    return held().count();
+}
+
+extern "C" {
 void* malloc(std::size_t size) noexcept
 {
-    void* const memory = fails(__builtin_return_address(0)) ? nullptr : __libc_malloc(size);
-    held += memory != nullptr;
-    return memory;
+    const void* const caller = __builtin_return_address(0);
+    return fails(caller) ? nullptr : allocate(size, caller);
 }
 
 void* calloc(std::size_t count, std::size_t size) noexcept
 {
-    void* const memory = fails(__builtin_return_address(0)) ? nullptr : __libc_calloc(count, size);
-    held += memory != nullptr;
-    return memory;
+    const void* const caller = __builtin_return_address(0);
+    return fails(caller) ? nullptr : noted(__libc_calloc(count, size), caller);
 }
 
 void* realloc(void* memory, std::size_t size) noexcept
 {
-    void* const moved = fails(__builtin_return_address(0)) ? nullptr : __libc_realloc(memory, size);
-    held += memory == nullptr && moved != nullptr;
-    held -= memory != nullptr && size == 0;
+    const void* const caller = __builtin_return_address(0);
+    if (memory == nullptr) {
+        return fails(caller) ? nullptr : allocate(size, caller);
+    }
+    if (fails(caller)) {
+        return nullptr;
+    }
+    // Before the memory is another thread's.
+    const bool isHeld = held().remove(memory);
+    void* const moved = __libc_realloc(memory, size);
+    if (isHeld && (moved != nullptr || size != 0)) {
+        held().add(moved != nullptr ? moved : memory);
+    }
     return moved;
 }
 
 void free(void* memory) noexcept
 {
-    held -= memory != nullptr;
-    __libc_free(memory);
+    release(memory);
 }
 }
-
-namespace {
-
-void* allocate(std::size_t size)
-{
-    void* const memory = __libc_malloc(size);
-    held += memory != nullptr;
-    return memory;
-}
-
-void release(void* memory)
-{
-    free(memory);
-}
-
-} // namespace
 
 #endif
 
 void* operator new(std::size_t size)
 {
-    void* const memory = fails(__builtin_return_address(0)) ? nullptr : allocate(size);
+    const void* const caller = __builtin_return_address(0);
+    void* const memory = fails(caller) ? nullptr : allocate(size, caller);
     if (memory == nullptr) {
         throw std::bad_alloc();
     }
@@ -179,7 +262,8 @@ void* operator new(std::size_t size)
 
 void* operator new[](std::size_t size)
 {
-    void* const memory = fails(__builtin_return_address(0)) ? nullptr : allocate(size);
+    const void* const caller = __builtin_return_address(0);
+    void* const memory = fails(caller) ? nullptr : allocate(size, caller);
     if (memory == nullptr) {
         throw std::bad_alloc();
     }
@@ -188,12 +272,14 @@ void* operator new[](std::size_t size)
 
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept
 {
-    return fails(__builtin_return_address(0)) ? nullptr : allocate(size);
+    const void* const caller = __builtin_return_address(0);
+    return fails(caller) ? nullptr : allocate(size, caller);
 }
 
 void* operator new[](std::size_t size, const std::nothrow_t&) noexcept
 {
-    return fails(__builtin_return_address(0)) ? nullptr : allocate(size);
+    const void* const caller = __builtin_return_address(0);
+    return fails(caller) ? nullptr : allocate(size, caller);
 }
 
 void operator delete(void* memory) noexcept

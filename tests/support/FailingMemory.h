@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <gtest/gtest.h>
 
 /// Lets allocations fail while it lives, as they do when memory is used up: those that the code
@@ -23,9 +24,10 @@ public:
     /// Whether an allocation has failed.
     bool hasFailed() const;
 
-    /// The blocks of memory that the program holds now; 0 under a sanitizer, which looks for leaks
-    /// itself.
-    static long blocks();
+    /// The blocks of memory that were made while one of these lived, by those whose allocations
+    /// fail and for the files that they opened, and are held now; 0 under a sanitizer, which looks
+    /// for leaks itself.
+    static std::size_t blocks();
 };
 
 /// Runs \p code, a second time too, and expects that this leaves no more memory behind: the first
@@ -34,7 +36,7 @@ template<typename Code>
 void expectNothingLost(Code code)
 {
     code();
-    const long before = FailingMemory::blocks();
+    const std::size_t before = FailingMemory::blocks();
     code();
     EXPECT_EQ(FailingMemory::blocks(), before);
 }
@@ -44,7 +46,8 @@ void expectNothingLost(Code code)
 /// failing too.
 /// \param operation  what fails; gives a result. Nothing in it asks for memory but the code under
 ///                   test
-/// \param check      looks at the result and releases it
+/// \param check      looks at the result and releases it. Its second argument tells whether the
+///                   operation met no failure: then it has to have succeeded
 template<typename Operation, typename Check>
 void failEachAllocation(Operation operation, Check check)
 {
@@ -60,7 +63,8 @@ void failEachAllocation(Operation operation, Check check)
                 complete = !memory.hasFailed();
                 return result;
             };
-            check(attempt());
+            const auto result = attempt();
+            check(result, complete);
             if (testing::Test::HasFailure()) {
                 return;
             }

@@ -13,6 +13,7 @@
 
 #include <jpeglib.h>
 #include <png.h>
+#include <zlib.h>
 
 namespace {
 
@@ -29,6 +30,35 @@ File open(const TempPath& path, const char* mode)
         ADD_FAILURE() << "cannot open " << path.name();
     }
     return file;
+}
+
+/// Dashes, compressed: \p count times 1 MiB, each of which is compressed by itself and so into the
+/// same bytes.
+Bytes compressedDashes(int count)
+{
+    const Bytes dashes(1 << 20, '-'); // the library cuts a text at its first zero
+    z_stream stream = {};
+    EXPECT_EQ(deflateInit2(&stream, 9, Z_DEFLATED, -15, 8, Z_DEFAULT_STRATEGY), Z_OK);
+    Bytes piece(1 << 16);
+    stream.next_in = const_cast<Bytef*>(dashes.data());
+    stream.avail_in = static_cast<uInt>(dashes.size());
+    stream.next_out = piece.data();
+    stream.avail_out = static_cast<uInt>(piece.size());
+    EXPECT_EQ(deflate(&stream, Z_FULL_FLUSH), Z_OK);
+    piece.resize(stream.total_out);
+    deflateEnd(&stream);
+
+    Bytes compressed = {0x78, 0xDA};
+    uLong sum = adler32(0, nullptr, 0);
+    const uLong sumOfPiece = adler32(sum, dashes.data(), static_cast<uInt>(dashes.size()));
+    for (int i = 0; i < count; ++i) {
+        compressed.insert(compressed.end(), piece.begin(), piece.end());
+        sum = adler32_combine(sum, sumOfPiece, static_cast<z_off_t>(dashes.size()));
+    }
+    const Bytes end = {0x03, 0x00, 0, 0, 0, 0}; // an empty last block
+    compressed.insert(compressed.end(), end.begin(), end.end());
+    png_save_uint_32(&compressed[compressed.size() - 4], static_cast<std::uint32_t>(sum));
+    return compressed;
 }
 
 } // namespace
@@ -195,4 +225,42 @@ Picture readJpeg(const TempPath& path)
     jpeg_finish_decompress(&jpeg);
     jpeg_destroy_decompress(&jpeg);
     return picture;
+}
+
+Bytes pngChunk(const std::string& type, const Bytes& data)
+{
+    Bytes made(8);
+    png_save_uint_32(made.data(), static_cast<std::uint32_t>(data.size()));
+    std::copy(type.begin(), type.end(), made.begin() + 4);
+    made.insert(made.end(), data.begin(), data.end());
+    const auto crc = crc32(0, &made[4], static_cast<uInt>(made.size() - 4));
+    made.resize(made.size() + 4);
+    png_save_uint_32(&made[made.size() - 4], static_cast<std::uint32_t>(crc));
+    return made;
+}
+
+Bytes compressedPngChunk(const std::string& type, int size)
+{
+    Bytes data = {'n', 'a', 'm', 'e', 0, 0};
+    const Bytes dashes = compressedDashes(size);
+    data.insert(data.end(), dashes.begin(), dashes.end());
+    return pngChunk(type, data);
+}
+
+Bytes repeated(std::size_t count, const Bytes& bytes)
+{
+    Bytes all;
+    for (std::size_t i = 0; i < count; ++i) {
+        all.insert(all.end(), bytes.begin(), bytes.end());
+    }
+    return all;
+}
+
+Bytes withChunks(const Bytes& file, const Bytes& chunks)
+{
+    constexpr std::ptrdiff_t HEADER = 8 + 25;
+    Bytes changed(file.begin(), file.begin() + HEADER);
+    changed.insert(changed.end(), chunks.begin(), chunks.end());
+    changed.insert(changed.end(), file.begin() + HEADER, file.end());
+    return changed;
 }

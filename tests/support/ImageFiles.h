@@ -53,6 +53,19 @@ void writePng(const TempPath& path, std::size_t width, std::size_t height, int c
 /// Writes a picture of 1, 2, 3 or 4 channels as grey, grey with alpha, RGB, RGB with alpha.
 void writePng(const TempPath& path, const Picture& picture, bool interlaced = false);
 
+/// A chunk of a PNG file.
+/// \param type  four letters
+Bytes pngChunk(const std::string& type, const Bytes& data);
+
+/// A chunk of a name and \p size MiB of dashes, compressed as zTXt and iCCP have them.
+Bytes compressedPngChunk(const std::string& type, int size);
+
+/// The bytes over and over, \p count times.
+Bytes repeated(std::size_t count, const Bytes& bytes);
+
+/// A PNG file with more chunks behind its header.
+Bytes withChunks(const Bytes& file, const Bytes& chunks);
+
 enum class JpegKind { baseline, progressive };
 
 /// Writes a picture of 1, 3 or 4 channels as a grey, YCbCr or CMYK JPEG file.

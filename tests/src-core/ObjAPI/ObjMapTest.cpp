@@ -1,7 +1,9 @@
 #include "ObjAPI.h"
 
 #include "GLTest.h"
+#include "ImageFiles.h"
 #include "ObjModel.h"
+#include "PeakOfMemory.h"
 
 #include <cstdio>
 #include <gmock/gmock.h>
@@ -12,7 +14,6 @@
 namespace {
 
 using testing::ElementsAre;
-using Bytes = std::vector<unsigned char>;
 
 /// Pictures of files as textures.
 class ObjMapTest : public GLTest, public ObjFixture {
@@ -334,6 +335,16 @@ TEST_F(ObjMapTest, APictureThatIsTooLargeGivesNoTexture)
     ASSERT_NE(frame, std::string::npos);
     jpeg.replace(frame + 5, 4, "\xFD\xE8\xFD\xE8");
     EXPECT_EQ(texture(write("huge.jpg", jpeg)), 0U);
+}
+
+TEST_F(ObjMapTest, TextOfAnySizeInAPngIsSkipped)
+{
+    const TempPath png(".png");
+    writePng(png, noise(4, 4, 3));
+    png.write(withChunks(png.read(), repeated(100, compressedPngChunk("zTXt", 4))));
+    const long before = peakOfMemory();
+    EXPECT_NE(texture(png.name()), 0U);
+    EXPECT_LT(peakOfMemory() - before, 64 * 1024);
 }
 
 TEST_F(ObjMapTest, AJpegOfTooManyScansGivesNoTexture)

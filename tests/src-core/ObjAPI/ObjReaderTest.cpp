@@ -1,10 +1,10 @@
 #include "ObjAPI.h"
 
 #include "ObjModel.h"
+#include "PeakOfMemory.h"
 
 #include <cmath>
 #include <gmock/gmock.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -603,14 +603,9 @@ TEST_F(ObjReaderTest, ALibraryUnderManyNamesIsKeptOnce)
         name += i % 3 == 0 ? "m.mtl" : i % 3 == 1 ? "symbolic.mtl" : "hard.mtl";
         text += "mtllib " + name + "\nusemtl m" + std::to_string(i) + "\nf 1 1 1\n";
     }
-    const auto peak_kib = [] {
-        rusage usage = {};
-        getrusage(RUSAGE_SELF, &usage);
-        return usage.ru_maxrss;
-    };
-    const long before = peak_kib();
+    const long before = peakOfMemory();
     const Model m = model(text);
-    EXPECT_LT(peak_kib() - before, 200 * 1024);
+    EXPECT_LT(peakOfMemory() - before, 200 * 1024);
     ASSERT_EQ(m.materials.size(), 2000U);
     for (std::size_t i = 0; i < 2000; ++i) {
         EXPECT_EQ(m.materials[i].name, "m" + std::to_string(i));
