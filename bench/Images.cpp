@@ -4,7 +4,7 @@
 #include "Data.h"
 #include "Job.h"
 
-#include "Encode.h"
+#include "EncodePicture.h"
 #include "ImageJPEG.h"
 #include "ImagePNG.h"
 #include "Random.h"

@@ -5,7 +5,7 @@
 #include "Data.h"
 #include "Job.h"
 
-#include "Encode.h"
+#include "EncodeSound.h"
 #include "OggSound.h"
 #include "Random.h"
 

@@ -15,6 +15,12 @@ ALLOWED = {
     "src-cluster": [],
     "src-core": ["src-math", "src-image"],
     "kelpix": ["src-math", "src-image", "src-core", "src-sound"],
+    "media": [],
+    "media/pictures": ["media"],
+    "media/sounds": ["media"],
+    "media/dances": ["media"],
+    "media/check": ["media", "media/dances", "src-image"],
+    "media/program": ["media", "media/pictures", "media/sounds", "media/dances", "media/check"],
     "tools/stage": ["src-math", "src-image", "src-core", "src-sound", "kelpix"],
     "tools/nullgl": ["src-math"],
     "tools/record": ["src-math", "src-image", "src-core", "src-sound", "kelpix", "tools/stage"],
@@ -24,18 +30,24 @@ ALLOWED = {
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"')
 
 
-def headers(folder):
-    return {path.name for path in folder.rglob("*.h")}
+def sources(root, folder):
+    """The folder's files, without those of a folder below it that stands in ALLOWED itself."""
+    below = [root / other for other in ALLOWED if other.startswith(folder + "/")]
+    return sorted(path for path in (root / folder).rglob("*")
+                  if path.suffix in (".h", ".cpp")
+                  and not any(other in path.parents for other in below))
+
+
+def headers(root, folder):
+    return {path.name for path in sources(root, folder) if path.suffix == ".h"}
 
 
 def wrong_includes(root):
-    owners = {name: folder for folder in ALLOWED for name in headers(root / folder)}
+    owners = {name: folder for folder in ALLOWED for name in headers(root, folder)}
     for folder, allowed in ALLOWED.items():
         # A folder's own header is found before another one of the same name.
-        owner = owners | {name: folder for name in headers(root / folder)}
-        for path in sorted((root / folder).rglob("*")):
-            if path.suffix not in (".h", ".cpp"):
-                continue
+        owner = owners | {name: folder for name in headers(root, folder)}
+        for path in sources(root, folder):
             for number, line in enumerate(path.read_text().splitlines(), 1):
                 match = INCLUDE.match(line)
                 if not match:

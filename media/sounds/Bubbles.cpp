@@ -1,6 +1,6 @@
 #include "Bubbles.h"
 
-#include "Encode.h"
+#include "EncodeSound.h"
 #include "Random.h"
 
 #include <algorithm>

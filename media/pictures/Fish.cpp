@@ -1,6 +1,6 @@
 #include "Fish.h"
 
-#include "Encode.h"
+#include "EncodePicture.h"
 
 namespace media {
 

@@ -1,7 +1,7 @@
 #include "Voice.h"
 
 #include "Bird.h"
-#include "Encode.h"
+#include "EncodeSound.h"
 #include "Reverb.h"
 #include "Singer.h"
 

@@ -1,6 +1,6 @@
 #include "Bubble.h"
 
-#include "Encode.h"
+#include "EncodePicture.h"
 
 namespace media {
 

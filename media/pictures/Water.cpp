@@ -1,7 +1,7 @@
 #include "Water.h"
 
 #include "Cliffs.h"
-#include "Encode.h"
+#include "EncodePicture.h"
 #include "Kelp.h"
 #include "Light.h"
 #include "Noise.h"

@@ -1,6 +1,6 @@
 #include "Squid.h"
 
-#include "Encode.h"
+#include "EncodePicture.h"
 #include "Noise.h"
 #include "Random.h"
 #include "Stroke.h"

@@ -1,6 +1,6 @@
 #include "Cube.h"
 
-#include "Encode.h"
+#include "EncodePicture.h"
 #include "Noise.h"
 
 namespace media {
