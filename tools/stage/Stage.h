@@ -2,6 +2,7 @@
 
 #include "FreeType.h"
 #include "SceneGraph.h"
+#include "StateHash.h"
 #include "Window.h"
 
 #include <cstdint>
@@ -54,6 +55,9 @@ public:
     /// before its first update and once after each. Needs: current GL context, the same one at each
     /// call; the first call sets it up.
     void draw() { window.draw(); }
+
+    /// The state of the scene in numbers; see StateHash.
+    StateHash hash() const { return hashOf(*water, window); }
 
     /// Where the voice is after so many ticks of the clock: the fraction played, as OggSound tells
     /// it; 0 after the end.
