@@ -133,8 +133,11 @@ void checkFilmKind(const Options& options)
 /// What no single option can tell.
 void check(const Options& options)
 {
-    if (options.out.empty() && options.png.empty()) {
-        throw UsageError("--out FILE or --png FILE is missing");
+    if (options.out.empty() && options.png.empty() && !options.hash) {
+        throw UsageError("--out FILE, --png FILE or --hash is missing");
+    }
+    if (options.hash && !(options.out.empty() && options.png.empty())) {
+        throw UsageError("--hash makes neither a film nor a picture");
     }
     if (!options.out.empty() && !options.png.empty()) {
         throw UsageError("--out and --png do not go together");
@@ -163,6 +166,10 @@ Options parseOptions(const std::vector<std::string>& arguments)
             options.version = !options.help;
             return options;
         }
+        if (*at == "--hash") {
+            options.hash = true;
+            continue;
+        }
         if (*at == "--") {
             options.encoderOptions.assign(std::next(at), arguments.end());
             break;
@@ -186,6 +193,7 @@ const char* usage()
 {
     return "usage: kelpix-record --out FILM [option ...] [-- FFMPEG-OPTION ...]\n"
            "       kelpix-record --png PICTURE [option ...]\n"
+           "       kelpix-record --hash [option ...]\n"
            "\n"
            "Plays the scene without a window, as fast as the machine can, and saves it as a\n"
            "film with its sound, or one moment of it as a picture. The same options give the\n"
@@ -193,6 +201,7 @@ const char* usage()
            "\n"
            "  --out FILM     the extension tells the kind: .mp4, .mkv, .webm, .gif ...\n"
            "  --png PICTURE  the picture of one moment, as PNG\n"
+           "  --hash         prints the scene's state at one moment as numbers\n"
            "  --at S         that moment, or where the film begins, in seconds (default 0)\n"
            "  --seconds S    length of the film (default 30)\n"
            "  --size WxH     pixels (default 740x740)\n"

@@ -13,9 +13,10 @@ namespace record {
 struct Options {
     bool help = false;
     bool version = false;
-    std::filesystem::path out;          ///< the film; empty = a picture is asked for
-    std::filesystem::path png;          ///< the picture; empty = a film is asked for
-    Microseconds at = 0;                ///< of the picture, or of the film's first frame
+    std::filesystem::path out;          ///< the film; empty = none is asked for
+    std::filesystem::path png;          ///< the picture; empty = none is asked for
+    bool hash = false;                  ///< the numbers of the scene's state are asked for
+    Microseconds at = 0;                ///< of picture or numbers, or of the film's first frame
     Microseconds seconds = 30 * SECOND; ///< length of the film
     int width = 740;                    ///< pixels, like the height
     int height = 740;

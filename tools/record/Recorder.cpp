@@ -14,6 +14,7 @@
 #include "Stage.h"
 
 #include <algorithm>
+#include <cinttypes>
 #include <cstdio>
 #include <queue>
 #include <stdexcept>
@@ -37,6 +38,7 @@ public:
     }
 
     std::string makePicture();
+    std::string hash();
     std::string makeFilm(const Schedule& schedule);
 
 private:
@@ -51,6 +53,7 @@ private:
 
     Progress::Duration elapsed() const { return Clock::now() - begin; }
     void playStep(bool seen);
+    void playUntil(std::int64_t last, bool seen);
     void film(const Schedule& schedule, Encoder& encoder);
 };
 
@@ -61,18 +64,21 @@ void Recorder::playStep(bool seen)
     player.playStep();
 }
 
+/// Plays all steps up to this one. \param seen  whether the last one is looked at
+void Recorder::playUntil(std::int64_t last, bool seen)
+{
+    Progress progress(stderr, isatty(STDERR_FILENO) != 0, last + 1);
+    for (std::int64_t step = 0; step <= last; ++step) {
+        playStep(seen && step == last);
+        progress.show(step + 1, elapsed());
+    }
+}
+
 std::string Recorder::makePicture()
 {
     PartFile part(options.png);
     const ExitGuard guard([&] { part.discard(); });
-    const std::int64_t last = stepShownAt(options.at);
-    {
-        Progress progress(stderr, isatty(STDERR_FILENO) != 0, last + 1);
-        for (std::int64_t step = 0; step <= last; ++step) {
-            playStep(step == last);
-            progress.show(step + 1, elapsed());
-        }
-    }
+    playUntil(stepShownAt(options.at), true);
     reader.start();
     try {
         writePng(part.name(), reader.finish());
@@ -82,6 +88,24 @@ std::string Recorder::makePicture()
     part.keep();
     return options.png.filename().string() + ": " + std::to_string(options.width) + " x " +
            std::to_string(options.height);
+}
+
+std::string Recorder::hash()
+{
+    const std::int64_t last = stepShownAt(options.at);
+    playUntil(last, false);
+    const StateHash hash = stage.hash();
+    std::string text = "frame " + std::to_string(last + 1);
+    const auto add = [&text](const char* name, std::uint64_t value) {
+        char line[64];
+        std::snprintf(line, sizeof line, "\n%-8s %016" PRIx64, name, value);
+        text += line;
+    };
+    for (const StateHash::Part& part : hash.parts()) {
+        add(part.name, part.value);
+    }
+    add("whole", hash.whole());
+    return text;
 }
 
 /// The sound that goes with a film, piece by piece.
@@ -147,7 +171,8 @@ void Recorder::film(const Schedule& schedule, Encoder& encoder)
     }
 }
 
-/// The frames of the film, or of the one picture, up to where the script ends the scene.
+/// The frames of the film, or the one of the picture or the hash, up to where the script ends the
+/// scene.
 Schedule scheduleFor(const Options& options, const Script& script)
 {
     Schedule schedule(options.at, options.out.empty() ? 1 : options.seconds, options.fps);
@@ -168,6 +193,9 @@ std::string runRecorder(const Options& options, const Script& script)
     const HeldMessages messages;
     const ExitGuard guard([&] { messages.show(); });
     Recorder recorder(options, script);
+    if (options.hash) {
+        return recorder.hash();
+    }
     return options.out.empty() ? recorder.makePicture() : recorder.makeFilm(schedule);
 }
 

@@ -46,6 +46,14 @@ TEST(RecordOptionsTest, AreTakenInAnyOrder)
     EXPECT_THAT(options.encoderOptions, testing::ElementsAre("-crf", "--out"));
 }
 
+TEST(RecordOptionsTest, AHashNeedsNoFile)
+{
+    const Options options = parseOptions({"--hash", "--at", "10"});
+    EXPECT_TRUE(options.hash);
+    EXPECT_EQ(options.at, 10 * SECOND);
+    EXPECT_FALSE(parseOptions({"--png", "a.png"}).hash);
+}
+
 TEST(RecordOptionsTest, HelpAndVersionNeedNothingElse)
 {
     EXPECT_TRUE(parseOptions({"--help"}).help);
@@ -72,7 +80,9 @@ TEST_P(RecordBadOptionsTest, SayWhatIsWrong)
 INSTANTIATE_TEST_SUITE_P(
     Lines, RecordBadOptionsTest,
     testing::Values(
-        BadLine{{}, "--out FILE or --png FILE is missing"},
+        BadLine{{}, "--out FILE, --png FILE or --hash is missing"},
+        BadLine{{"--hash", "--png", "b.png"}, "--hash makes neither a film nor a picture"},
+        BadLine{{"--out", "a.mp4", "--hash"}, "--hash makes neither a film nor a picture"},
         BadLine{{"--out", "a.mp4", "--png", "b.png"}, "--out and --png do not go together"},
         BadLine{{"--png", "b.png", "--", "-crf", "1"}, "options behind -- are for films"},
         BadLine{{"--out"}, "--out needs a value"}, BadLine{{"--out", ""}, "--out needs a value"},
@@ -137,8 +147,8 @@ TEST(RecordOptionsTest, APictureMayHaveAnySize)
 
 TEST(RecordOptionsTest, UsageNamesEveryOption)
 {
-    for (const char* option : {"--out", "--png", "--at", "--seconds", "--size", "--fps", "--seed",
-                               "--media", "--script", "--help", "--version"}) {
+    for (const char* option : {"--out", "--png", "--hash", "--at", "--seconds", "--size", "--fps",
+                               "--seed", "--media", "--script", "--help", "--version"}) {
         EXPECT_THAT(record::usage(), testing::HasSubstr(std::string("\n  ") + option));
     }
 }

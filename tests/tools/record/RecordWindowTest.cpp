@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <png.h>
+#include <sstream>
 
 namespace {
 
@@ -23,28 +24,66 @@ std::vector<unsigned char> readPng(const char* path)
     return rgb;
 }
 
-class RecordWindowTest : public GLTest {};
+class RecordWindowTest : public GLTest {
+protected:
+    TempDirectory folder;
+
+    /// Runs the program, and plays the same scene here up to the same step.
+    /// \return what the program printed
+    std::string playTwice(const std::vector<std::string>& options, int lastStep)
+    {
+        std::vector<std::string> command = {KELPIX_RECORD, "--media", KELPIX_MEDIA, "--seed", "5"};
+        command.insert(command.end(), options.begin(), options.end());
+        const char* leaks = std::getenv("ASAN_OPTIONS");
+        Program program(command, std::filesystem::current_path(),
+                        {{"ASAN_OPTIONS", std::string(leaks ? leaks : "") + ":detect_leaks=0"}});
+        EXPECT_EQ(program.wait(), 0) << program.errors();
+
+        const std::filesystem::path work = std::filesystem::current_path();
+        std::filesystem::current_path(KELPIX_MEDIA);
+        std::int64_t samples = 0;
+        const int rate = record::loadTrack("sound/magpie_vocal.ogg", samples).rate;
+        // The scene's nodes live until the process ends.
+        static std::vector<Stage*> stages;
+        stage = stages.emplace_back(new Stage(WIDTH, HEIGHT, 5, {samples, rate}));
+        for (int step = 0; step <= lastStep; ++step) {
+            stage->update();
+            stage->draw();
+        }
+        std::filesystem::current_path(work);
+        return program.output();
+    }
+
+    Stage* stage = nullptr;
+};
+
+TEST_F(RecordWindowTest, TheHashIsThatOfTheScene)
+{
+    const std::string printed = playTwice({"--hash", "--at", "1"}, 40);
+    const StateHash hash = stage->hash();
+    std::istringstream lines(printed);
+    std::string name;
+    int frame = 0;
+    ASSERT_TRUE(lines >> name >> frame) << printed;
+    EXPECT_EQ(name, "frame");
+    EXPECT_EQ(frame, 41);
+    std::uint64_t value = 0;
+    lines >> std::hex;
+    for (const StateHash::Part& part : hash.parts()) {
+        ASSERT_TRUE(lines >> name >> value) << printed;
+        EXPECT_EQ(name, part.name);
+        EXPECT_EQ(value, part.value) << name;
+    }
+    ASSERT_TRUE(lines >> name >> value) << printed;
+    EXPECT_EQ(name, "whole");
+    EXPECT_EQ(value, hash.whole());
+    EXPECT_FALSE(lines >> name) << printed;
+}
 
 TEST_F(RecordWindowTest, APictureShowsWhatTheWindowShows)
 {
-    const TempDirectory folder;
-    const char* leaks = std::getenv("ASAN_OPTIONS");
-    Program program({KELPIX_RECORD, "--media", KELPIX_MEDIA, "--png", "picture.png", "--seed", "5",
-                     "--at", "5"},
-                    std::filesystem::current_path(),
-                    {{"ASAN_OPTIONS", std::string(leaks ? leaks : "") + ":detect_leaks=0"}});
-    ASSERT_EQ(program.wait(), 0) << program.errors();
+    playTwice({"--png", "picture.png", "--at", "5"}, 200);
     const std::vector<unsigned char> offscreen = readPng("picture.png");
-
-    std::filesystem::current_path(KELPIX_MEDIA);
-    std::int64_t samples = 0;
-    const int rate = record::loadTrack("sound/magpie_vocal.ogg", samples).rate;
-    // The scene's nodes live until the process ends.
-    static auto* const stage = new Stage(WIDTH, HEIGHT, 5, {samples, rate});
-    for (int step = 0; step <= 200; ++step) {
-        stage->update();
-        stage->draw();
-    }
     const std::vector<unsigned char> window = pixels();
 
     ASSERT_EQ(offscreen.size(), std::size_t{3} * WIDTH * HEIGHT);
