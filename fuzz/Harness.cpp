@@ -16,6 +16,7 @@ extern "C" {
 [[noreturn]] void __real_exit(int status);
 [[noreturn]] void __real_abort();
 std::FILE* __real_fopen(const char* path, const char* mode);
+std::FILE* __real_fdopen(int descriptor, const char* mode);
 int __real_fclose(std::FILE* file);
 // The sanitizers', where they are built in.
 [[gnu::weak]] void* __asan_region_is_poisoned(const void* begin, std::size_t size);
@@ -63,6 +64,15 @@ class NoteBuffer : public std::streambuf {
 
 int endStatus = 0;
 std::set<std::FILE*> openFiles; ///< opened by code that ends, and not closed by it
+
+/// Notes a file that was just opened. \return the file
+std::FILE* noted(std::FILE* file)
+{
+    if (file != nullptr && fuzz::Escape::armed) {
+        openFiles.insert(file);
+    }
+    return file;
+}
 
 [[noreturn]] void escape(int status)
 {
@@ -156,11 +166,12 @@ extern "C" {
 
 std::FILE* __wrap_fopen(const char* path, const char* mode)
 {
-    std::FILE* const file = __real_fopen(path, mode);
-    if (file != nullptr && fuzz::Escape::armed) {
-        openFiles.insert(file);
-    }
-    return file;
+    return noted(__real_fopen(path, mode));
+}
+
+std::FILE* __wrap_fdopen(int descriptor, const char* mode)
+{
+    return noted(__real_fdopen(descriptor, mode));
 }
 
 int __wrap_fclose(std::FILE* file)

@@ -1,5 +1,8 @@
 #include "MoCap.h"
 
+#include "OpenFile.h"
+#include "TextWords.h"
+
 #include <FL/Fl.H>
 #include <algorithm>
 #include <array>
@@ -10,7 +13,6 @@
 #include <limits>
 #include <memory>
 #include <new>
-#include <sys/stat.h>
 
 namespace {
 
@@ -19,54 +21,16 @@ constexpr int MAX_SENSORS_PER_FILE = 4096;
 /// A word of a file, terminated. It fits every path that can be opened.
 using Word = std::array<char, 4096>;
 
-/// Opens \p path for reading. Null for a pipe or a device, which might keep its reader waiting; a
-/// directory opens and reads as an empty file.
-std::FILE* openFile(const char* path)
-{
-    struct stat status = {};
-    if (stat(path, &status) != 0 || !(S_ISREG(status.st_mode) || S_ISDIR(status.st_mode))) {
-        return nullptr;
-    }
-    return std::fopen(path, "r");
-}
-
-bool isSpace(int c)
-{
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
-/// Skips white space. \return the first character after it, or EOF
-int skipSpace(std::FILE* file)
-{
-    int c = getc_unlocked(file);
-    while (isSpace(c)) {
-        c = getc_unlocked(file);
-    }
-    return c;
-}
-
 /// Reads as fscanf(file, "%s\n", word) does, but keeps only what fits: one word, then all white
 /// space that follows, so that the file is at its end right after its last word. At the end of the
 /// file (a null one too) the word stays as it was.
 /// \return whether there was a word
 bool readWord(std::FILE* file, Word& word)
 {
-    if (file == nullptr) {
+    if (file == nullptr || !Files::readWord(file, word)) {
         return false;
     }
-    int c = skipSpace(file);
-    if (c == EOF) {
-        return false;
-    }
-    std::size_t length = 0;
-    while (c != EOF && !isSpace(c)) {
-        if (length < word.size() - 1) {
-            word[length++] = static_cast<char>(c);
-        }
-        c = getc_unlocked(file);
-    }
-    word[length] = '\0';
-    std::ungetc(skipSpace(file), file);
+    std::ungetc(Files::skipSpace(file), file);
     return true;
 }
 
@@ -151,24 +115,25 @@ MoCap::~MoCap()
 
 int MoCap::read(const char* indexPath)
 {
-    std::FILE* const index = indexPath == nullptr ? nullptr : openFile(indexPath);
+    // A directory reads as an empty file, here and below.
+    const Files::Handle index = Files::openRegularOrFolder(indexPath);
     Word word{};
-    readWord(index, word);
+    readWord(index.get(), word);
     if (std::strcmp(word.data(), "MOCAP") != 0) {
         stop("No MOCAP specified!");
     }
 
     int numFiles = 0;
     int sensorsPerFile = 0;
-    std::fscanf(index, "%d %d\n", &numFiles, &sensorsPerFile);
+    std::fscanf(index.get(), "%d %d\n", &numFiles, &sensorsPerFile);
     std::printf("%d mocap datafile, picking %d sensors only.\n", numFiles, sensorsPerFile);
     const auto kept = static_cast<std::size_t>(std::clamp(sensorsPerFile, 0, MAX_SENSORS_PER_FILE));
 
     for (int f = 0; f < numFiles; ++f) {
         Word path{};
-        readWord(index, path);
+        readWord(index.get(), path);
         std::printf("Loading mocap file %d, %s\n", f, path.data());
-        std::FILE* const file = openFile(path.data());
+        const Files::Handle file = Files::openRegularOrFolder(path.data());
         if (file == nullptr) {
             stop("Couldn't read file.");
         }
@@ -177,14 +142,12 @@ int MoCap::read(const char* indexPath)
             for (std::size_t k = 0; k < kept; ++k) {
                 append(sensorDataList);
             }
-            records = readRecords(file, sensorDataList, kept * static_cast<std::size_t>(f));
+            records = readRecords(file.get(), sensorDataList, kept * static_cast<std::size_t>(f));
         } catch (const std::bad_alloc&) {
             stop("Couldn't read file.");
         }
         std::printf("File %s has %d lines.\n", path.data(), records);
-        std::fclose(file);
     }
-    std::fclose(index);
 
     step = 0;
     numSteps = sensorDataList.empty() ? 0 : std::numeric_limits<int>::max();

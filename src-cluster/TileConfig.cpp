@@ -1,11 +1,13 @@
 #include "TileConfig.h"
 
+#include "OpenFile.h"
+#include "TextWords.h"
+
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <deque>
 #include <new>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -25,49 +27,10 @@ Records& records()
     return *all;
 }
 
-/// Opens \p path for reading. Null for anything but a regular file: a pipe or a device might keep
-/// its reader waiting.
-std::FILE* openFile(const char* path)
-{
-    struct stat status = {};
-    if (path == nullptr || stat(path, &status) != 0 || !S_ISREG(status.st_mode)) {
-        return nullptr;
-    }
-    return std::fopen(path, "r");
-}
-
-bool isSpace(int c)
-{
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
-/// Reads one word as fscanf's "%s" does, but keeps only its first 31 characters. Without a word
-/// \p word stays as it was.
-/// \return whether there was a word
-bool readWord(std::FILE* file, char (&word)[32])
-{
-    int c = std::getc(file);
-    while (isSpace(c)) {
-        c = std::getc(file);
-    }
-    if (c == EOF) {
-        return false;
-    }
-    std::size_t length = 0;
-    while (c != EOF && !isSpace(c)) {
-        if (length < sizeof word - 1) {
-            word[length++] = static_cast<char>(c);
-        }
-        c = std::getc(file);
-    }
-    word[length] = '\0';
-    return true;
-}
-
 bool readKeyword(std::FILE* file, const char* keyword)
 {
     char word[32];
-    return readWord(file, word) && std::strcmp(word, keyword) == 0;
+    return Files::readWord(file, word) && std::strcmp(word, keyword) == 0;
 }
 
 bool readNumber(std::FILE* file, int& value)
@@ -123,7 +86,7 @@ bool readNode(std::FILE* file, ClusterNode& node)
 {
     int count[1] = {};
     if (!readKeyword(file, "Node") || !readKeyword(file, "Hostname") ||
-        !readWord(file, node.hostname) || !readField(file, "Windows", count)) {
+        !Files::readWord(file, node.hostname) || !readField(file, "Windows", count)) {
         return false;
     }
     for (int i = 0; i < count[0]; ++i) {
@@ -158,20 +121,20 @@ bool readCluster(std::FILE* file, Cluster& cluster)
 
 int TileConfig::readDisplayCfg(const char* path)
 {
-    std::FILE* const file = openFile(path);
+    Files::Handle file = Files::openRegular(path);
     if (file == nullptr) {
         return -1;
     }
     bool complete = false;
     try {
-        if (readKeyword(file, "Cluster")) {
+        if (readKeyword(file.get(), "Cluster")) {
             cluster = &records().clusters.emplace_back();
-            complete = readCluster(file, *cluster);
+            complete = readCluster(file.get(), *cluster);
         }
     } catch (const std::bad_alloc&) {
         // A wall that memory cannot hold is incomplete like one that the file breaks off.
     }
-    std::fclose(file);
+    file.reset();
     if (!complete) {
         return -1;
     }

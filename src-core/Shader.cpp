@@ -1,11 +1,12 @@
 #include "Shader.h"
 
+#include "OpenFile.h"
+
 #include <GL/glu.h>
 #include <cstddef>
 #include <cstdio>
 #include <memory>
 #include <new>
-#include <sys/stat.h>
 
 namespace {
 
@@ -15,10 +16,6 @@ bool halted = false;
 /// Far above any shader. What is larger is no shader, and its size would not fit GL's count.
 constexpr long MAX_SOURCE = 16L << 20;
 
-struct Close {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-
 struct Source {
     std::unique_ptr<GLcharARB[]> text; ///< not terminated; null when it could not be read
     GLint length = 0;
@@ -26,12 +23,7 @@ struct Source {
 
 Source readSource(const char* path)
 {
-    // A directory has no text, and opening a pipe would block.
-    struct stat status = {};
-    if (path == nullptr || stat(path, &status) != 0 || !S_ISREG(status.st_mode)) {
-        return {};
-    }
-    const std::unique_ptr<std::FILE, Close> file(std::fopen(path, "r"));
+    const Files::Handle file = Files::openRegular(path);
     if (file == nullptr || std::fseek(file.get(), 0, SEEK_END) != 0) {
         return {};
     }

@@ -3,27 +3,8 @@
 #include <algorithm>
 #include <cstring>
 #include <new>
-#include <sys/stat.h>
 
 namespace ImageFile {
-
-Handle open(const char* name)
-{
-    struct stat status = {};
-    if (name == nullptr || stat(name, &status) != 0 || !S_ISREG(status.st_mode)) {
-        return nullptr;
-    }
-    return Handle(std::fopen(name, "rb"));
-}
-
-Handle create(const char* name)
-{
-    struct stat status = {};
-    if (name == nullptr || (stat(name, &status) == 0 && S_ISFIFO(status.st_mode))) {
-        return nullptr;
-    }
-    return Handle(std::fopen(name, "wb"));
-}
 
 unsigned char* allocate(std::size_t width, std::size_t height, std::size_t components,
                         std::size_t readable)

@@ -1,32 +1,13 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdio>
-#include <memory>
 
 /// What the readers of image files have in common. Private to this library.
 namespace ImageFile {
 
-struct Close {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-
-/// An open file, closed with its owner.
-using Handle = std::unique_ptr<std::FILE, Close>;
-
 /// The largest pixel buffer that a reader allocates, in bytes. Few bytes of a compressed file can
 /// claim any size.
 inline constexpr std::size_t MAX_BYTES = std::size_t{1} << 30;
-
-/// Opens a regular file for reading.
-/// \return empty for a null name, a file that cannot be opened, and anything but a regular file: a
-///         directory has no bytes and a pipe would block
-Handle open(const char* name);
-
-/// Opens a file for writing, and makes or empties it.
-/// \return empty for a null name, a file that cannot be opened, and a pipe, which would block until
-///         somebody reads from it
-Handle create(const char* name);
 
 /// Allocates a pixel buffer of \p width * \p height * \p components bytes, which the reader sets:
 /// writing large pictures twice is what a reader's time would go to. Behind them the buffer stays

@@ -1,6 +1,7 @@
 #include "ImageJPEG.h"
 
 #include "ImageFile.h"
+#include "OpenFile.h"
 
 #include <algorithm>
 #include <csetjmp>
@@ -173,7 +174,7 @@ ImageJPEG::~ImageJPEG()
 
 int ImageJPEG::read(const char* filename)
 {
-    const ImageFile::Handle file = ImageFile::open(filename);
+    const Files::Handle file = Files::openRegular(filename);
     if (file == nullptr) {
         std::printf("can't open %s\n", shown(filename));
         return 0;
@@ -193,7 +194,7 @@ int ImageJPEG::write(const char* filename, int quality)
     if (buffer == nullptr) {
         return 0;
     }
-    ImageFile::Handle file = ImageFile::create(filename);
+    Files::Handle file = Files::create(filename);
     if (file == nullptr) {
         std::fprintf(stderr, "can't open %s\n", shown(filename));
         return 0;

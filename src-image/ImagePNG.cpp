@@ -1,6 +1,7 @@
 #include "ImagePNG.h"
 
 #include "ImageFile.h"
+#include "OpenFile.h"
 
 #include <csetjmp>
 #include <cstddef>
@@ -95,7 +96,7 @@ int ImagePNG::read(const char* filename)
     if (decoder.info == nullptr) {
         return -1;
     }
-    const ImageFile::Handle file = ImageFile::open(filename);
+    const Files::Handle file = Files::openRegular(filename);
     if (file == nullptr) {
         std::fprintf(stderr, "Can't open file %s\n", filename);
         return -1;

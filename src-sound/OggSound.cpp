@@ -1,5 +1,7 @@
 #include "OggSound.h"
 
+#include "OpenFile.h"
+
 #include <AL/alut.h>
 #include <algorithm>
 #include <cstdint>
@@ -23,17 +25,6 @@ namespace {
 /// What one OpenAL buffer can hold. A file of some kilobytes can claim, and decode to, far more.
 constexpr std::size_t MAX_TRACK_BYTES = std::numeric_limits<ALsizei>::max();
 
-/// Opens \p path for reading. Null for a pipe or a device, which might keep its reader waiting; a
-/// directory opens and fails at the first read.
-std::FILE* openFile(const char* path)
-{
-    struct stat status = {};
-    if (stat(path, &status) != 0 || !(S_ISREG(status.st_mode) || S_ISDIR(status.st_mode))) {
-        return nullptr;
-    }
-    return std::fopen(path, "rb");
-}
-
 /// Whether a track of so many samples per channel fits one OpenAL buffer.
 bool isPlayable(ogg_int64_t samples, int channels)
 {
@@ -41,15 +32,20 @@ bool isPlayable(ogg_int64_t samples, int channels)
     return static_cast<std::uintmax_t>(samples) <= MAX_TRACK_BYTES / frameBytes;
 }
 
-/// The bytes to expect of the decoded track. A header may claim anything: no more than 64 times
-/// the size of the file is believed.
-std::size_t expectedBytes(const char* path, ogg_int64_t samples, int channels)
+/// \return 0 when it cannot be told
+std::uintmax_t sizeOf(std::FILE* file)
 {
     struct stat status = {};
-    if (stat(path, &status) != 0 || samples <= 0 || channels <= 0) {
+    return fstat(fileno(file), &status) == 0 ? static_cast<std::uintmax_t>(status.st_size) : 0;
+}
+
+/// The bytes to expect of the decoded track. A header may claim anything: no more than 64 times
+/// the size of the file is believed.
+std::size_t expectedBytes(std::uintmax_t fileBytes, ogg_int64_t samples, int channels)
+{
+    if (samples <= 0 || channels <= 0) {
         return 0;
     }
-    const auto fileBytes = static_cast<std::uintmax_t>(status.st_size);
     const auto frames = static_cast<std::uintmax_t>(samples);
     const auto frameBytes = static_cast<std::uintmax_t>(2) * static_cast<unsigned>(channels);
     const std::uintmax_t believed = std::min<std::uintmax_t>(fileBytes, 1 << 25) * 64;
@@ -138,18 +134,20 @@ void OggSound::load(const char* path)
 void OggSound::loadOGG(const char* path, std::vector<char>& out, int& format, unsigned& freq)
 {
     path = path == nullptr ? "" : path;
-    std::FILE* const file = openFile(path);
+    // A directory opens too, and fails at the first read.
+    Files::Handle file = Files::openRegularOrFolder(path);
     if (file == nullptr) {
         fail("Cannot open ", path, " for reading...");
     }
 
     OggVorbis_File vorbisFile;
-    if (ov_open(file, &vorbisFile, nullptr, 0) != 0) {
-        std::fclose(file);
+    if (ov_open(file.get(), &vorbisFile, nullptr, 0) != 0) {
+        file.reset();
         fail("Error opening ", path, " for decoding...");
     }
-
     // The decoder owns the file from here on: ov_clear closes it.
+    const std::uintmax_t fileBytes = sizeOf(file.release());
+
     const vorbis_info* const info = ov_info(&vorbisFile, -1);
     const int channels = info == nullptr ? 0 : info->channels;
     numSamples = std::max<ogg_int64_t>(ov_pcm_total(&vorbisFile, -1), 0);
@@ -158,7 +156,7 @@ void OggSound::loadOGG(const char* path, std::vector<char>& out, int& format, un
 
     bool complete = false;
     try {
-        out.reserve(out.size() + expectedBytes(path, numSamples, channels));
+        out.reserve(out.size() + expectedBytes(fileBytes, numSamples, channels));
         complete =
             isPlayable(numSamples, channels) && rewindChain(vorbisFile) && decode(vorbisFile, out);
     } catch (const std::bad_alloc&) {

@@ -1,5 +1,7 @@
 #include "CheckRecording.h"
 
+#include "TextWords.h"
+
 #include <cmath>
 #include <cstdlib>
 #include <optional>
@@ -37,11 +39,6 @@ struct Finding {
     }
 };
 
-bool isSpace(char c)
-{
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
 /// The words of a text, with the number of the line that each is on.
 class Words {
 public:
@@ -50,11 +47,11 @@ public:
     /// \return the next word; empty at the end
     std::string_view next()
     {
-        for (; at < text.size() && isSpace(text[at]); ++at) {
+        for (; at < text.size() && Files::isSpace(text[at]); ++at) {
             lines += text[at] == '\n' ? 1 : 0;
         }
         const std::size_t begin = at;
-        while (at < text.size() && !isSpace(text[at])) {
+        while (at < text.size() && !Files::isSpace(text[at])) {
             ++at;
         }
         return text.substr(begin, at - begin);

@@ -1,5 +1,5 @@
 #include "ObjStore.h"
-#include "ObjText.h"
+#include "OpenFile.h"
 
 #include <algorithm>
 #include <csetjmp>
@@ -232,7 +232,7 @@ GLuint read_img(const char* path)
     if ((!png && !jpeg) || glGetString(GL_VERSION) == nullptr) {
         return 0;
     }
-    const InputFile file = open_input(path);
+    const Files::Handle file = Files::openRegular(path);
     Picture picture;
     if (file == nullptr ||
         !(png ? read_png(file.get(), picture) : read_jpeg(file.get(), picture))) {

@@ -5,10 +5,7 @@
 #include <charconv>
 #include <cstdint>
 #include <cstring>
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <system_error>
-#include <unistd.h>
 #include <utility>
 
 namespace {
@@ -106,25 +103,7 @@ bool take_float(const char*& text, float& value)
 
 namespace obj {
 
-InputFile open_input(const char* path)
-{
-    // Not to wait for the other end of a pipe; a regular file does not care.
-    const int descriptor = open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-    if (descriptor < 0) {
-        return nullptr;
-    }
-    struct stat status;
-    std::FILE* file = nullptr;
-    if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) {
-        file = fdopen(descriptor, "r");
-    }
-    if (file == nullptr) {
-        close(descriptor);
-    }
-    return InputFile(file);
-}
-
-LineReader::LineReader(const char* path) : file_(open_input(path))
+LineReader::LineReader(const char* path) : file_(Files::openRegular(path))
 {
     if (is_open()) {
         std::setvbuf(file_.get(), nullptr, _IONBF, 0); // the buffer here is enough

@@ -8,6 +8,9 @@
 /// those of the C locale, and a function that takes something from the front of a text moves the
 /// pointer behind it.
 
+#include "OpenFile.h"
+#include "TextWords.h"
+
 #include <algorithm>
 #include <array>
 #include <climits>
@@ -15,19 +18,9 @@
 #include <cstdint>
 #include <cstdio>
 #include <locale.h>
-#include <memory>
 #include <string_view>
 
 namespace obj {
-
-struct CloseFile {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using InputFile = std::unique_ptr<std::FILE, CloseFile>;
-
-/// Opens a regular file for reading; null for everything else (a pipe would wait, a directory has
-/// no text).
-InputFile open_input(const char* path);
 
 /// The lines of a file. A line ends at its newline or after 1023 characters; what is left of a
 /// longer one is the next line.
@@ -48,7 +41,7 @@ public:
 private:
     bool refill();
 
-    InputFile file_;
+    Files::Handle file_;
     std::array<char, 65536> buffer_;
     char* begin_ = buffer_.data(); ///< what has not been handed out yet
     char* end_ = begin_;           ///< at most the last place of the buffer, to have one for a NUL
@@ -56,14 +49,9 @@ private:
     bool cut_ = false;
 };
 
-constexpr bool is_blank(char c)
-{
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
 inline const char* skip_blanks(const char* text)
 {
-    while (is_blank(*text)) {
+    while (Files::isSpace(*text)) {
         ++text;
     }
     return text;
@@ -71,7 +59,7 @@ inline const char* skip_blanks(const char* text)
 
 inline const char* skip_word(const char* text)
 {
-    while (*text != '\0' && !is_blank(*text)) {
+    while (*text != '\0' && !Files::isSpace(*text)) {
         ++text;
     }
     return text;

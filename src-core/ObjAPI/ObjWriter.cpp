@@ -1,27 +1,14 @@
 #include "ObjStore.h"
 #include "ObjText.h"
+#include "OpenFile.h"
 
 #include <array>
 #include <cmath>
 #include <cstdio>
-#include <memory>
-#include <sys/stat.h>
 
 using obj::file;
 
 namespace {
-
-using OutputFile = std::unique_ptr<std::FILE, obj::CloseFile>;
-
-/// Opens a file for writing. Null for a pipe, which would block until somebody reads from it.
-OutputFile open_output(const char* path)
-{
-    struct stat status = {};
-    if (stat(path, &status) == 0 && S_ISFIFO(status.st_mode)) {
-        return nullptr;
-    }
-    return OutputFile(std::fopen(path, "w"));
-}
 
 /// What "%f" and its kind take.
 double wide(float value)
@@ -57,7 +44,7 @@ const char* name_of(const obj_mtrl* m)
 
 void write_obj(const obj_file& f, const char* path, const char* library)
 {
-    const OutputFile out = open_output(path);
+    const Files::Handle out = Files::create(path);
     if (out == nullptr) {
         return;
     }
@@ -106,7 +93,7 @@ void write_map(std::FILE* out, const char* label, const obj_prop& p)
 
 void write_mtl(const obj_file& f, const char* path)
 {
-    const OutputFile out = open_output(path);
+    const Files::Handle out = Files::create(path);
     if (out == nullptr) {
         return;
     }

@@ -7,8 +7,9 @@ import pathlib
 import re
 import sys
 
-# Folder -> the folders whose headers it may include.
+# Folder -> the folders whose headers it may include. All may include those of src-files.
 ALLOWED = {
+    "src-files": [],
     "src-math": [],
     "src-image": [],
     "src-sound": [],
@@ -55,7 +56,7 @@ def wrong_includes(root):
                 source = owner.get(match.group(1))
                 if source is None:
                     yield f"{path}:{number}: {match.group(1)} is no header of the project"
-                elif source != folder and source not in allowed:
+                elif source not in (folder, "src-files", *allowed):
                     yield f"{path}:{number}: {folder} must not include from {source}"
 
 
