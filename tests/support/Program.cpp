@@ -50,6 +50,33 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts)
     return pointers;
 }
 
+/// How a terminal starts a program, however the test was started: a shell that runs it in the
+/// background has it ignore SIGINT, and what is ignored or blocked would be so in its children.
+class Attributes {
+public:
+    Attributes()
+    {
+        posix_spawnattr_init(&attributes);
+        sigset_t usual;
+        sigemptyset(&usual);
+        posix_spawnattr_setsigmask(&attributes, &usual);
+        for (const int signal : {SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGPIPE}) {
+            sigaddset(&usual, signal);
+        }
+        posix_spawnattr_setsigdefault(&attributes, &usual);
+        posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGDEF |
+                                                  POSIX_SPAWN_SETSIGMASK);
+    }
+    Attributes(const Attributes&) = delete;
+    Attributes& operator=(const Attributes&) = delete;
+    ~Attributes() { posix_spawnattr_destroy(&attributes); }
+
+    const posix_spawnattr_t* get() const { return &attributes; }
+
+private:
+    posix_spawnattr_t attributes;
+};
+
 template<typename Condition>
 bool waitUntil(Condition condition)
 {
@@ -77,12 +104,9 @@ Program::Program(const std::vector<std::string>& command, const std::filesystem:
     posix_spawn_file_actions_addchdir_np(&files, folder.c_str());
     posix_spawn_file_actions_adddup2(&files, fileno(out.get()), STDOUT_FILENO);
     posix_spawn_file_actions_adddup2(&files, fileno(err.get()), STDERR_FILENO);
-    posix_spawnattr_t attributes;
-    posix_spawnattr_init(&attributes);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP);
-    const int error = posix_spawnp(&process, arguments[0].c_str(), &files, &attributes,
+    const Attributes attributes;
+    const int error = posix_spawnp(&process, arguments[0].c_str(), &files, attributes.get(),
                                    pointersTo(arguments).data(), pointersTo(environment).data());
-    posix_spawnattr_destroy(&attributes);
     posix_spawn_file_actions_destroy(&files);
     if (error != 0) {
         throw std::runtime_error("cannot start " + arguments[0]);
