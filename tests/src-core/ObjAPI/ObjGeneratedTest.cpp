@@ -180,6 +180,31 @@ protected:
         return text;
     }
 
+    /// A model of few positions whose faces and lines meet again and again, in several groups.
+    std::string crowded_object()
+    {
+        std::string text;
+        for (const char* line : {"v", "v", "v", "vt", "vn"}) {
+            text += line;
+            text += " 1 0 0\n" + std::string(line) + " 0 1 0\n";
+        }
+        for (std::size_t n = 10 + below(40); n > 0; --n) {
+            const std::string word =
+                one_of({"f", "f", "f", "l", "l", "s", "g", "usemtl", "vn 0 1"});
+            text += word;
+            if (word == "s") {
+                text += one_of({" 0", " 1", " 2", " off"});
+            } else if (word == "f" || word == "l") {
+                for (std::size_t i = 2 + below(3); i > 0; --i) {
+                    text += " " + one_of({"1", "2", "3", "4", "-1", "7"});
+                    text += one_of({"", "", "/1", "/2", "//1", "//2", "/1/1", "/1/2", "/-1/-1"});
+                }
+            }
+            text += "\n";
+        }
+        return text;
+    }
+
     /// Changes, cuts and repeats parts of a text.
     void mutate(std::string& text)
     {
@@ -218,6 +243,17 @@ TEST_F(ObjGeneratedTest, ModelsAreReadAsThePlainReaderReadsThem)
         write("one.mtl", library());
         write("two.mtl", library());
         const std::string text = object();
+        expect_same(write("m.obj", text), text);
+        if (HasFatalFailure()) {
+            return;
+        }
+    }
+}
+
+TEST_F(ObjGeneratedTest, CornersAreSharedAsThePlainReaderSharesThem)
+{
+    for (int round = 0; round < 300; ++round) {
+        const std::string text = crowded_object();
         expect_same(write("m.obj", text), text);
         if (HasFatalFailure()) {
             return;

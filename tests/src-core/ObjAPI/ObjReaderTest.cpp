@@ -164,13 +164,31 @@ TEST_F(ObjReaderTest, ACornerOfALineSharesAVertexOfAnyNormalAndGroup)
 
 TEST_F(ObjReaderTest, ACornerOfALineHasNoNormalAndNoGroup)
 {
-    // The corner of the line does not stand in for one of group 3, but the face's own is still
-    // behind it in the chain; for group 0 without normal it does stand in.
-    const Model m =
-        model(std::string(SQUARE) + "s 3\nf 1 2 3\nl 1 2\nf 1 2 4\ns 0\nl 4 3\nf 4 3 4\n");
+    // It serves for a face's corner without normal in group 0, and for no other. The group of the
+    // corner before it, which a face has made, is not its own.
+    const Model m = model(std::string(SQUARE) + "vn 0 0 1\ns 3\nf 1 1 1\nl 1 2 3 4\n"
+                                                "f 2 1 1\ns 0\nf 3//1 4 4\n");
+    EXPECT_THAT(m.surfaces[0].lines, ElementsAre(Line{0, 1}, Line{1, 2}, Line{2, 3}));
     EXPECT_THAT(m.surfaces[0].triangles,
-                ElementsAre(Triangle{0, 1, 2}, Triangle{0, 1, 3}, Triangle{3, 2, 3}));
-    EXPECT_EQ(m.vertices.size(), 4U);
+                ElementsAre(Triangle{0, 0, 0}, Triangle{4, 0, 0}, Triangle{5, 3, 3}));
+    EXPECT_EQ(m.vertices.size(), 6U);
+}
+
+TEST_F(ObjReaderTest, ACornerOfALineKeepsTheGroupOfTheVertexThatItShares)
+{
+    // The corners of the line are those of group 1: the second face, of no group, shares none.
+    const Model other = model("v 0 0 0\nv 1 0 0\nv 0 1 0\nv 0 0 1\n"
+                              "s 1\nf 1 2 3\nl 1 2\ns off\nf 1 2 4\n");
+    EXPECT_THAT(other.surfaces[0].lines, ElementsAre(Line{0, 1}));
+    EXPECT_THAT(other.surfaces[0].triangles, ElementsAre(Triangle{0, 1, 2}, Triangle{3, 4, 5}));
+    EXPECT_EQ(other.vertices.size(), 6U);
+
+    // They have no normal: the second face, without normals in the same group, shares corner 1.
+    const Model same = model("v 0 0 0\nv 1 0 0\nv 0 1 0\nv 0 0 1\nvn 0 0 1\n"
+                             "s 5\nf 1//1 2//1 3//1\nl 1 2\nf 1 3 4\n");
+    EXPECT_THAT(same.surfaces[0].lines, ElementsAre(Line{0, 1}));
+    EXPECT_THAT(same.surfaces[0].triangles, ElementsAre(Triangle{0, 1, 2}, Triangle{0, 3, 4}));
+    EXPECT_EQ(same.vertices.size(), 5U);
 }
 
 TEST_F(ObjReaderTest, TheTablesStartAnewWithEachFile)

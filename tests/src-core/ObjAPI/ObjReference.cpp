@@ -164,6 +164,7 @@ private:
         }
         if (fresh.next >= 0) {
             fresh.vertex = corners_[static_cast<size_t>(fresh.next)].vertex;
+            fresh.group = corners_[static_cast<size_t>(fresh.next)].group;
         } else {
             fresh.vertex = static_cast<int>(model.vertices.size());
             model.vertices.emplace_back();
