@@ -99,8 +99,6 @@ void drop_vertex(Primitive* array, int& count, int vi)
 
 namespace obj {
 
-void* (*reallocate)(void* memory, std::size_t size) = std::realloc;
-
 obj_file* file(int fi)
 {
     CHECK(0 <= fi && fi < fc);

@@ -8,6 +8,7 @@
 #include <climits>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <type_traits>
 
 /// One property of a material.
@@ -101,9 +102,6 @@ bool in_range(const Primitive& primitive, int vertices)
 
 // ---- Arrays -------------------------------------------------------------------------------------
 
-/// std::realloc; a test puts a failing one in its place.
-extern void* (*reallocate)(void* memory, std::size_t size);
-
 /// Makes room for one more element: a full array is moved to one of twice its capacity, at least 2.
 /// \return the index of the new element, whose memory is not cleared; -1, and nothing has changed,
 ///         when memory runs out
@@ -118,7 +116,7 @@ int grow(T*& array, int& count, int& capacity)
         if (static_cast<std::size_t>(larger) > SIZE_MAX / sizeof(T)) {
             return -1;
         }
-        void* moved = reallocate(array, sizeof(T) * static_cast<std::size_t>(larger));
+        void* moved = std::realloc(array, sizeof(T) * static_cast<std::size_t>(larger));
         if (moved == nullptr) {
             return -1;
         }

@@ -108,7 +108,6 @@ ObjFixture::ObjFixture()
 
 ObjFixture::~ObjFixture()
 {
-    obj::reallocate = std::realloc;
     while (obj_num_file() > 0) {
         obj_del_file(obj_num_file() - 1);
     }

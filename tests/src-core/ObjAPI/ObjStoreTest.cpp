@@ -29,19 +29,6 @@ protected:
     }
 };
 
-std::vector<std::size_t> allocations;
-
-void* recording(void* memory, std::size_t size)
-{
-    allocations.push_back(size);
-    return std::realloc(memory, size);
-}
-
-void* failing(void*, std::size_t)
-{
-    return nullptr;
-}
-
 // ---- Records ------------------------------------------------------------------------------------
 
 TEST_F(ObjStoreTest, TheVertexIsElevenFloats)
@@ -76,26 +63,6 @@ TEST_F(ObjStoreTest, CapacitiesRun0248)
     }
 }
 
-TEST_F(ObjStoreTest, TheFileTableGrowsByTheSameRule)
-{
-    obj::reallocate = recording;
-    // The table never shrinks, so its room at the start depends on the tests before this one.
-    std::vector<int> capacities;
-    for (int i = 0; capacities.size() < 3; ++i) {
-        ASSERT_LT(i, 100000) << "the table does not grow";
-        allocations.clear();
-        ASSERT_EQ(obj_add_file(nullptr), i);
-        if (!allocations.empty()) {
-            const int capacity = i < 1 ? 2 : 2 * i;
-            EXPECT_THAT(allocations, testing::ElementsAre(sizeof(obj_file) *
-                                                          static_cast<std::size_t>(capacity)));
-            capacities.push_back(capacity);
-        }
-    }
-    EXPECT_EQ(capacities[1], 2 * capacities[0]);
-    EXPECT_EQ(capacities[2], 2 * capacities[1]);
-}
-
 TEST_F(ObjStoreTest, AFullArrayBeyondHalfTheRangeDoesNotGrow)
 {
     int* array = nullptr;
@@ -105,43 +72,6 @@ TEST_F(ObjStoreTest, AFullArrayBeyondHalfTheRangeDoesNotGrow)
     EXPECT_EQ(array, nullptr);
     EXPECT_EQ(count, INT_MAX / 2 + 1);
     EXPECT_EQ(capacity, INT_MAX / 2 + 1);
-}
-
-TEST_F(ObjStoreTest, WithoutMemoryAnAddGivesMinusOneAndChangesNothing)
-{
-    const int fi = small();
-    while (obj::file(fi)->mc < obj::file(fi)->mm) {
-        obj_add_mtrl(fi);
-    }
-    while (obj::file(fi)->vc < obj::file(fi)->vm) {
-        obj_add_vert(fi);
-    }
-    while (obj::file(fi)->sc < obj::file(fi)->sm) {
-        obj_add_surf(fi);
-    }
-    obj_add_poly(fi, 0);
-    obj_add_line(fi, 0);
-    obj::reallocate = failing;
-    int files = obj_num_file();
-    while (obj_add_file(nullptr) >= 0) {
-        ++files;
-        ASSERT_LT(files, 1000);
-    }
-    EXPECT_EQ(obj_num_file(), files);
-    const std::string before = describe(model_of(fi));
-    const obj_file f = *obj::file(fi);
-    EXPECT_EQ(obj_add_mtrl(fi), -1);
-    EXPECT_EQ(obj_add_vert(fi), -1);
-    EXPECT_EQ(obj_add_surf(fi), -1);
-    EXPECT_EQ(obj_add_poly(fi, 0), -1);
-    EXPECT_EQ(obj_add_line(fi, 0), -1);
-    EXPECT_EQ(describe(model_of(fi)), before);
-    EXPECT_EQ(obj::file(fi)->mm, f.mm);
-    EXPECT_EQ(obj::file(fi)->vm, f.vm);
-    EXPECT_EQ(obj::file(fi)->sm, f.sm);
-    EXPECT_EQ(obj::file(fi)->mv, f.mv);
-    obj::reallocate = std::realloc;
-    EXPECT_EQ(obj_add_mtrl(fi), f.mc);
 }
 
 TEST_F(ObjStoreTest, ANewMaterialHasTheDefaults)
