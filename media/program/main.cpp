@@ -13,6 +13,8 @@ using media::Asset;
 using media::File;
 using media::Options;
 
+constexpr const char* PROGRAM = "kelpix-media";
+
 /// Makes assets and writes their files, two at a time. An asset depends on the request alone, so
 /// the files come out the same in whatever order the threads get to them.
 class Workshop {
@@ -63,37 +65,28 @@ private:
     std::string error;
 };
 
+int run(const std::vector<std::string>& arguments)
+{
+    const Options options = media::parseOptions(arguments);
+    if (options.action != commandline::Action::work) {
+        commandline::answer(options.action, PROGRAM, media::usage());
+        return 0;
+    }
+    if (!options.check.empty()) {
+        const std::vector<media::FileReport> reports = media::checkFolder(options.check);
+        std::fputs(media::describe(reports).c_str(), stdout);
+        return media::playsWell(reports) ? 0 : 1;
+    }
+    const std::string error = Workshop(options).run();
+    if (!error.empty()) {
+        std::fprintf(stderr, "%s: %s\n", PROGRAM, error.c_str());
+    }
+    return error.empty() ? 0 : 1;
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
 {
-    try {
-        const Options options = media::parseOptions({argv + 1, argv + argc});
-        if (options.help) {
-            std::fputs(media::usage().c_str(), stdout);
-            return 0;
-        }
-        if (options.version) {
-            std::puts("kelpix-media " KELPIX_VERSION);
-            return 0;
-        }
-        if (!options.check.empty()) {
-            const std::vector<media::FileReport> reports = media::checkFolder(options.check);
-            std::fputs(media::describe(reports).c_str(), stdout);
-            return media::playsWell(reports) ? 0 : 1;
-        }
-        const std::string error = Workshop(options).run();
-        if (!error.empty()) {
-            std::fprintf(stderr, "kelpix-media: %s\n", error.c_str());
-            return 1;
-        }
-    } catch (const media::UsageError& error) {
-        std::fprintf(stderr, "kelpix-media: %s\nkelpix-media --help lists the options.\n",
-                     error.what());
-        return 2;
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "kelpix-media: %s\n", error.what());
-        return 1;
-    }
-    return 0;
+    return commandline::run(PROGRAM, [&] { return run({argv + (argc > 0 ? 1 : 0), argv + argc}); });
 }

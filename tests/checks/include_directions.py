@@ -21,12 +21,15 @@ ALLOWED = {
     "media/sounds": ["media"],
     "media/dances": ["media"],
     "media/check": ["media", "media/dances", "src-image"],
-    "media/program": ["media", "media/pictures", "media/sounds", "media/dances", "media/check"],
+    "media/program": ["media", "media/pictures", "media/sounds", "media/dances", "media/check",
+                      "tools/commandline"],
     "tools/stage": ["src-math", "src-image", "src-core", "src-sound", "kelpix"],
     "tools/nullgl": ["src-math"],
-    "tools/record": ["src-math", "src-image", "src-core", "src-sound", "kelpix", "tools/stage"],
+    "tools/commandline": [],
+    "tools/record": ["src-math", "src-image", "src-core", "src-sound", "kelpix", "tools/stage",
+                     "tools/commandline"],
     "tools/soak": ["src-math", "src-image", "src-core", "src-sound", "kelpix", "tools/stage",
-                   "tools/nullgl"],
+                   "tools/nullgl", "tools/commandline"],
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"')
 

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "CommandLine.h"
 #include "Time.h"
 
 #include <filesystem>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -11,8 +11,7 @@ namespace record {
 
 /// What the command line says.
 struct Options {
-    bool help = false;
-    bool version = false;
+    commandline::Action action = commandline::Action::work;
     std::filesystem::path out;          ///< the film; empty = none is asked for
     std::filesystem::path png;          ///< the picture; empty = none is asked for
     bool hash = false;                  ///< the numbers of the scene's state are asked for
@@ -27,16 +26,11 @@ struct Options {
     std::vector<std::string> encoderOptions; ///< handed to ffmpeg, before the output's name
 };
 
-/// A command line or a script that makes no sense; the text says what is wrong with it.
-class UsageError : public std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
-
 /// \param arguments  without the program's name
-/// Throws UsageError.
+/// Throws commandline::UsageError.
 Options parseOptions(const std::vector<std::string>& arguments);
 
 /// The text of --help.
-const char* usage();
+std::string usage();
 
 } // namespace record

@@ -180,7 +180,7 @@ Schedule scheduleFor(const Options& options, const Script& script)
         schedule.endBefore(*script.endStep);
     }
     if (schedule.frames() == 0) {
-        throw UsageError("the script ends the scene before the time of --at");
+        throw ScriptError("the script ends the scene before the time of --at");
     }
     return schedule;
 }

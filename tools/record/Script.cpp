@@ -1,12 +1,11 @@
 #include "Script.h"
 
-#include "Options.h"
+#include "CommandLine.h"
 #include "Schedule.h"
 
 #include <FL/Enumerations.H>
 #include <algorithm>
 #include <cerrno>
-#include <charconv>
 #include <cstring>
 #include <fstream>
 #include <sstream>
@@ -41,7 +40,7 @@ private:
     Microseconds dragEnd = 0;
     int dragLine = 0; ///< 0 = no drag yet
 
-    [[noreturn]] static void refuse(const std::string& what) { throw UsageError(what); }
+    [[noreturn]] static void refuse(const std::string& what) { throw ScriptError(what); }
     const std::string& word(const char* what);
     int number(const char* what, int low, int high);
     Place place();
@@ -92,12 +91,10 @@ const std::string& Parser::word(const char* what)
 int Parser::number(const char* what, int low, int high)
 {
     const std::string& text = word(what);
-    const char* end = text.data() + text.size();
     int value = 0;
-    const auto [stop, error] = std::from_chars(text.data(), end, value);
-    if (error != std::errc() || stop != end || value < low || value > high) {
-        refuse(std::string(what) + " is a whole number from " + std::to_string(low) + " to " +
-               std::to_string(high) + ", not \"" + text + "\"");
+    if (!commandline::readNumber(text, low, high, value)) {
+        refuse(std::string(what) + " is " + commandline::rangeOf(low, high) + ", not \"" + text +
+               "\"");
     }
     return value;
 }
@@ -238,8 +235,8 @@ Script Script::parse(std::istream& text, const std::string& name)
     for (int number = 1; std::getline(text, line); ++number) {
         try {
             parser.readLine(line, number);
-        } catch (const UsageError& error) {
-            throw UsageError(name + ":" + std::to_string(number) + ": " + error.what());
+        } catch (const ScriptError& error) {
+            throw ScriptError(name + ":" + std::to_string(number) + ": " + error.what());
         }
     }
     parser.finish();
@@ -249,7 +246,7 @@ Script Script::parse(std::istream& text, const std::string& name)
 Script Script::read(const std::filesystem::path& path)
 {
     const auto fail = [&](const std::string& reason) {
-        throw UsageError("cannot read " + path.string() + ": " + reason);
+        throw ScriptError("cannot read " + path.string() + ": " + reason);
     };
     std::error_code error;
     const std::filesystem::file_status status = std::filesystem::status(path, error);

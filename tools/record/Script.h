@@ -5,10 +5,16 @@
 #include <filesystem>
 #include <iosfwd>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace record {
+
+/// A script that makes no sense, or that cannot be read. The text says what is wrong with it.
+class ScriptError : public std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
 
 /// One event as the toolkit reports it to a window.
 struct Input {
@@ -36,10 +42,10 @@ struct Script {
     std::optional<std::int64_t> endStep; ///< the step at which q is pressed
 
     /// \param name  for messages
-    /// Throws UsageError with name, line number and what is wrong.
+    /// Throws ScriptError with name, line number and what is wrong.
     static Script parse(std::istream& text, const std::string& name);
 
-    /// Reads a file. Throws UsageError, also when it cannot be read.
+    /// Reads a file. Throws ScriptError, also when it cannot be read.
     static Script read(const std::filesystem::path& path);
 };
 

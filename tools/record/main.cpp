@@ -5,12 +5,13 @@
 #include "StandardStreams.h"
 
 #include <cstdio>
-#include <new>
 
 namespace {
 
 namespace fs = std::filesystem;
 using record::Options;
+
+constexpr const char* PROGRAM = "kelpix-record";
 
 /// Goes to the media; relative names of the options become absolute before.
 void enterMedia(Options& options)
@@ -33,19 +34,15 @@ void enterMedia(Options& options)
         for (const std::string& name : missing) {
             names += " " + name;
         }
-        std::fprintf(stderr, "kelpix-record: missing in %s:%s\n", folder.c_str(), names.c_str());
+        std::fprintf(stderr, "%s: missing in %s:%s\n", PROGRAM, folder.c_str(), names.c_str());
     }
 }
 
 int run(const std::vector<std::string>& arguments)
 {
     Options options = record::parseOptions(arguments);
-    if (options.help) {
-        std::fputs(record::usage(), stdout);
-        return 0;
-    }
-    if (options.version) {
-        std::puts("kelpix-record " KELPIX_VERSION);
+    if (options.action != commandline::Action::work) {
+        commandline::answer(options.action, PROGRAM, record::usage());
         return 0;
     }
     record::Script script;
@@ -58,23 +55,25 @@ int run(const std::vector<std::string>& arguments)
     return 0;
 }
 
+/// As run, with the statuses of what is no failure of the program.
+int runOrEndEarly(const std::vector<std::string>& arguments)
+{
+    try {
+        return run(arguments);
+    } catch (const record::ScriptError& error) {
+        std::fprintf(stderr, "%s: %s\n", PROGRAM, error.what());
+        return 2;
+    } catch (const record::Interruption& interruption) {
+        return 128 + interruption.signal;
+    }
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
 {
     secureStandardStreams();
-    try {
-        return run({argv + (argc > 0 ? 1 : 0), argv + argc});
-    } catch (const record::UsageError& error) {
-        std::fprintf(stderr, "kelpix-record: %s\n", error.what());
-        return 2;
-    } catch (const record::Interruption& interruption) {
-        return 128 + interruption.signal;
-    } catch (const std::bad_alloc&) {
-        std::fprintf(stderr, "kelpix-record: not enough memory\n");
-        return 1;
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "kelpix-record: %s\n", error.what());
-        return 1;
-    }
+    return commandline::run(PROGRAM, [&] {
+        return runOrEndEarly({argv + (argc > 0 ? 1 : 0), argv + argc});
+    });
 }

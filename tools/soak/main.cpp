@@ -9,11 +9,11 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <exception>
 #include <memory>
 
 namespace {
 
+constexpr const char* PROGRAM = "kelpix-soak";
 constexpr int SIZE = 740; // pixels, the program's window
 constexpr std::int64_t STEPS_PER_MINUTE = 60 * Stage::STEPS_PER_SECOND;
 
@@ -24,7 +24,7 @@ void checkFinished()
 {
     if (!finished) {
         std::fflush(stdout);
-        std::fprintf(stderr, "kelpix-soak: the scene has ended early\n");
+        std::fprintf(stderr, "%s: the scene has ended early\n", PROGRAM);
         std::_Exit(1);
     }
 }
@@ -34,7 +34,7 @@ void enterMedia(const soak::Options& options)
 {
     const std::filesystem::path folder = mediaToPlay(options.media, KELPIX_MEDIA_FROM_PROGRAM);
     if (!options.media.empty() && !std::filesystem::is_directory(folder)) {
-        throw soak::UsageError("there is no folder \"" + folder.string() + "\"");
+        throw commandline::UsageError("there is no folder \"" + folder.string() + "\"");
     }
     if (!std::filesystem::exists(folder / "data/mocap.txt")) {
         throw std::runtime_error("no media in " + folder.string() +
@@ -110,7 +110,7 @@ std::vector<soak::Sample> play(Stage& stage, const soak::Options& options)
 }
 
 /// Plays the scene of one seed and prints how it went. \return whether all goals are met
-bool run(const soak::Options& options, Stage::Voice voice, unsigned seed)
+bool playAndJudge(const soak::Options& options, Stage::Voice voice, unsigned seed)
 {
     const auto start = std::chrono::steady_clock::now();
     nullgl::reset();
@@ -128,36 +128,28 @@ bool run(const soak::Options& options, Stage::Voice voice, unsigned seed)
     return all;
 }
 
+int run(const std::vector<std::string>& arguments)
+{
+    const soak::Options options = soak::parseOptions(arguments);
+    if (options.action != commandline::Action::work) {
+        commandline::answer(options.action, PROGRAM, soak::usage());
+        return 0;
+    }
+    enterMedia(options);
+    MediaFolder::reportMissingFiles();
+    std::atexit(checkFinished);
+    const Stage::Voice voice = voiceOf(options);
+    bool all = true;
+    for (const unsigned seed : options.seeds) {
+        all = playAndJudge(options, voice, seed) && all;
+    }
+    finished = true;
+    return all ? 0 : 1;
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
 {
-    try {
-        const soak::Options options = soak::parseOptions({argv + 1, argv + argc});
-        if (options.help) {
-            std::fputs(soak::usage().c_str(), stdout);
-            return 0;
-        }
-        if (options.version) {
-            std::puts("kelpix-soak " KELPIX_VERSION);
-            return 0;
-        }
-        enterMedia(options);
-        MediaFolder::reportMissingFiles();
-        std::atexit(checkFinished);
-        const Stage::Voice voice = voiceOf(options);
-        bool all = true;
-        for (const unsigned seed : options.seeds) {
-            all = run(options, voice, seed) && all;
-        }
-        finished = true;
-        return all ? 0 : 1;
-    } catch (const soak::UsageError& error) {
-        std::fprintf(stderr, "kelpix-soak: %s\nkelpix-soak --help lists the options.\n",
-                     error.what());
-        return 2;
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "kelpix-soak: %s\n", error.what());
-        return 1;
-    }
+    return commandline::run(PROGRAM, [&] { return run({argv + (argc > 0 ? 1 : 0), argv + argc}); });
 }

@@ -169,10 +169,12 @@ TEST_F(MediaProgramTest, SaysWhatIsWrongWithTheCommandLine)
         {"--colour red", "unknown option \"--colour\""},
         {"set", "unknown option \"set\""},
         {"--out", "--out needs a value"},
-        {"--out set --seed x", "--seed takes a number from 0 to 18446744073709551615, not \"x\""},
-        {"--out set --water 1000", "--water takes a power of two, not \"1000\""},
-        {"--out set --seconds 10", "--seconds takes a number from 20 to 600, not \"10\""},
-        {"--out set --only whale", "--only takes one of voice, "},
+        {"--out set --seed x",
+         "--seed takes a whole number from 0 to 18446744073709551615, not \"x\""},
+        {"--out set --water 1000", "--water takes a power of two from 64 to 4096, not \"1000\""},
+        {"--out set --seconds 10", "--seconds takes a whole number from 20 to 600, not \"10\""},
+        {"--out set --only=whale", "--only takes one of voice, "},
+        {"--check set --seed=1", "--check DIR goes with no other option"},
     };
     for (const auto& [arguments, message] : lines) {
         EXPECT_EQ(run(arguments), 2) << arguments;

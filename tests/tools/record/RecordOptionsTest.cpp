@@ -8,7 +8,6 @@ namespace {
 using record::Options;
 using record::parseOptions;
 using record::SECOND;
-using record::UsageError;
 
 TEST(RecordOptionsTest, DefaultsMakeHalfAMinuteAsInTheWindow)
 {
@@ -24,8 +23,7 @@ TEST(RecordOptionsTest, DefaultsMakeHalfAMinuteAsInTheWindow)
     EXPECT_EQ(options.media, "");
     EXPECT_EQ(options.script, "");
     EXPECT_THAT(options.encoderOptions, testing::IsEmpty());
-    EXPECT_FALSE(options.help);
-    EXPECT_FALSE(options.version);
+    EXPECT_EQ(options.action, commandline::Action::work);
 }
 
 TEST(RecordOptionsTest, AreTakenInAnyOrder)
@@ -56,8 +54,8 @@ TEST(RecordOptionsTest, AHashNeedsNoFile)
 
 TEST(RecordOptionsTest, HelpAndVersionNeedNothingElse)
 {
-    EXPECT_TRUE(parseOptions({"--help"}).help);
-    EXPECT_TRUE(parseOptions({"--seed", "3", "--version", "--nonsense"}).version);
+    EXPECT_EQ(parseOptions({"--help"}).action, commandline::Action::help);
+    EXPECT_EQ(parseOptions({"--version"}).action, commandline::Action::version);
 }
 
 struct BadLine {
@@ -72,7 +70,7 @@ TEST_P(RecordBadOptionsTest, SayWhatIsWrong)
     try {
         parseOptions(GetParam().arguments);
         FAIL() << "no error: " << GetParam().message;
-    } catch (const UsageError& error) {
+    } catch (const commandline::UsageError& error) {
         EXPECT_STREQ(error.what(), GetParam().message);
     }
 }
@@ -84,10 +82,7 @@ INSTANTIATE_TEST_SUITE_P(
         BadLine{{"--hash", "--png", "b.png"}, "--hash makes neither a film nor a picture"},
         BadLine{{"--out", "a.mp4", "--hash"}, "--hash makes neither a film nor a picture"},
         BadLine{{"--out", "a.mp4", "--png", "b.png"}, "--out and --png do not go together"},
-        BadLine{{"--png", "b.png", "--", "-crf", "1"}, "options behind -- are for films"},
-        BadLine{{"--out"}, "--out needs a value"}, BadLine{{"--out", ""}, "--out needs a value"},
-        BadLine{{"film.mp4"}, "unknown option \"film.mp4\""},
-        BadLine{{"--colour", "red"}, "unknown option \"--colour\""},
+        BadLine{{"--png", "b.png", "--", "-crf", "1"}, "options after -- are for films"},
         BadLine{{"--out", "film"},
                 "--out takes a name whose extension tells the kind of film, such as film.mp4, "
                 "not \"film\""},
@@ -148,7 +143,7 @@ TEST(RecordOptionsTest, APictureMayHaveAnySize)
 TEST(RecordOptionsTest, UsageNamesEveryOption)
 {
     for (const char* option : {"--out", "--png", "--hash", "--at", "--seconds", "--size", "--fps",
-                               "--seed", "--media", "--script", "--help", "--version"}) {
+                               "--seed", "--media", "--script"}) {
         EXPECT_THAT(record::usage(), testing::HasSubstr(std::string("\n  ") + option));
     }
 }

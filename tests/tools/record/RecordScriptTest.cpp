@@ -37,7 +37,7 @@ std::string errorOf(const std::string& text)
 {
     try {
         parse(text);
-    } catch (const record::UsageError& error) {
+    } catch (const record::ScriptError& error) {
         return error.what();
     }
     return "no error";
@@ -183,14 +183,14 @@ TEST(RecordScriptTest, SaysWhichFileCannotBeRead)
     try {
         Script::read("/nowhere/script.txt");
         FAIL();
-    } catch (const record::UsageError& error) {
+    } catch (const record::ScriptError& error) {
         EXPECT_STREQ(error.what(), "cannot read /nowhere/script.txt: No such file or directory");
     }
     for (const std::string path : {"/proc", "/dev/zero"}) {
         try {
             Script::read(path);
             FAIL();
-        } catch (const record::UsageError& error) {
+        } catch (const record::ScriptError& error) {
             EXPECT_EQ(error.what(), "cannot read " + path + ": not a file");
         }
     }
