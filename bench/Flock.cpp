@@ -1,6 +1,5 @@
 // One update of the whole world: the flock's steering, the figures and their tentacles.
 
-#include "FlockReference.h"
 #include "FlockWorld.h"
 #include "Job.h"
 
@@ -79,10 +78,10 @@ public:
     void restoreReference()
     {
         restore();
-        reference = std::make_unique<flock::World>(*environment);
+        reference = flock::literalCopyOf(*environment);
     }
     void update() { flock::update(*environment); }
-    void updateReference() { reference->update(); }
+    void updateReference() { reference->update(0); }
     std::uint64_t hash() { return flock::hashOf(*environment); }
     std::uint64_t hashReference() { return flock::hashOf(*reference); }
 

@@ -12,9 +12,13 @@
 #include <FL/Fl.H>
 #include <algorithm>
 #include <cstdlib>
+#include <map>
 
 namespace flock {
 namespace {
+
+using Twin = literal::Boid<float>;
+using TwinSensor = literal::Sensor<float>;
 
 constexpr unsigned SEED = 1;
 
@@ -52,6 +56,52 @@ void addFish(Environment& environment, int id)
     fish->setId(id);
     environment.attachChild(fish);
     fish->sensorList = &environment.sensorList;
+}
+
+literal::Triple<float> tripleOf(const Vec3& v)
+{
+    return {v.x, v.y, v.z};
+}
+
+std::unique_ptr<Twin> literalCopyOf(::Boid& boid, World& world)
+{
+    auto twin = std::make_unique<Twin>();
+    twin->transform = matrixOf(&boid);
+    twin->sprite = matrixOf(boid.boider);
+    twin->pos = tripleOf(boid.pos);
+    twin->vel = tripleOf(boid.vel);
+    twin->orientation = tripleOf(boid.orientation);
+    twin->flockCenter = tripleOf(boid.flockCenter);
+    twin->bubble = boid.type == BOID_BUBBLE;
+    twin->id = boid.boidId;
+    twin->searchRadius = boid.searchRadius;
+    twin->alive = boid.alive;
+    twin->outOfBound = boid.outOfBound;
+    if (boid.myBucket) {
+        const int cell = 10 * boid.myBucket->y() + boid.myBucket->x();
+        twin->cell = &world.cells.at(static_cast<std::size_t>(cell));
+    }
+    return twin;
+}
+
+std::unique_ptr<TwinSensor> literalCopyOf(::Sensor& sensor)
+{
+    auto twin = std::make_unique<TwinSensor>();
+    twin->id = sensor.sensorId;
+    twin->transform = matrixOf(&sensor);
+    twin->pos = tripleOf(sensor.pos);
+    twin->oldPos = tripleOf(sensor.pos_old);
+    twin->vel = tripleOf(sensor.vel);
+    twin->currentTilt = sensor.current_tilt;
+    twin->rep.transform = matrixOf(sensor.rep);
+    twin->rep.degree = sensor.rep->degree;
+    for (const Vertex* point : sensor.rep->tentacle) {
+        twin->rep.points.push_back(std::make_unique<literal::Triple<float>>(
+            literal::Triple<float>{point->x, point->y, 0}));
+    }
+    twin->rep.cosines = sensor.rep->cos_curve;
+    twin->rep.sines = sensor.rep->sin_curve;
+    return twin;
 }
 
 /// Hashes what two worlds have in common, in whatever types they hold it.
@@ -167,6 +217,32 @@ void Snapshot::restore() const
     std::srand(SEED);
 }
 
+std::unique_ptr<World> literalCopyOf(Environment& environment)
+{
+    auto world = std::make_unique<World>(SEED, literal::Recording<float>{});
+    std::map<const Node*, Twin*> twins;
+    for (Node* node : environment.children) {
+        if (isBoid(node)) {
+            auto twin = literalCopyOf(*static_cast<::Boid*>(node), *world);
+            twins[node] = twin.get();
+            world->add(std::move(twin));
+        } else {
+            auto& sensor = *static_cast<::Sensor*>(node);
+            const auto id = static_cast<std::size_t>(sensor.sensorId);
+            world->recording[id] = {tripleOf(recordedOf(sensor))};
+            world->add(literalCopyOf(sensor));
+        }
+    }
+    for (std::size_t i = 0; i < world->cells.size(); ++i) {
+        const Bucket& bucket = *environment.bucketIndex.index[i];
+        world->cells[i].vacated = bucket.nullboids.stack;
+        for (const Node* node : bucket.boidList) {
+            world->cells[i].slots.push_back(node ? twins.at(node) : nullptr);
+        }
+    }
+    return world;
+}
+
 std::uint64_t hashOf(Environment& environment)
 {
     Hash hash;
@@ -191,26 +267,26 @@ std::uint64_t hashOf(Environment& environment)
     return hash.value;
 }
 
-std::uint64_t hashOf(const World& world)
+std::uint64_t hashOf(World& world)
 {
     Hash hash;
     for (const World::Child& child : world.children) {
-        if (const Boid* boid = child.boid.get()) {
-            hash.addMatrix(boid->transform);
-            hash.addMatrix(boid->sprite);
-            hash.add(boid->pos, boid->vel, boid->orientation, boid->flockCenter);
+        if (const auto* boid = std::get_if<std::unique_ptr<Twin>>(&child)) {
+            hash.addMatrix((*boid)->transform);
+            hash.addMatrix((*boid)->sprite);
+            hash.add((*boid)->pos, (*boid)->vel, (*boid)->orientation, (*boid)->flockCenter);
             continue;
         }
-        const Sensor& sensor = *child.sensor;
+        const auto& sensor = **std::get_if<std::unique_ptr<TwinSensor>>(&child);
         hash.addMatrix(sensor.transform);
-        hash.addMatrix(sensor.body);
-        hash.add(sensor.pos, sensor.old, sensor.vel);
-        hash.addFloats({sensor.tilt, sensor.degree});
-        for (const Vec* point : sensor.tentacle) {
+        hash.addMatrix(sensor.rep.transform);
+        hash.add(sensor.pos, sensor.oldPos, sensor.vel);
+        hash.addFloats({sensor.currentTilt, sensor.rep.degree});
+        for (const auto& point : sensor.rep.points) {
             hash.addFloats({point->x, point->y});
         }
     }
-    hash.addFloats({static_cast<float>(std::rand())});
+    hash.addFloats({static_cast<float>(world.random.next())});
     return hash.value;
 }
 

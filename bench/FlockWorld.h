@@ -1,13 +1,13 @@
 #pragma once
 
-#include "FlockReference.h"
-
 #include "BucketIndex.h"
+#include "LiteralWorld.h"
 #include "SensorRep.h"
 #include "Vector.h"
 
 #include <cstdint>
 #include <list>
+#include <memory>
 #include <vector>
 
 class Boid;
@@ -16,6 +16,9 @@ class Sensor;
 
 /// The scene's world with a chosen number of fish, at a tick to which it can be brought back.
 namespace flock {
+
+using Mat = literal::Mat<float>;
+using World = literal::World<float>;
 
 /// An environment with three figures and \p fish fish (100 at least), after so many ticks from a
 /// fixed seed. Lives until the program ends. Plays the recording below the working directory.
@@ -58,8 +61,12 @@ private:
     std::vector<Cell> cells;
 };
 
+/// The literal world in the state of an environment, with the random numbers of a fixed seed to
+/// come. Its recording is the current step alone, step 0.
+std::unique_ptr<World> literalCopyOf(Environment& environment);
+
 /// Hashes the state of all boids and figures, and the next random number.
 std::uint64_t hashOf(Environment& environment);
-std::uint64_t hashOf(const World& world);
+std::uint64_t hashOf(World& world);
 
 } // namespace flock

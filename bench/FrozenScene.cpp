@@ -6,52 +6,49 @@
 #include "Boider.h"
 #include "Environment.h"
 #include "Frustum.h"
+#include "LiteralBoid.h"
+#include "LiteralSensor.h"
 #include "Sensor.h"
 #include "SensorRep.h"
-
-#include <cmath>
 
 namespace {
 
 constexpr int SECONDS = 10;
 constexpr Stage::Voice VOICE = {120 * 44100, 44100};
 constexpr unsigned SEED = 1;
-constexpr float RADIANS = 0.017453277f; // in a degree
 
-/// A bubble's outline: a circle, each point scaled by the cosine of its angle to the velocity.
 std::vector<float> outlineOf(const Boid& boid)
 {
-    const float speed = boid.vel.length();
-    const float phase = RADIANS * static_cast<float>(boid.counter) * speed / 10.0f;
-    const float radius = static_cast<float>(20.0 * std::cos(static_cast<double>(phase)));
+    literal::Boid<float> twin;
+    twin.vel = {boid.vel.x, boid.vel.y, boid.vel.z};
+    twin.counter = boid.counter;
     std::vector<float> points;
-    for (int degree = 0; degree < 360; ++degree) {
-        const double angle = static_cast<double>(RADIANS * static_cast<float>(degree));
-        const Vec3 point(static_cast<float>(static_cast<double>(radius) * std::cos(angle)),
-                         static_cast<float>(static_cast<double>(radius) * std::sin(angle)), 0);
-        const float scale = Vec3::DotProduct(boid.vel, point) / (speed * point.length());
-        points.push_back(scale * point.x);
-        points.push_back(scale * point.y);
-    }
+    twin.outline([&points](float x, float y) {
+        points.push_back(x);
+        points.push_back(y);
+    });
     return points;
 }
 
-std::vector<float> tentacleOf(const SensorRep& rep, const std::list<float>& wave, float side)
+std::array<std::vector<float>, 3> tentaclesOf(const SensorRep& rep)
 {
-    const float dy = 0.005f + rep.vel->y * 0.05f;
-    float drop = 0;
-    float grow = 1;
-    float amp = 0;
-    auto swing = wave.begin();
-    std::vector<float> points;
-    for (const Vertex* v : rep.tentacle) {
-        points.push_back(v->x * grow + (*swing++ * amp + side));
-        points.push_back(v->y * grow - drop);
-        drop += dy;
-        grow = 1.025f * grow;
-        amp += 0.05f;
+    literal::Tentacles<float> twin;
+    for (const Vertex* point : rep.tentacle) {
+        twin.points.push_back(std::make_unique<literal::Triple<float>>(
+            literal::Triple<float>{point->x, point->y, 0}));
     }
-    return points;
+    twin.cosines = rep.cos_curve;
+    twin.sines = rep.sin_curve;
+    std::array<std::vector<float>, 3> strips;
+    auto strip = strips.begin();
+    for (const auto& points : twin.strips({rep.vel->x, rep.vel->y, rep.vel->z})) {
+        for (const auto& [x, y] : points) {
+            strip->push_back(x);
+            strip->push_back(y);
+        }
+        ++strip;
+    }
+    return strips;
 }
 
 } // namespace
@@ -100,11 +97,7 @@ void FrozenScene::addFigure(SensorRep& rep)
 {
     counters.push_back({&rep.counter, rep.counter});
     const int frame = rep.counter == 0 ? 1 : rep.counter;
-    figures.push_back({rep.glWorldMatrix(),
-                       frame,
-                       rep.baseAnim[frame],
-                       {tentacleOf(rep, rep.cos_curve, 0), tentacleOf(rep, rep.sin_curve, 0.025f),
-                        tentacleOf(rep, rep.sin_curve, -0.025f)}});
+    figures.push_back({rep.glWorldMatrix(), frame, rep.baseAnim[frame], tentaclesOf(rep)});
 }
 
 void FrozenScene::restore()

@@ -97,9 +97,9 @@ osg::ref_ptr<osg::Geometry> newBody(const bench::ReadyBody::Frame& frame, const 
     for (const auto& segment : frame.segments) {
         const auto add = [&](int i, int j) {
             const float* p = frame.points[i][j];
-            points->push_back(osg::Vec3(p[0] * segment.scale[0],
-                                        p[1] * segment.scale[1] + segment.y,
-                                        p[2] * segment.scale[2]) *
+            points->push_back(osg::Vec3(p[0] * segment.scale.x,
+                                        p[1] * segment.scale.y + segment.shift,
+                                        p[2] * segment.scale.z) *
                               0.3f);
         };
         for (int i = 1; i < bench::ReadyBody::ROWS; ++i) {

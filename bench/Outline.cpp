@@ -5,8 +5,8 @@
 #include "VertexGL.h"
 
 #include "Boid.h"
+#include "LiteralBoid.h"
 
-#include <cmath>
 #include <memory>
 #include <random>
 #include <vector>
@@ -18,29 +18,16 @@ constexpr int POINTS = 360;
 
 using Bubbles = std::vector<std::unique_ptr<Boid>>;
 
-float length(float x, float y, float z)
-{
-    return static_cast<float>(std::sqrt(static_cast<double>(x * x + y * y + z * z)));
-}
-
 void literalOutline(const Boid& bubble)
 {
-    const float speed = length(bubble.vel.x, bubble.vel.y, bubble.vel.z);
-    const float phase = DEG2RAD * static_cast<float>(bubble.counter) * speed / 10.0f;
-    const float radius = static_cast<float>(20.0 * std::cos(static_cast<double>(phase)));
+    literal::Boid<float> twin;
+    twin.vel = {bubble.vel.x, bubble.vel.y, bubble.vel.z};
+    twin.counter = bubble.counter;
     glEnable(GL_BLEND);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     glColor4f(0.8f, 0.8f, 1.0f, 0.5f);
     glBegin(GL_LINE_LOOP);
-    for (int i = 0; i < POINTS; ++i) {
-        const auto degInRad = static_cast<double>(DEG2RAD * static_cast<float>(i));
-        const auto x = static_cast<float>(static_cast<double>(radius) * std::cos(degInRad));
-        const auto y = static_cast<float>(static_cast<double>(radius) * std::sin(degInRad));
-        const float dot = bubble.vel.x * x + bubble.vel.y * y + bubble.vel.z * 0;
-        const float scale =
-            dot / (length(bubble.vel.x, bubble.vel.y, bubble.vel.z) * length(x, y, 0));
-        glVertex2f(scale * x, scale * y);
-    }
+    twin.outline([](float x, float y) { glVertex2f(x, y); });
     glEnd();
     glDisable(GL_BLEND);
 }

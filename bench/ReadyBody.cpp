@@ -4,27 +4,8 @@
 
 #include "SensorRep.h"
 
-#include <cmath>
-
 namespace bench {
 namespace {
-
-constexpr float RADIANS = 0.017453277f; // in a degree
-
-ReadyBody::Segment segment(int frame, int k)
-{
-    const float a = static_cast<float>(0.2 * k);
-    const double g = static_cast<double>(RADIANS * (static_cast<float>(frame) * 1.5f));
-    const float sA = static_cast<float>(1 + std::fabs(std::sin(g)));
-    const float cA = static_cast<float>(1.5 + std::fabs(std::cos(g)));
-    const float kk = 1 / (a * 10 + 1);
-    const double da = static_cast<double>(a);
-    const double dk = static_cast<double>(kk);
-    return {static_cast<float>(0.3 * -da),
-            {static_cast<float>(dk * (static_cast<double>(sA) * 0.15000000000000002)),
-             static_cast<float>((1 + da * 10) * (static_cast<double>(cA) * 0.03 * dk)),
-             static_cast<float>(da * (dk * 0.1))}};
-}
 
 void corner(float s, float t, const float* point)
 {
@@ -55,7 +36,7 @@ ReadyBody ReadyBody::compute()
     for (int f = 0; f < FRAMES; ++f) {
         Frame& frame = body.frames.emplace_back();
         for (int k = 0; k < SEGMENTS; ++k) {
-            frame.segments[static_cast<std::size_t>(k)] = segment(f, k);
+            frame.segments[static_cast<std::size_t>(k)] = literal::bodySegment<float>(f, k);
         }
         for (int i = 0; i < ROWS; ++i) {
             for (int j = 0; j < COLUMNS; ++j) {
@@ -80,8 +61,8 @@ unsigned ReadyBody::compile() const
         glPushMatrix();
         for (const Segment& s : frame.segments) {
             glPushMatrix();
-            glTranslatef(0, s.y, 0);
-            glScalef(s.scale[0], s.scale[1], s.scale[2]);
+            glTranslatef(0, s.shift, 0);
+            glScalef(s.scale.x, s.scale.y, s.scale.z);
             drawSegment(frame);
             glPopMatrix();
         }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "LiteralBody.h"
+
 #include <array>
 #include <vector>
 
@@ -9,14 +11,11 @@ namespace bench {
 /// costs the GL calls and nothing else.
 struct ReadyBody {
     static constexpr int FRAMES = 240;
-    static constexpr int SEGMENTS = 6;
+    static constexpr int SEGMENTS = literal::BODY_SEGMENTS;
     static constexpr int ROWS = 16;
     static constexpr int COLUMNS = 17;
 
-    struct Segment {
-        float y;
-        std::array<float, 3> scale;
-    };
+    using Segment = literal::Segment<float>;
     struct Frame {
         std::array<Segment, SEGMENTS> segments;
         float points[ROWS][COLUMNS][3];

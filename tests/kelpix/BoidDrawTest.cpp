@@ -2,7 +2,6 @@
 
 #include "Boider.h"
 #include "ExactFeedback.h"
-#include "ReferenceBoid.h"
 #include "TestBoids.h"
 
 #include <cmath>
@@ -28,7 +27,8 @@ TEST_F(BoidDrawTest, ABubblesOutlineIsTheReferencesToTheBit)
         expected.vel = toTriple(bubble->vel);
         expected.counter = counter;
         const auto lines = outlineOf(bubble);
-        const auto points = expected.outline();
+        std::vector<std::array<Single, 2>> points;
+        expected.outline([&](Single x, Single y) { points.push_back({x, y}); });
         ASSERT_EQ(lines.size(), 360u);
         for (std::size_t i = 0; i < 360; ++i) {
             EXPECT_EQ(lines[i].vertices[0].x, points[i][0].value) << "point " << i;

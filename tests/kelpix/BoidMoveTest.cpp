@@ -1,7 +1,6 @@
 #include "Boid.h"
 
 #include "Boider.h"
-#include "ReferenceBoid.h"
 #include "TestBoids.h"
 
 #include <cmath>
@@ -253,21 +252,23 @@ TEST_F(BoidMoveTest, ManyStepsInRandomCompanyAreTheReferencesToTheBit)
             others.emplace_back(false, toTriple(boid->pos + offset));
             others.back().vel = toTriple(velocity);
         }
-        std::vector<const reference::Boid*> otherPointers;
-        for (const reference::Boid& other : others) {
+        std::vector<reference::Boid*> otherPointers;
+        for (reference::Boid& other : others) {
             otherPointers.push_back(&other);
         }
-        std::vector<reference::Triple> sensors;
-        for (int k = 0; k < 3; ++k) {
+        std::array<reference::Triple, 3> sensors;
+        std::vector<const reference::Triple*> sensorPointers;
+        for (reference::Triple& sensor : sensors) {
             const Vec3 at = boid->pos + Vec3(between(-0.3f, 0.3f), between(-0.3f, 0.3f), 0);
             company.addSensor(at);
-            sensors.push_back(toTriple(at));
+            sensor = toTriple(at);
+            sensorPointers.push_back(&sensor);
         }
 
         std::srand(n);
         ReferenceRandom random(n);
         boid->move(&neighbours, &neighbours);
-        expected.move(otherPointers, sensors, random);
+        expected.move(otherPointers, otherPointers, sensorPointers, random);
         SCOPED_TRACE(n);
         ASSERT_THAT(boid->vel, SameTriple(expected.vel));
         ASSERT_THAT(boid->orientation, SameTriple(expected.orientation));

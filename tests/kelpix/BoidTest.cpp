@@ -2,7 +2,6 @@
 
 #include "Boider.h"
 #include "BucketIndex.h"
-#include "ReferenceBoid.h"
 #include "ReferenceMatchers.h"
 #include "TestBoids.h"
 

@@ -1,9 +1,7 @@
 #include "SensorRep.h"
 
 #include "ExactFeedback.h"
-#include "ReferenceBody.h"
 #include "ReferenceMatchers.h"
-#include "ReferenceSensor.h"
 
 #include <cmath>
 #include <cstdlib>

@@ -1,8 +1,11 @@
 #pragma once
 
 #include "Bits.h"
-#include "ReferenceMath.h"
+#include "Reference.h"
 #include "Vector.h"
+
+#include <algorithm>
+#include <list>
 
 /// What the tests compare with the reference code, to the bit.
 
@@ -24,6 +27,13 @@ inline bool same(const float* actual, const reference::Mat& expected)
         }
     }
     return true;
+}
+
+/// As many numbers, and the same ones in the same order.
+inline bool same(const std::list<float>& actual, const std::list<Single>& expected)
+{
+    return std::equal(actual.begin(), actual.end(), expected.begin(), expected.end(),
+                      [](float a, Single e) { return same(a, e); });
 }
 
 MATCHER_P(SameTriple, expected, "")

@@ -3,8 +3,8 @@
 #include <cmath>
 #include <compare>
 
-/// A float whose every operation is rounded on its own, whatever the compiler makes of neighbouring
-/// statements: what the reference code of the tests computes with. A double becomes a Single only
+/// A float each of whose operations is rounded on its own, whatever the compiler makes of
+/// neighboring statements: the number type of the tests' reference. A double becomes a Single only
 /// where the code says so.
 class Single {
 public:
@@ -16,6 +16,7 @@ public:
     explicit Single(int v) : value(rounded(static_cast<float>(v))) {}
 
     double wide() const { return static_cast<double>(value); }
+    explicit operator int() const { return static_cast<int>(value); }
 
     friend Single operator+(Single a, Single b) { return rounded(a.value + b.value); }
     friend Single operator-(Single a, Single b) { return rounded(a.value - b.value); }
@@ -32,6 +33,11 @@ private:
         return stored;
     }
 };
+
+inline double wide(Single a)
+{
+    return a.wide();
+}
 
 inline Single magnitude(Single a)
 {
