@@ -31,8 +31,8 @@ std::shared_ptr<Stage> newStage()
         std::for_each(place, place + 2, [](float& x) { x = std::clamp(x, 0.1f, 0.9f); });
     }
     stage->draw();
-    if (stage->graph.node_count != NODES) {
-        std::printf("%d nodes are in view, not %d\n", stage->graph.node_count, NODES);
+    if (stage->scene.graph.node_count != NODES) {
+        std::printf("%d nodes are in view, not %d\n", stage->scene.graph.node_count, NODES);
         std::exit(1);
     }
     return stage;
@@ -57,7 +57,7 @@ bench::Job walk()
     return {"walk over 209 nodes",
             "node",
             NODES,
-            {{"kelpix", [stage] { stage->graph.draw(); }, noBubbles},
+            {{"kelpix", [stage] { stage->scene.graph.draw(); }, noBubbles},
              {"limit", [matrices] {
                   for (int i = 0; i < NODES; ++i) {
                       enterAndLeave(matrices->data(), matrices->data() + 16);

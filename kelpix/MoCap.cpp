@@ -1,6 +1,7 @@
 #include "MoCap.h"
 
 #include "OpenFile.h"
+#include "Rates.h"
 #include "TextWords.h"
 
 #include <FL/Fl.H>
@@ -175,5 +176,5 @@ void dataTimer(void* arg)
         const float fraction = mocap.sound == nullptr ? 0 : mocap.sound->getPlaybackOffset();
         mocap.step = MoCap::stepAt(mocap.numSteps, fraction);
     }
-    Fl::repeat_timeout(1.0 / 90.0, dataTimer, arg);
+    Fl::repeat_timeout(1.0 / Rates::CLOCK_TICKS, dataTimer, arg);
 }

@@ -1,12 +1,10 @@
 #include "AppManager.h"
-#include "Environment.h"
 #include "FreeType.h"
 #include "MediaFolder.h"
 #include "OggSound.h"
-#include "PivotNode.h"
-#include "RootNode.h"
-#include "SceneGraph.h"
+#include "Rates.h"
 #include "StandardStreams.h"
+#include "UnderwaterScene.h"
 #include "Window.h"
 
 #include <AL/alc.h>
@@ -27,7 +25,7 @@ void drawCallback(Window*)
 {
 }
 
-/// Closes the sound device however the process ends, or OpenAL would complain of it.
+/// Closes the sound device however the process ends: OpenAL prints a warning when it is left open.
 void closeSound()
 {
     if (alcGetCurrentContext()) {
@@ -44,9 +42,9 @@ OggSound* loadSound(const char* path)
     return sound;
 }
 
-/// Stands in for the toolkit's own handler, which would end the process without unwinding: no
-/// display is the failure that people meet.
-[[noreturn]] void onToolkitFailure(const char* format, ...)
+/// Called by FLTK when it cannot go on, most often because there is no display. Throws, where
+/// FLTK's own handler would end the process without unwinding.
+[[noreturn]] void onFltkFailure(const char* format, ...)
 {
     char text[256];
     va_list arguments;
@@ -68,37 +66,21 @@ int runScene(int argc, char** argv)
                              "ALSOFT_DRIVERS=null plays to nowhere and lets them move.\n");
     }
 
-    SceneGraph sceneGraph;
-    auto* root = new RootNode;
-    root->setName("root");
-    auto* pivot = new PivotNode;
-    pivot->setName("pivot");
+    UnderwaterScene scene; // so far its graph, root and pivot
 
     OggSound* voice = loadSound("sound/magpie_vocal.ogg");
     OggSound* bubbles = loadSound("sound/bubbles_sound.ogg");
     voice->setVolume(1.5f);
     bubbles->setVolume(0.2f);
 
-    Node* water = new Environment(voice);
-    water->scale(1.2f, 1.2f, 1.0f);
-    water->translate(-0.5f, -0.5f, 0.0f);
-    water->setName("water");
-    root->attachChild(pivot);
-    pivot->attachChild(water);
-    sceneGraph.setRootNode(root);
-    sceneGraph.setPivotNode(pivot);
+    // A hundred fish, three figures and the grid; starts the clock of the recording.
+    scene.addWater(voice);
 
     auto* manager = new AppManager;
     auto* window = new Window(1, 0, 0, 740, 740);
-    window->getRender()->getCamera()->setProjType(1);
-    window->setOffset(0, 0);
-    window->border(1);
-    window->end();
-    window->setFont(&our_font);
-    window->setDrawCallback(drawCallback);
-    window->getRender()->setSG(&sceneGraph);
+    scene.showIn(*window, our_font, drawCallback);
     manager->addWindow(window);
-    manager->addTimeouts(40, 40);
+    manager->addTimeouts(Rates::UPDATES, Rates::REDRAWS);
     if (!window->shown()) {
         throw std::runtime_error("kelpix: no window: the display offers no OpenGL with double "
                                  "buffering, accumulation, alpha and depth.");
@@ -123,7 +105,7 @@ int main(int argc, char* argv[])
     secureStandardStreams();
     // Messages reach a log while the scene runs, in order with those on standard error.
     std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
-    Fl::fatal = onToolkitFailure;
+    Fl::fatal = onFltkFailure;
     try {
         MediaFolder::reportMissingFiles();
         return runScene(argc, argv);

@@ -1,6 +1,7 @@
 #include "CheckMotion.h"
 
 #include "Choreography.h"
+#include "Rates.h"
 
 #include <algorithm>
 #include <cmath>
@@ -8,8 +9,6 @@
 namespace media {
 
 namespace {
-
-constexpr double UPDATES_PER_SECOND = 40;
 
 /// Where the scene puts a figure for a recorded position.
 Point worldOf(Point recorded, int figure)
@@ -32,9 +31,8 @@ std::string at(double seconds)
 std::vector<Point> updatesOf(const Motion& motion)
 {
     // A day of voice is beyond what the scene can hold.
-    const double most = 86400 * UPDATES_PER_SECOND;
-    const auto updates =
-        static_cast<std::size_t>(std::min(motion.seconds * UPDATES_PER_SECOND, most));
+    const double most = 86400.0 * Rates::UPDATES;
+    const auto updates = static_cast<std::size_t>(std::min(motion.seconds * Rates::UPDATES, most));
     std::vector<Point> places;
     for (std::size_t i = 0; i <= updates; ++i) {
         const double fraction =
@@ -57,7 +55,7 @@ void checkSpeed(const Motion& motion, const std::vector<Point>& places, FileRepo
     double firstJagged = 0;
     for (std::size_t i = 1; i < places.size(); ++i) {
         const Point v = places[i] - places[i - 1];
-        const double seconds = static_cast<double>(i) / UPDATES_PER_SECOND;
+        const double seconds = static_cast<double>(i) / Rates::UPDATES;
         if (std::abs(v.x) > STANDS || std::abs(v.y) > STANDS) {
             firstStand = stands++ == 0 ? seconds : firstStand;
         } else if (length(v) > JAGGED) {
@@ -88,14 +86,14 @@ void checkPlace(const Motion& motion, const std::vector<Point>& places, FileRepo
         const bool beside = p.x < 0 || p.x > 1;
         seen += !beside && p.y >= 0 && p.y <= 1 ? 1 : 0;
         if (beside || p.y > 1 || p.y < BELOW) {
-            firstAstray = astray++ == 0 ? static_cast<double>(i) / UPDATES_PER_SECOND : firstAstray;
+            firstAstray = astray++ == 0 ? static_cast<double>(i) / Rates::UPDATES : firstAstray;
         }
     }
     if (seen == 0) {
         report.wrong(nameOf(motion.figure) + " is never in the picture");
     } else if (astray > 0) {
         report.hint(nameOf(motion.figure) + " leaves the picture, first at " + at(firstAstray) +
-                    ", for " + at(static_cast<double>(astray) / UPDATES_PER_SECOND) + " in all");
+                    ", for " + at(static_cast<double>(astray) / Rates::UPDATES) + " in all");
     }
 }
 

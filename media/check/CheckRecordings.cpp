@@ -3,6 +3,7 @@
 #include "CheckMotion.h"
 #include "CheckRecording.h"
 #include "Choreography.h"
+#include "Rates.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -109,11 +110,10 @@ void checkEnd(const Index& index, const std::vector<Recording>& recordings, std:
 
 void checkRate(std::size_t steps, double seconds, FileReport& report)
 {
-    constexpr double UPDATES_PER_SECOND = 40;
-    constexpr double SAFE = RECORDS_PER_SECOND * 0.99;
+    constexpr double SAFE = Rates::RECORDS * 0.99;
     const double rate = static_cast<double>(steps) / seconds;
     const std::string has = "has " + decimal(rate, 1) + " records for each second of the voice";
-    if (rate < UPDATES_PER_SECOND) {
+    if (rate < Rates::UPDATES) {
         report.wrong(has + ": a record that two updates meet shrinks, so the figures jerk towards "
                            "the lower edge; 90 are right");
     } else if (rate < SAFE) {
@@ -153,7 +153,7 @@ void checkPaths(const Index& index, const std::vector<Recording>& recordings, do
     const std::size_t steps = recordings[shortest].positions.size();
     checkEnd(index, recordings, steps, reports.front());
     checkLengths(index, recordings, shortest, reports[1 + shortest]);
-    const double length = seconds > 0 ? seconds : static_cast<double>(steps) / RECORDS_PER_SECOND;
+    const double length = seconds > 0 ? seconds : static_cast<double>(steps) / Rates::RECORDS;
     checkRate(steps, length, reports[1 + shortest]);
     for (int figure = 0; figure < SHOWN; ++figure) {
         const Source source = sourceOf(figure, index);

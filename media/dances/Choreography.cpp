@@ -1,5 +1,7 @@
 #include "Choreography.h"
 
+#include "Rates.h"
+
 namespace media {
 
 namespace {
@@ -146,9 +148,9 @@ std::vector<Pose> choreograph(const Score& score, bool marked)
     std::array<Figure, FIGURES> figures = {Figure(0, marked), Figure(1, marked), Figure(2, marked)};
     std::vector<Pose> poses;
     std::size_t cue = 0; // the phrase that is being danced, or comes next
-    const int last = RECORDS_PER_SECOND * score.seconds;
+    const int last = Rates::RECORDS * score.seconds;
     for (int i = 0; i <= last; ++i) {
-        const double now = static_cast<double>(i) / RECORDS_PER_SECOND;
+        const double now = static_cast<double>(i) / Rates::RECORDS;
         if (cue < score.cues.size() && now >= score.cues[cue].start + PHRASE) {
             for (std::size_t k = 0; k < FIGURES; ++k) {
                 figures[k].arrive(placeOf(score.cues[cue], k));

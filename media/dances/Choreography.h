@@ -6,8 +6,6 @@
 
 namespace media {
 
-constexpr int RECORDS_PER_SECOND = 90;
-
 /// Where the figures are at one moment, in the scene's world: x to the right, y up, the picture is
 /// 0 .. 1.
 using Pose = std::array<Point, FIGURES>;
@@ -17,7 +15,7 @@ using Pose = std::array<Point, FIGURES>;
 /// \param figure  0, 1 or 2, from the right to the left
 Point homeOf(int figure);
 
-/// The paths of the figures, RECORDS_PER_SECOND * seconds + 1 poses from the first moment of the
+/// The paths of the figures, Rates::RECORDS * seconds + 1 poses from the first moment of the
 /// voice to its last. They are smooth (no jump in place or speed), start and end at home, and
 /// follow the phrases: a stroke upwards as a phrase begins, a slow arc on the held vowel, then the
 /// figure rights itself and sinks in the rest.

@@ -1,6 +1,7 @@
 #include "Dance.h"
 
 #include "Choreography.h"
+#include "Rates.h"
 
 #include <cstdio>
 
@@ -45,7 +46,7 @@ std::string writeRecords(const std::vector<Pose>& poses, std::size_t count)
     std::string text;
     for (std::size_t i = 0; i < count; ++i) {
         char time[32];
-        std::snprintf(time, sizeof time, "%.4f", static_cast<double>(i) / RECORDS_PER_SECOND);
+        std::snprintf(time, sizeof time, "%.4f", static_cast<double>(i) / Rates::RECORDS);
         text += time;
         for (std::size_t k = 0; k < FIGURES; ++k) {
             const Point off = (poses[i][k] - homeOf(static_cast<int>(k))) * (1 / SENSOR_SCALE);

@@ -122,7 +122,7 @@ TEST_F(StageTest, TheSameSeedGivesTheSameSceneToTheBit)
 void compare(const Stage& stage, reference::Scene& plain)
 {
     ASSERT_EQ(emitt, plain.sinceEmission);
-    ASSERT_EQ(stage.graph.node_count, plain.visibleNodes);
+    ASSERT_EQ(stage.scene.graph.node_count, plain.visibleNodes);
     ASSERT_EQ(stage.water->children.size(), plain.children.size());
     auto node = stage.water->children.begin();
     for (const reference::Scene::Child& expected : plain.children) {

@@ -238,9 +238,9 @@ TEST_F(StateHashTest, EachPartShowsWhatItStandsFor)
     expectChange("bodies");
     sensor.rep->sin_curve.back() += 1;
     expectChange("bodies");
-    stage->graph.rootNode->translate(0.001f, 0, 0);
+    stage->scene.graph.rootNode->translate(0.001f, 0, 0);
     expectChange("view");
-    stage->graph.pivotNode->rotate(0, 0, 1, 1);
+    stage->scene.graph.pivotNode->rotate(0, 0, 1, 1);
     expectChange("view");
     stage->water->scale(2, 2, 1);
     expectChange("view");

@@ -2,8 +2,6 @@
 
 #include "Environment.h"
 #include "MoCap.h"
-#include "PivotNode.h"
-#include "RootNode.h"
 #include "Sensor.h"
 
 #include <cstdlib>
@@ -11,45 +9,31 @@
 
 namespace {
 
-/// A seeded environment: the random numbers go into its fish, in the order of their making. The
-/// process may have played another scene before.
-Environment* newEnvironment(unsigned seed)
+/// Adds the water as a process does that has just started: its random numbers are those after
+/// srand(\p seed), and no frame has been drawn yet.
+Environment* addWater(UnderwaterScene& scene, unsigned seed)
 {
     static auto* const all = new std::vector<Environment*>; // they stay reachable
     emitt = 0;
     std::srand(seed);
-    all->push_back(new Environment(nullptr));
-    return all->back();
+    scene.addWater(nullptr);
+    all->push_back(scene.water);
+    return scene.water;
 }
 
 } // namespace
 
 Stage::Stage(int width, int height, unsigned seed, Voice voice)
-    : window(1, 0, 0, width, height), water(newEnvironment(seed)),
-      recording(static_cast<Sensor*>(water->sensorList.front())->mocap), clockVoice(voice)
+    : water(addWater(scene, seed)),
+      recording(static_cast<Sensor*>(water->sensorList.front())->mocap),
+      window(1, 0, 0, width, height), clockVoice(voice)
 {
-    auto* root = new RootNode;
-    root->setName("root");
-    auto* pivot = new PivotNode;
-    pivot->setName("pivot");
-    water->scale(1.2f, 1.2f, 1.0f);
-    water->translate(-0.5f, -0.5f, 0.0f);
-    water->setName("water");
-    root->attachChild(pivot);
-    pivot->attachChild(water);
-    graph.setRootNode(root);
-    graph.setPivotNode(pivot);
-
-    window.getRender()->getCamera()->setProjType(1);
-    window.setOffset(0, 0);
-    window.end();
-    window.setFont(&font);
-    window.getRender()->setSG(&graph);
+    scene.showIn(window, font, nullptr);
 }
 
 Stage::~Stage()
 {
-    // Not by font_data::clean: the context may be gone by now.
+    // Not by font_data::clean, which needs the GL context: it may be gone by now.
     delete[] font.textures;
 }
 
@@ -57,7 +41,7 @@ void Stage::update()
 {
     const std::int64_t tick = updates * TICKS_PER_SECOND / STEPS_PER_SECOND;
     recording->step = MoCap::stepAt(recording->numSteps, voicePosition(clockVoice, tick));
-    graph.update();
+    scene.graph.update();
     ++updates;
 }
 

@@ -1,54 +1,55 @@
 #pragma once
 
 #include "FreeType.h"
-#include "SceneGraph.h"
+#include "Rates.h"
 #include "StateHash.h"
+#include "UnderwaterScene.h"
 #include "Window.h"
 
 #include <cstdint>
 
-class Environment;
 class MoCap;
 
 /// The program's scene on a virtual clock: the same nodes, updates and draws as in the window, but
-/// played as fast as somebody asks for them, without timers, sound device or display. The same seed
-/// and the same calls give the same scene to the bit.
+/// played as fast as the caller asks for them, without timers, sound device or display. The same
+/// seed and the same calls give the same scene to the bit.
 ///
 /// Time goes in steps of a fortieth of a second, the program's rate of updates and of redraws. The
-/// recording follows the position that the voice would have at its last tick, 90 a second.
+/// step of the recording is that of the latest tick of the program's motion-capture clock, 90 a
+/// second, for a voice that plays in virtual time.
 ///
-/// One at a time: random numbers and the count of draws between bubbles are the process's. A new
-/// stage begins both anew.
+/// Use one stage at a time: the random numbers and the count of draws between bubbles belong to the
+/// process, and a new stage starts both anew.
 ///
-/// Plays the media below the working directory, and ends the process as their readers do.
+/// Plays the media below the working directory, and ends the process where their readers do.
 class Stage {
 public:
-    static constexpr int STEPS_PER_SECOND = 40;
-    static constexpr int TICKS_PER_SECOND = 90;
+    static constexpr int STEPS_PER_SECOND = Rates::UPDATES;
+    static constexpr int TICKS_PER_SECOND = Rates::CLOCK_TICKS;
 
-    /// The voice that the figures follow, as far as a clock needs it.
+    /// What the clock needs to know of the voice.
     struct Voice {
         std::int64_t samples; ///< length; 0: the figures rest, as without a sound device
         int rate;             ///< samples per second
     };
 
-    /// Never shown: it takes input by Window::handle, and it is the camera.
-    Window window;
-    SceneGraph graph;
-    Environment* water; ///< lives until the process ends, as the program's does
+    UnderwaterScene scene;
+    Environment* water; ///< the scene's; lives until the process ends
     MoCap* recording;   ///< borrows; the environment's
+    Window window;      ///< never shown: it holds the camera, and takes input by Window::handle
 
     /// Builds the scene as the program does after srand(\p seed). Makes no GL call.
     /// \param width,height  of what is drawn, pixels
     Stage(int width, int height, unsigned seed, Voice voice);
 
-    /// The nodes live until the process ends, lists and textures as long as their GL context.
+    /// Frees neither nodes nor GL objects: nodes live until the process ends, display lists and
+    /// textures as long as their GL context.
     ~Stage();
     Stage(const Stage&) = delete;
     Stage& operator=(const Stage&) = delete;
 
-    /// One fortieth of a second: moves the recording to the time of the last tick and updates every
-    /// node. The first call is that of time 0. Needs no GL context.
+    /// One step, a fortieth of a second: sets the step of the recording and updates every node. The
+    /// first call is that of time 0. Needs no GL context.
     void update();
 
     /// Draws one frame into the current framebuffer, as the window does; the program draws once
@@ -59,8 +60,8 @@ public:
     /// The state of the scene in numbers; see StateHash.
     StateHash hash() const { return hashOf(*water, window); }
 
-    /// Where the voice is after so many ticks of the clock: the fraction played, as OggSound tells
-    /// it; 0 after the end.
+    /// The fraction of the voice that is played after so many ticks, as
+    /// OggSound::getPlaybackOffset gives it; 0 after the end.
     static float voicePosition(Voice voice, std::int64_t tick);
 
 private:

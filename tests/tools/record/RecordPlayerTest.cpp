@@ -119,7 +119,7 @@ protected:
     {
         // The nodes of a scene live until the process ends.
         static auto* const roots = new std::vector<Node*>;
-        roots->push_back(stage.graph.rootNode);
+        roots->push_back(stage.scene.graph.rootNode);
     }
 
     void play(const std::string& text, int steps)
@@ -132,8 +132,8 @@ protected:
         }
     }
 
-    const float* root() const { return stage.graph.rootNode->transformmat; }
-    const float* pivot() const { return stage.graph.pivotNode->transformmat; }
+    const float* root() const { return stage.scene.graph.rootNode->transformmat; }
+    const float* pivot() const { return stage.scene.graph.pivotNode->transformmat; }
 };
 
 TEST_F(RecordPlayerTest, TheWheelZooms)
