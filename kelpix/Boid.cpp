@@ -15,14 +15,74 @@
 
 namespace {
 
-/// Where the wall tests look: a hundredth of the velocity ahead.
-double predicted(float position, float velocity)
+// The steering, tuned by eye. Distances are world units (the world is 1 wide), changes of the
+// velocity are units of the boid's own frame, a thousandth of the world. Whether a constant is
+// single or double is part of the arithmetic.
+
+// Neighbors: other boids within this distance.
+constexpr float SEARCH_RADIUS = 0.1f;
+
+// Cohesion and alignment: shares of the way to the flock's center and to its mean velocity that the
+// velocity takes over. Far from the center alignment counts double.
+constexpr float COHESION = 0.14f;
+constexpr float ALIGNMENT = 0.04f;
+constexpr float FAR_FROM_CENTER = 0.125f;
+constexpr float FAR_ALIGNMENT_FACTOR = 2.0f;
+
+// Walls: a boid that would be beyond one after LOOK_AHEAD of its velocity is pushed back.
+constexpr double LOOK_AHEAD = 0.01;
+constexpr double LOWER_WALL = 0.05; // left and bottom
+constexpr double UPPER_WALL = 0.95; // right and top
+constexpr float WALL_PUSH = 0.5f;
+
+// Avoidance of the closest neighbor, if it is within the radius; harder within half of it. The kick
+// is the separation times random factors times AVOIDANCE.
+constexpr float AVOIDANCE_RADIUS = 0.03f;
+constexpr float AVOIDANCE = 2.2f;
+
+// The closest sensor pulls within its reach. Bubbles that are very close are thrown away from it.
+constexpr float SENSOR_REACH = 0.25f;
+constexpr float SENSOR_PULL = 2.0f;
+constexpr double BUBBLE_THROW_RADIUS = 0.1;
+constexpr float BUBBLE_THROW = 25.0f;
+
+// Bubbles rise to a point above the middle of the top edge.
+constexpr float BUBBLE_GOAL_X = 0.5f;
+constexpr float BUBBLE_GOAL_Y = 1.5f;
+constexpr float BUBBLE_RISE = 0.65f;
+
+// Largest absolute component of the velocity.
+constexpr float SPEED_LIMIT = 7.0f;
+
+constexpr float DEGREES_PER_RADIAN = 57.295776f;
+
+/// Random factors of an avoidance: from half the strength to one and a half of it, exclusive.
+struct AvoidanceStrength {
+    int far;  ///< within AVOIDANCE_RADIUS
+    int near; ///< within half of it
+};
+
+AvoidanceStrength strengthOf(BOID_COLLISION_MODE mode)
 {
-    return static_cast<double>(position) + 0.01 * static_cast<double>(velocity);
+    switch (mode) {
+    case HARDBOUNCE:
+        return {16, 120};
+    case BOUNCE:
+        return {8, 40};
+    default:
+        return {4, 4};
+    }
 }
 
-/// The cells around the boid that is updated; kept for its memory.
-std::vector<Bucket*> cells;
+/// Where the boid will be for the wall tests.
+double predicted(float position, float velocity)
+{
+    return static_cast<double>(position) + LOOK_AHEAD * static_cast<double>(velocity);
+}
+
+/// Scratch memory of doupdate: the cells around the boid that is being updated. Kept, so that an
+/// update allocates nothing.
+std::vector<Bucket*> cellsAround;
 
 struct Direction {
     double cosine, sine;
@@ -55,7 +115,7 @@ Boid::Boid(Texture* blt) : bubbleTex(blt)
     const int s = std::rand();
     vel.set(static_cast<float>(s % 100 - 50) / 10.0f, static_cast<float>(r % 100 - 50) / 10.0f, 0);
     orientation.set(0, 1, 0);
-    searchRadius = 0.1f;
+    searchRadius = SEARCH_RADIUS;
 }
 
 void Boid::initialize()
@@ -65,7 +125,8 @@ void Boid::initialize()
 
 void Boid::cleanup()
 {
-    // Only one that other code let die is still in its cell: outside the grid it has left it.
+    // A boid that leaves the grid has left its cell already. One that other code killed is still
+    // in it: without this its cell would keep a pointer to a deleted boid.
     if (myBucket) {
         myBucket->forget(this);
         myBucket = nullptr;
@@ -101,7 +162,8 @@ void Boid::draw()
     glEnable(GL_BLEND);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     glColor4f(0.8f, 0.8f, 1.0f, 0.5f);
-    // Two lobes along the velocity: the circle scaled by the cosine of the angle to the heading.
+    // A circle, each point scaled by the cosine of its angle to the velocity: a figure of eight
+    // along the velocity.
     glBegin(GL_LINE_LOOP);
     for (const Direction& direction : outlineDirections()) {
         const float x = static_cast<float>(static_cast<double>(radius) * direction.cosine);
@@ -113,7 +175,8 @@ void Boid::draw()
     glEnd();
     glDisable(GL_BLEND);
 
-    // Two steps a frame: the animation's speed depends on it.
+    // Fixed behavior: the phase advances by 2 for each frame and wraps from 360 to 2. Pinned by
+    // BoidDrawTest.EveryDrawAdvancesTheOutlineByTwo; do not correct.
     counter = (counter + 1) % 360 + 1;
 }
 
@@ -133,12 +196,12 @@ void Boid::doupdate()
         return;
     }
 
-    // Its own cell and the one before it along each axis, and the one after it only when it is in
-    // the upper half of its cell: the rectangle's upper bound is exclusive.
-    cells.clear();
-    grid->query(&cells, x - 1.0f, y - 1.0f, x + 1.5f, y + 1.5f);
-    const Neighborhood neighbors = Neighborhood::inCells(cells, *this);
-    // It swims with the same boids that it avoids.
+    // The upper bounds of the rectangle are exclusive: along each axis it finds the boid's own
+    // cell, the cell before it, and the cell after it if the boid is in the upper half of its own.
+    cellsAround.clear();
+    grid->query(&cellsAround, x - 1.0f, y - 1.0f, x + 1.5f, y + 1.5f);
+    const Neighborhood neighbors = Neighborhood::inCells(cellsAround, *this);
+    // All neighbors are flockmates: the closest one to avoid is the closest of them.
     steer(neighbors, neighbors.closest);
 }
 
@@ -199,11 +262,11 @@ void Boid::steer(const Neighborhood& flockmates, Boid* closest)
     }
     moveToClosestSensor();
     if (type == BOID_BUBBLE) {
-        vel = vel + (Vec3(0.5f, 1.5f, 0) - pos) * 0.65f;
+        vel = vel + (Vec3(BUBBLE_GOAL_X, BUBBLE_GOAL_Y, 0) - pos) * BUBBLE_RISE;
     }
     turnSprite();
     orientation = vel;
-    vel.limit(7.0f);
+    vel.limit(SPEED_LIMIT);
     translate(vel.x, vel.y, vel.z);
 }
 
@@ -216,29 +279,29 @@ void Boid::flock(const Neighborhood& flockmates)
 
     Vec3 center_bias = center - pos;
     Vec3 avgvel_bias = avgvelocity - vel;
-    if (Vec3::EuclDistance(center, pos) >= 0.125f) {
-        avgvel_bias = avgvel_bias * 2.0f;
+    if (Vec3::EuclDistance(center, pos) >= FAR_FROM_CENTER) {
+        avgvel_bias = avgvel_bias * FAR_ALIGNMENT_FACTOR;
     }
-    center_bias = center_bias * 0.14f;
-    avgvel_bias = avgvel_bias * 0.04f;
+    center_bias = center_bias * COHESION;
+    avgvel_bias = avgvel_bias * ALIGNMENT;
     vel = vel + center_bias;
     vel = vel + avgvel_bias;
 }
 
 void Boid::avoidWalls()
 {
-    if (0.05 >= predicted(pos.x, vel.x)) {
-        vel.x += 0.5f;
+    if (LOWER_WALL >= predicted(pos.x, vel.x)) {
+        vel.x += WALL_PUSH;
     }
-    if (predicted(pos.x, vel.x) >= 0.95) {
-        vel.x -= 0.5f;
+    if (predicted(pos.x, vel.x) >= UPPER_WALL) {
+        vel.x -= WALL_PUSH;
     }
-    if (0.05 >= predicted(pos.y, vel.y)) {
-        vel.y += 0.5f;
+    if (LOWER_WALL >= predicted(pos.y, vel.y)) {
+        vel.y += WALL_PUSH;
     }
-    // No wall above a bubble: it leaves through the top.
-    if (type != BOID_BUBBLE && predicted(pos.y, vel.y) >= 0.95) {
-        vel.y -= 0.5f;
+    // There is no wall above a bubble: it leaves through the top.
+    if (type != BOID_BUBBLE && predicted(pos.y, vel.y) >= UPPER_WALL) {
+        vel.y -= WALL_PUSH;
     }
 }
 
@@ -254,7 +317,7 @@ void Boid::bounceOff(Boid* closest)
     Vec3 avoid;
     getAvoidVector(avoid, closest, BOUNCE);
     if (avoid.isnonzero()) {
-        vel = vel + avoid * 2.2f;
+        vel = vel + avoid * AVOIDANCE;
     }
 }
 
@@ -274,14 +337,11 @@ void Boid::getAvoidVector(Vec3& avoid, Boid* boid, BOID_COLLISION_MODE mode)
 {
     const float distance = Vec3::EuclDistance(pos, boid->pos);
     const Vec3 separation = pos - boid->pos;
-    const int initial = mode == HARDBOUNCE ? 16 : mode == BOUNCE ? 8 : 4;
-    const int secondary = mode == HARDBOUNCE ? 120 : mode == BOUNCE ? 40 : 4;
-    const float cruiseDistance = 0.03f;
     int strength = 0;
-    if (cruiseDistance / 2 > distance) {
-        strength = secondary;
-    } else if (cruiseDistance > distance) {
-        strength = initial;
+    if (AVOIDANCE_RADIUS / 2 > distance) {
+        strength = strengthOf(mode).near;
+    } else if (AVOIDANCE_RADIUS > distance) {
+        strength = strengthOf(mode).far;
     } else {
         return;
     }
@@ -324,13 +384,13 @@ void Boid::moveToClosestSensor()
         std::puts("sensor not found");
         return;
     }
-    if (!(0.25f > distance)) {
+    if (!(SENSOR_REACH > distance)) {
         return;
     }
-    if (type == BOID_BUBBLE && 0.1 > static_cast<double>(distance)) {
-        vel = vel + (pos - closest->pos) * 25.0f;
+    if (type == BOID_BUBBLE && BUBBLE_THROW_RADIUS > static_cast<double>(distance)) {
+        vel = vel + (pos - closest->pos) * BUBBLE_THROW;
     } else {
-        vel = vel + (closest->pos - pos) * 2.0f;
+        vel = vel + (closest->pos - pos) * SENSOR_PULL;
     }
 }
 
@@ -340,8 +400,8 @@ void Boid::turnSprite()
     heading.normalize();
     Vec3 target = vel;
     target.normalize();
-    const float degrees = 57.295776f * Vec3::AngleBetween(heading, target);
-    // False for NaN too: a boid at rest has no angle and keeps its sprite as it is.
+    const float degrees = DEGREES_PER_RADIAN * Vec3::AngleBetween(heading, target);
+    // NaN fails this test too: a boid at rest has no heading, and its sprite is not turned.
     if (!boider || !(-180 <= degrees && degrees <= 180)) {
         return;
     }

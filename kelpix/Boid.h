@@ -17,27 +17,27 @@ enum BOID_COLLISION_MODE { HARDBOUNCE, BOUNCE, SOFT };
 
 /// One fish or one bubble in the unit square of an Environment, its parent.
 ///
-/// Each update it finds its neighbours through the environment's grid and steers: cohesion and
-/// alignment with them, away from the walls, a kick away from the closest one, towards the closest
-/// sensor (a bubble very near is thrown away from it), and for a bubble up and out through the top.
-/// After Craig Reynolds, "Flocks, Herds, and Schools: A Distributed Behavioral Model" (SIGGRAPH
-/// 1987), with constants tuned by eye. A boid that leaves the grid dies.
+/// At each update it finds its neighbors through the environment's grid and steers, in this order:
+/// cohesion and alignment with the neighbors, away from the walls, a kick away from the closest
+/// neighbor, towards the closest sensor (a bubble very close to it is thrown away from it), and for
+/// a bubble up and out through the top. After Craig Reynolds, "Flocks, Herds, and Schools: A
+/// Distributed Behavioral Model" (SIGGRAPH 1987). A boid that leaves the grid dies.
 ///
-/// Positions are in world units (0..1). The boid's transform is scaled by 0.001, so its velocity
-/// counts thousandths of the world per update. Random numbers come from rand(); how many are drawn,
-/// and in which order, is part of the behaviour.
+/// The numbers of the steering stand at the top of Boid.cpp. Positions are in world units (0..1).
+/// The boid's transform is scaled by 0.001, so its velocity counts thousandths of the world per
+/// update. Random numbers come from rand(); their number and order are part of the behavior.
 class Boid : public Node {
 public:
     Vec3 pos;         ///< world units, from the transform at the start of each update
     Vec3 vel;         ///< units of the boid's scaled frame per update
-    Vec3 orientation; ///< velocity of the last update, not normalised: what the sprite shows
-    Vec3 flockCenter; ///< last centre of the flockmates, world units
+    Vec3 orientation; ///< velocity of the last update, not normalized: what the sprite shows
+    Vec3 flockCenter; ///< center of the flockmates when there were any, world units
     std::vector<Node*>* obstacleList = nullptr; ///< not used
     std::vector<Node*>* sensorList = nullptr;   ///< borrows; Sensors, set by the creator
     BOID_TYPE type = BOID_FISH;                 ///< set by the creator
     BBox bbox;                                  ///< not used
     bool initialized = false;
-    float searchRadius = 0;       ///< how far a neighbour may be, world units
+    float searchRadius = 0;       ///< how far away a neighbor may be, world units
     int boidId = 0;               ///< fish 0..99, every bubble 10; set by the creator
     Bucket* myBucket = nullptr;   ///< borrows; the grid cell it is registered in, or null
     Boider* boider = nullptr;     ///< owns; the sprite, also its child
@@ -53,7 +53,7 @@ public:
     /// \param blt  texture of its sprite, borrowed
     explicit Boid(Texture* blt);
 
-    /// Only notes that it was called.
+    /// Only sets initialized.
     void initialize();
 
     void setId(int id) { boidId = id; }
@@ -66,8 +66,8 @@ public:
     /// Needs: current GL context. Changes: colour, blend function; disables blending.
     void draw() override;
 
-    /// One step: registers in the grid, steers, turns the sprite and moves, or dies outside.
-    /// Does nothing without a parent.
+    /// One step: registers in the grid, steers, turns the sprite and moves; outside the grid it
+    /// dies instead. Does nothing without a parent.
     void doupdate() override;
 
     void drawBBox() override {}
@@ -81,7 +81,7 @@ public:
     Geometry* getGeometry() override { return nullptr; }
     void print() override {}
 
-    /// Leaves its cell of the grid, which must still be there, and deletes the sprite.
+    /// Leaves its cell of the grid, which must still exist, and deletes the sprite.
     /// Needs: current GL context if the sprite was drawn.
     void cleanup() override;
 
@@ -98,32 +98,35 @@ public:
 
     void updateFlockingCenter(const Vec3& center) { flockCenter = center; }
 
-    /// Kicks the velocity away from the closest of \p all, if that is near.
+    /// Kicks the velocity away from the closest of \p all, if that is within the avoidance radius.
     void doBoidCollision(std::vector<Boid*>* all);
 
-    /// \return the closest of \p neighbors, the earlier one of two equally close; null for none
+    /// \return the closest of \p neighbors, the earlier one in a tie; null for none
     Boid* getClosest(std::vector<Boid*>* neighbors);
 
-    /// Writes a repulsion away from \p boid: the separation times random factors from three numbers
-    /// of rand(). Leaves \p avoid untouched when the boid is not within 0.03.
+    /// Writes a repulsion away from \p boid: the separation, each component times a random factor
+    /// from one number of rand(). \p mode and the distance set the range of the factors. Leaves
+    /// \p avoid untouched when the boid is not within the avoidance radius.
     void getAvoidVector(Vec3& avoid, Boid* boid, BOID_COLLISION_MODE mode);
 
-    /// \return the closest Sensor of sensorList, the earlier one of two; null for none
+    /// \return the closest Sensor of sensorList, the earlier one in a tie; null for none
     Node* getClosestSensor();
 
-    /// Changes the velocity towards (or for a bubble within 0.1 away from) the closest sensor, if
-    /// that is within 0.25. Prints "sensor not found\n" when there is none.
+    /// Changes the velocity towards the closest sensor if that is within its reach, or away from it
+    /// for a bubble that is very close. Prints "sensor not found\n" when there is no sensor.
     void moveToClosestSensor();
 
 private:
     void enterGrid(Bucket* bucket);
-    /// What move does, with the flockmates summed up and the closest of all boids found. Steering
-    /// changes no position on the way, so that boid is still the closest when it is avoided.
+    /// One step of steering and moving.
+    /// \param closest  the closest of all boids, null for none. Found before the velocity changes:
+    ///                 no position changes during the steering, so it stays the closest.
     void steer(const Neighborhood& flockmates, Boid* closest);
     void flock(const Neighborhood& flockmates);
     void avoidWalls();
     void bounceOff(Boid* closest);
-    /// The closest sensor or null, and how far away it is if there is one.
+    /// \param distance  set to how far away it is, if there is one
+    /// \return the closest sensor or null
     Sensor* findSensor(float& distance);
     void turnSprite();
 };

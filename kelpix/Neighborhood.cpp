@@ -8,11 +8,15 @@
 
 namespace {
 
-// Room for the boids of a few cells and the squares of their distances, used again and again.
-std::vector<Boid*> boids;
-std::vector<double> squares;
+/// Scratch memory of inCells: kept from call to call, so that a search allocates nothing. Both have
+/// room for every boid of the cells; only the first entries are in use.
+struct Scratch {
+    std::vector<Boid*> candidates;
+    std::vector<double> squares; ///< of the candidates' distances; never shorter than candidates
+};
+Scratch scratch;
 
-/// largestSquareWithin, found once for all boids of the same radius.
+/// largestSquareWithin, with the last result kept: all boids have the same radius.
 double reachOf(float radius)
 {
     static float known = -1;
@@ -24,22 +28,21 @@ double reachOf(float radius)
     return reach;
 }
 
-// Empty slots, and boids in and out of reach, come in no order that a processor could foresee. Both
-// lists are therefore cut down without a branch: every entry is written, and the end moves on or
-// not.
+// Both functions below drop entries without a branch: each entry is written, and the end index
+// advances by 0 or 1. The processor could not predict such a branch.
 
-/// Lists the boids in the cells. \return their number
+/// Writes the boids in the cells into scratch.candidates. \return their number
 std::size_t listBoids(const std::vector<Bucket*>& cells)
 {
     std::size_t count = 0;
     for (const Bucket* cell : cells) {
         const std::vector<Node*>& slots = cell->boidList;
-        if (boids.size() < count + slots.size()) {
-            // This one first: it is then never the shorter one, wherever memory ends.
-            squares.resize(count + slots.size());
-            boids.resize(count + slots.size());
+        if (scratch.candidates.size() < count + slots.size()) {
+            // Squares first: if the second resize throws, squares is still long enough.
+            scratch.squares.resize(count + slots.size());
+            scratch.candidates.resize(count + slots.size());
         }
-        Boid** const list = boids.data();
+        Boid** const list = scratch.candidates.data();
         for (Node* node : slots) {
             list[count] = static_cast<Boid*>(node);
             count += node != nullptr;
@@ -48,13 +51,14 @@ std::size_t listBoids(const std::vector<Bucket*>& cells)
     return count;
 }
 
-/// Cuts the list down to the boids within the search radius. \return their number
+/// Keeps only the candidates within the search radius, and writes the squares of their distances.
+/// \return their number
 std::size_t keepNear(std::size_t count, const Boid& boid)
 {
     const double reach = reachOf(boid.searchRadius);
     const Vec3 pos = boid.pos;
-    Boid** const list = boids.data();
-    double* const square = squares.data();
+    Boid** const list = scratch.candidates.data();
+    double* const square = scratch.squares.data();
     std::size_t near = 0;
     for (std::size_t i = 0; i < count; ++i) {
         list[near] = list[i];
@@ -86,14 +90,14 @@ Neighborhood Neighborhood::inCells(const std::vector<Bucket*>& cells, const Boid
     Boid* closest = nullptr;
     Closest nearest;
     for (std::size_t i = 0; i < near; ++i) {
-        Boid* other = boids[i];
+        Boid* other = scratch.candidates[i];
         if (other->boidId == boid.boidId) {
             continue;
         }
         ++count;
         pos = pos + other->pos;
         vel = vel + other->vel;
-        if (nearest.isNearer(squares[i])) {
+        if (nearest.isNearer(scratch.squares[i])) {
             closest = other;
         }
     }
@@ -108,7 +112,8 @@ double largestSquareWithin(float radius)
     if (!isWithin(0)) {
         return -1;
     }
-    // Positive doubles are in the order of their bits, and their roots keep that order.
+    // A binary search over bit patterns: positive doubles are ordered as their bits are, and sqrt
+    // is monotonic.
     std::uint64_t within = 0;
     std::uint64_t last = std::bit_cast<std::uint64_t>(std::numeric_limits<double>::infinity());
     while (within < last) {

@@ -9,13 +9,13 @@
 class Boid;
 class Bucket;
 
-/// Finds the closest of several things, one by one, as comparing their distances in single
-/// precision would. A root is taken only for a thing that is nearer by its square: of two squares
-/// the greater one never has the lesser root, but two squares can have the same one.
+/// Finds the closest of a sequence of candidates. Distances are compared in single precision; the
+/// earlier candidate wins a tie. sqrt is monotonic: only a candidate with a smaller square can win,
+/// so only for these the root is taken. Two different squares may round to the same distance.
 class Closest {
 public:
     /// \param square  of a distance, in double precision
-    /// \return true when that distance is less than all before it, and than 100000
+    /// \return true when that distance is smaller than 100000 and than all distances before it
     bool isNearer(double square)
     {
         if (!(square < leastSquare)) {
@@ -30,7 +30,7 @@ public:
         return true;
     }
 
-    /// \return the least distance; 100000 for none
+    /// \return the smallest distance; 100000 for none
     float distance() const { return least; }
 
 private:
@@ -43,17 +43,18 @@ struct Neighborhood {
     int count = 0;
     Vec3 pos;                ///< sum of their positions, in their order; world units
     Vec3 vel;                ///< sum of their velocities, in their order
-    Boid* closest = nullptr; ///< borrows; the earlier one of two equally close
+    Boid* closest = nullptr; ///< borrows; the earlier one in a tie; null for none
 
-    /// Sums up a list, and looks for no closest one.
+    /// Sums up a list. Leaves closest null.
     static Neighborhood ofList(const std::vector<Boid*>& list);
 
-    /// Finds the boids in some cells that are within the search radius of \p boid and have another
-    /// id: cell by cell, in the order of their slots. Empty slots are passed over, and a boid whose
-    /// distance is not a number is not within any radius.
+    /// Finds the boids in \p cells that are within the search radius of \p boid and have another
+    /// id: cell by cell, in the order of their slots. Empty slots are skipped. A boid whose
+    /// distance is NaN is not within any radius.
     static Neighborhood inCells(const std::vector<Bucket*>& cells, const Boid& boid);
 };
 
-/// \return the largest square of a distance that is not above \p radius once its root is rounded to
-///         single precision; -1 when there is none
+/// \return the largest double whose root, rounded to single precision, is at most \p radius; -1
+/// when
+///         there is none
 double largestSquareWithin(float radius);
