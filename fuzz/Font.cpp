@@ -1,4 +1,5 @@
-/// The input is the height of a font, one byte, and the font file, of any kind that FreeType reads.
+/// The input is the height of a font, two bytes with the low one first, and the font file, of any
+/// kind that FreeType reads.
 
 #include "FreeType.h"
 #include "Harness.h"
@@ -8,6 +9,7 @@
 #include FT_BITMAP_H
 #include FT_GLYPH_H
 
+#include <cstdint>
 #include <stdexcept>
 
 extern "C" {
@@ -21,14 +23,14 @@ FT_Error __wrap_FT_Get_Glyph(FT_GlyphSlot slot, FT_Glyph* glyph)
 {
     return fuzz::memory::runsOut() ? FT_Err_Out_Of_Memory : __real_FT_Get_Glyph(slot, glyph);
 }
-// Glyphs count as four times as large, so that the largest that are rendered have 512 pixels: the
-// same code runs, and 128 of them take no second.
+// Glyphs count as eight times as large: the largest that are rendered have 512 pixels. The same
+// code runs, and 128 of them take less than a second.
 void __real_FT_Glyph_Get_CBox(FT_Glyph glyph, FT_UInt mode, FT_BBox* box);
 void __wrap_FT_Glyph_Get_CBox(FT_Glyph glyph, FT_UInt mode, FT_BBox* box)
 {
     __real_FT_Glyph_Get_CBox(glyph, mode, box);
-    box->xMax += 3 * (box->xMax - box->xMin);
-    box->yMax += 3 * (box->yMax - box->yMin);
+    box->xMax += 7 * (box->xMax - box->xMin);
+    box->yMax += 7 * (box->yMax - box->yMin);
 }
 FT_Error __real_FT_Bitmap_Convert(FT_Library library, const FT_Bitmap* from, FT_Bitmap* to,
                                   FT_Int alignment);
@@ -50,7 +52,7 @@ bool isDocumented(std::string_view failure)
            failure == "FT_New_Face failed (there is probably a problem with your font file)";
 }
 
-/// The textures are released, whatever happens.
+/// Cleans itself, also after an exception.
 struct Font : freetype::font_data {
     ~Font() { clean(); }
 };
@@ -59,10 +61,13 @@ struct Font : freetype::font_data {
 
 void fuzz::test(std::string_view input)
 {
-    const unsigned height = fuzz::Numbers(input.substr(0, 1)).take<unsigned char>();
-    const std::string path = place("font", input.substr(std::min<std::size_t>(input.size(), 1)));
+    constexpr std::size_t HEIGHT_BYTES = 2;
+    constexpr unsigned MAX_HEIGHT = 300;
+    const unsigned number = fuzz::Numbers(input.substr(0, HEIGHT_BYTES)).take<std::uint16_t>();
+    const unsigned height = number % (MAX_HEIGHT + 1);
+    const std::string path = place("font", input.substr(std::min(input.size(), HEIGHT_BYTES)));
     Font font;
-    freetype::make_dlist(nullptr, '\x80', 0, nullptr); // a character without a list
+    freetype::make_dlist(nullptr, '\x80', 0, nullptr); // a character without a display list
     try {
         call([&] { font.init(path.c_str(), height); });
         freetype::print(1, font, 1, 2, "%s\n%d", "text", 12);

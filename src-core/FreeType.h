@@ -4,19 +4,19 @@
 
 #include <vector>
 
-// What FreeType's FT_Face, FT_Library and FT_Bitmap stand for.
-struct FT_FaceRec_;
-struct FT_LibraryRec_;
-struct FT_Bitmap_;
+struct FT_FaceRec_; // the type behind FreeType's FT_Face
+struct Glyph;       // FontFile.h
 
-/// Text in a font file's glyphs: one GL texture and one display list for each 7-bit character.
+/// Text drawn with the glyphs of a font file: one GL texture and one display list for each 7-bit
+/// character.
 ///
-/// The list of a character draws a textured quad in the plane z = 0 of the modelview frame, 1 unit
-/// to a pixel, y upwards, the pen at the origin on the baseline, and then moves the frame to the
-/// right by the character's advance.
+/// The display list of a character draws a textured quad in the plane z = 0 of the modelview frame,
+/// 1 unit to a pixel, y upwards, the pen at the origin on the baseline. Then it translates the
+/// modelview matrix to the right by the character's advance.
 namespace freetype {
 
-/// A font at one size. Nothing is released by itself: clean does that while the GL context lives.
+/// A font at one size. Its GL objects live until clean is called: there is no destructor, because a
+/// GL context must be current then.
 struct font_data {
     float h = 0;                ///< height as given to init
     GLuint* textures = nullptr; ///< owns; 128 texture names, one for each character
@@ -26,22 +26,23 @@ struct font_data {
     font_data(const font_data&) = delete;
     font_data& operator=(const font_data&) = delete;
 
-    /// Makes the textures and lists of the characters 0 to 127. Of a font that was initialised
-    /// before, the names are forgotten and the GL objects stay with their context: a window calls
-    /// this again after its context was made anew.
+    /// Makes the textures and display lists of the characters 0 to 127. A second call makes new
+    /// ones and forgets the names of the earlier ones without deleting them: a window calls this
+    /// again when it has a new GL context, in which the earlier names mean nothing.
     ///
     /// Needs: current GL context, no display list open. Changes: the binding of GL_TEXTURE_2D.
-    /// \param fname   a file in any format that FreeType reads
+    /// \param fname   a regular file in any format that FreeType reads; may be null, which fails
     /// \param height  size of the font in points at 96 dots per inch: 12 makes an em of 16 pixels
     /// \throws std::runtime_error "FT_Init_FreeType failed", "FT_New_Face failed (there is probably
-    ///         a problem with your font file)", "FT_Load_Glyph failed", "FT_Get_Glyph failed", or
-    ///         the name of another function of FreeType that failed. A glyph more than 2048 pixels
-    ///         wide or high counts as one that FT_Glyph_To_Bitmap cannot render. The font can be
-    ///         cleaned or initialised again then, but not printed with
+    ///         a problem with your font file)", "FT_Load_Glyph failed", "FT_Get_Glyph failed",
+    ///         "FT_Glyph_To_Bitmap failed" or "FT_Bitmap_Convert failed". A glyph more than 4096
+    ///         pixels wide or high fails as FT_Glyph_To_Bitmap, and so do glyphs whose textures
+    ///         would have more than 2^29 texels together (2 GiB of 4 bytes each).
+    ///         After a failure the font can be cleaned or initialized again, but not printed with
     void init(const char* fname, unsigned int height);
 
-    /// Deletes the lists and textures. Needs: the GL context of init, current. Without a font, and
-    /// a second time, it does nothing.
+    /// Deletes the display lists and textures. Needs: the GL context of init, current. Before init,
+    /// and a second time, it does nothing.
     void clean();
 };
 
@@ -49,20 +50,22 @@ struct font_data {
 /// h / 0.63 units below the one before; "\n" starts a new line. The first line's pen starts at
 /// (x, y).
 ///
-/// Needs: current GL context, a font that was initialised. Changes: the blend function (to that of
-/// GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA), and the projection matrix as told below. Restores:
+/// Needs: current GL context, a font that was initialized. Changes: the blend function (to
+/// GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA) and the projection matrix stack (see below). Restores:
 /// everything else, the modelview matrix included.
+///
+/// Fixed behavior: every mode pops the projection matrix stack once at the end, also the modes that
+/// pushed nothing. The caller of a mode other than 1 pushes the projection matrix before. Pinned by
+/// FreeTypePrintTest.EveryModePopsTheProjectionMatrixOnce; do not correct.
 ///
 /// \param mode  1: (x, y) are pixels from the lower left corner of the viewport, and the projection
 ///              is set for that.
-///              0: the text hangs in the scene, shifted by (-10 * length of the whole text, -10) in
-///              the frame of the modelview matrix, a rough centring.
-///              Others: like 0, without the shift.
-///              After every mode the projection matrix stack is popped once, deliberately, also
-///              after those that pushed nothing: whoever uses a mode other than 1 has to push the
-///              projection matrix before
+///              0: (x, y) are units of the scene, shifted by (-10 * length of the whole text, -10)
+///              in the frame of the modelview matrix, which centers the text roughly.
+///              Others: like 0, without the shift
 /// \param x,y   start of the first line; the modelview matrix acts before this shift
-/// \param fmt   null counts as an empty text. Characters above 127 call the lists behind the font's
+/// \param fmt   null counts as an empty text. A character above 127 calls the display list with the
+///              number list_base + character, which is not one of the font's
 [[gnu::format(printf, 5, 6)]] void print(int mode, const font_data& font, float x, float y,
                                          const char* fmt, ...);
 
@@ -73,25 +76,24 @@ int next_p2(int a);
 /// list open. Changes: the binding of GL_TEXTURE_2D.
 /// \param face       a face whose size is set; its glyph slot changes
 /// \param ch         0 to 127; for others nothing happens
-/// \param list_base  the list becomes list_base + ch
+/// \param list_base  the display list gets the number list_base + ch
 /// \param tex_base   128 texture names; uses tex_base[ch]
 /// \throws std::runtime_error as font_data::init
 void make_dlist(FT_FaceRec_* face, char ch, GLuint list_base, const GLuint* tex_base);
 
-/// The image of a glyph's texture: the bitmap in the first corner of an image whose sides are
-/// powers of two, two bytes to a texel (luminance, alpha), both the coverage; the rest is 0. Row
-/// order stays: the first row is the top of the glyph. Needs no GL context.
-/// \param library  FreeType's FT_Library
-/// \param bitmap   FreeType's FT_Bitmap. Of 8-bit grey with the first row first, the rows are
-///                 taken as if they were not padded, whatever the pitch: deliberate, FreeType
-///                 renders without padding. Other kinds are converted.
-/// \return 2 * next_p2(width) * next_p2(rows) bytes
-/// \throws std::runtime_error "FT_Bitmap_Convert failed"
-std::vector<unsigned char> expand_bitmap(FT_LibraryRec_* library, const FT_Bitmap_& bitmap);
+/// The image of a glyph's texture: the glyph in the first corner of an image whose sides are powers
+/// of two. Two bytes to a texel, luminance and alpha, both the coverage; the rest is 0. The first
+/// row is the top of the glyph. Needs no GL context.
+/// \return 2 * next_p2(columns) * next_p2(rows) bytes
+std::vector<unsigned char> expand_bitmap(const Glyph& glyph);
 
-/// Pushes the projection matrix and sets one of pixels: the viewport's x to its width and its y to
-/// its height (which is the viewport when that starts at the origin). Needs: current GL context.
-/// Restores: the matrix mode.
+/// Pushes the projection matrix stack and loads an orthographic projection in pixels.
+///
+/// Fixed behavior: it spans the viewport's x to its width and the viewport's y to its height. That
+/// is the viewport itself only when that starts at the origin. Pinned by
+/// FreeTypePrintTest.TheScreenMatrixSpansTheViewport; do not correct.
+///
+/// Needs: current GL context. Restores: the matrix mode.
 void pushScreenCoordinateMatrix();
 
 /// Pops the projection matrix stack. Needs: current GL context. Restores: the matrix mode.

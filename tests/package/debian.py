@@ -66,8 +66,8 @@ class Packages(unittest.TestCase):
         self.assertFalse(files[0] & files[1])
 
     def test_every_header_of_the_framework_is_in(self):
-        folders = ["src-math", "src-rates", "src-image", "src-sound", "src-cluster", "src-core",
-                   "kelpix"]
+        folders = ["src-math", "src-rates", "src-image", "src-sound", "src-font", "src-cluster",
+                   "src-core", "kelpix"]
         private = {"ImageFile.h", "ObjLibrary.h", "ObjStore.h", "ObjText.h"}
         headers = {path.name for folder in folders for path in (ROOT / folder).rglob("*.h")}
         self.assertEqual({path.name for path in (USR / "include/kelpix").iterdir()}, headers - private)

@@ -1,5 +1,7 @@
 #include "FreeType.h"
 
+#include "FontFile.h"
+#include "FontSeed.h"
 #include "FontTest.h"
 #include "ImageFiles.h"
 
@@ -101,87 +103,26 @@ TEST(FreeTypeMathTest, NextPowerOfTwo)
     }
 }
 
-FT_Bitmap bitmapOf(Bytes& bytes, unsigned width, unsigned rows, int pitch, FT_Pixel_Mode mode)
-{
-    FT_Bitmap bitmap = {};
-    bitmap.buffer = bytes.data();
-    bitmap.width = width;
-    bitmap.rows = rows;
-    bitmap.pitch = pitch;
-    bitmap.pixel_mode = static_cast<unsigned char>(mode);
-    bitmap.num_grays = 256;
-    return bitmap;
-}
-
-/// The luminance bytes of an expanded image; the alpha bytes must be the same.
-Bytes luminance(const Bytes& expanded)
-{
-    Bytes values;
-    for (std::size_t i = 0; i < expanded.size(); i += 2) {
-        EXPECT_EQ(expanded[i], expanded[i + 1]);
-        values.push_back(expanded[i]);
-    }
-    return values;
-}
-
 TEST(FreeTypeMathTest, ExpandedBitmapLiesInTheFirstCorner)
 {
-    const Reference reference(POINTS);
-    Bytes bytes = noise(10, 13, 1).bytes;
-    const Bytes image = luminance(freetype::expand_bitmap(
-        reference.library, bitmapOf(bytes, 10, 13, 10, FT_PIXEL_MODE_GRAY)));
-    ASSERT_EQ(image.size(), 16u * 16u);
+    Glyph glyph;
+    glyph.columns = 10;
+    glyph.rows = 13;
+    glyph.coverage = noise(10, 13, 1).bytes;
+    const Bytes image = freetype::expand_bitmap(glyph);
+    ASSERT_EQ(image.size(), 2u * 16u * 16u);
     for (std::size_t j = 0; j < 16; ++j) {
         for (std::size_t i = 0; i < 16; ++i) {
-            EXPECT_EQ(image[16 * j + i], i < 10 && j < 13 ? bytes[10 * j + i] : 0);
+            const int value = i < 10 && j < 13 ? glyph.coverage[10 * j + i] : 0;
+            EXPECT_EQ(image[2 * (16 * j + i)], value);
+            EXPECT_EQ(image[2 * (16 * j + i) + 1], value);
         }
     }
 }
 
 TEST(FreeTypeMathTest, AnEmptyBitmapExpandsToOneTexel)
 {
-    const Reference reference(POINTS);
-    EXPECT_EQ(freetype::expand_bitmap(reference.library, FT_Bitmap{}), Bytes(2, 0));
-}
-
-TEST(FreeTypeMathTest, GreyRowsAreTakenWithoutTheirPadding)
-{
-    const Reference reference(POINTS);
-    Bytes bytes = {1, 2, 3, 4, 5, 6, 7, 8};
-    EXPECT_EQ(luminance(freetype::expand_bitmap(reference.library,
-                                                bitmapOf(bytes, 2, 2, 4, FT_PIXEL_MODE_GRAY))),
-              (Bytes{1, 2, 3, 4}));
-}
-
-TEST(FreeTypeMathTest, ABitmapWhoseLastRowComesFirstIsTurned)
-{
-    const Reference reference(POINTS);
-    Bytes bytes = {1, 2, 0, 0, 3, 4, 0, 0};
-    EXPECT_EQ(luminance(freetype::expand_bitmap(reference.library,
-                                                bitmapOf(bytes, 2, 2, -4, FT_PIXEL_MODE_GRAY))),
-              (Bytes{3, 4, 1, 2}));
-}
-
-TEST(FreeTypeMathTest, PixelsOfFewBitsCoverTheWholeRange)
-{
-    const Reference reference(POINTS);
-    Bytes mono = {0b10100000, 0b01000000};
-    EXPECT_EQ(luminance(freetype::expand_bitmap(reference.library,
-                                                bitmapOf(mono, 4, 2, 1, FT_PIXEL_MODE_MONO))),
-              (Bytes{255, 0, 255, 0, 0, 255, 0, 0}));
-    Bytes two = {0b00011011};
-    EXPECT_EQ(luminance(freetype::expand_bitmap(reference.library,
-                                                bitmapOf(two, 4, 1, 1, FT_PIXEL_MODE_GRAY2))),
-              (Bytes{0, 85, 170, 255}));
-}
-
-TEST(FreeTypeMathTest, ABitmapOfAnUnknownKindIsAnError)
-{
-    const Reference reference(POINTS);
-    Bytes bytes = {1};
-    EXPECT_THROW(
-        freetype::expand_bitmap(reference.library, bitmapOf(bytes, 1, 1, 1, FT_PIXEL_MODE_NONE)),
-        std::runtime_error);
+    EXPECT_EQ(freetype::expand_bitmap(Glyph{}), Bytes(2, 0));
 }
 
 TEST_F(FreeTypeTest, StartsEmptyAndCleaningDoesNothing)
@@ -382,8 +323,8 @@ TEST_F(FreeTypeTest, AnInitThatFailsHalfWayCanBeCleanedAndRepeated)
 
 TEST_F(FreeTypeTest, NoHeightTakesMemoryWithoutBound)
 {
-    // Glyphs of 2048 pixels and less fit; those of an em of 4000 and more do not.
-    for (const unsigned height : {3000u, 10000u, 20000u}) {
+    // Glyphs of 4096 pixels and less fit; those of an em of 13333 pixels and more do not.
+    for (const unsigned height : {10000u, 20000u}) {
         EXPECT_EQ(failure(FONT, height), "FT_Glyph_To_Bitmap failed") << height;
         font.clean();
     }
@@ -398,19 +339,24 @@ TEST_F(FreeTypeTest, NoHeightTakesMemoryWithoutBound)
     }
 }
 
-TEST_F(FreeTypeTest, AGlyphWiderThanATextureIsRefused)
+TEST_F(FreeTypeTest, AGlyphWithoutABitmapIsEmpty)
 {
-    std::string wide = "STARTFONT 2.1\n"
-                       "FONT -test-test-medium-r-normal--16-120-96-96-c-100-iso10646-1\n"
-                       "SIZE 12 96 96\nFONTBOUNDINGBOX 3000 16 0 -3\n"
-                       "STARTPROPERTIES 5\nPIXEL_SIZE 16\nFONT_ASCENT 13\nFONT_DESCENT 3\n"
-                       "CHARSET_REGISTRY \"ISO10646\"\nCHARSET_ENCODING \"1\"\nENDPROPERTIES\n"
-                       "CHARS 1\nSTARTCHAR A\nENCODING 65\nSWIDTH 500 0\nDWIDTH 14 0\n"
-                       "BBX 3000 1 0 0\nBITMAP\n" +
-                       std::string(750, 'F') + "\nENDCHAR\nENDFONT\n";
+    // Both claim 8 pixels in each direction. FreeType gives no pixels for the second.
     const TempPath path(".bdf");
-    path.write(Bytes(wide.begin(), wide.end()));
-    EXPECT_EQ(failure(path.name()), "FT_Glyph_To_Bitmap failed");
+    path.write(fontSeed("bdf"));
+    font.init(path.name(), POINTS);
+    EXPECT_EQ(quadsOf(font, 'A').size(), 1u);
+    font.clean();
+    path.write(fontSeed("bdf-no-bitmap"));
+    font.init(path.name(), POINTS);
+    GLint width = 0;
+    GLint height = 0;
+    EXPECT_EQ(texels(font.textures['A'], width, height), Bytes(4, 0));
+    EXPECT_EQ(width, 1);
+    EXPECT_EQ(height, 1);
+    EXPECT_TRUE(quadsOf(font, 'A').empty());
+    glCallList(font.list_base + 'A');
+    EXPECT_EQ(getMatrix(GL_MODELVIEW_MATRIX)[12], 9);
 }
 
 TEST_F(FreeTypeTest, ADamagedFontIsTakenOrRefused)
