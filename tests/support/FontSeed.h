@@ -11,7 +11,7 @@
 inline Bytes fontSeed(const std::string& name)
 {
     constexpr std::ptrdiff_t HEIGHT_BYTES = 2; // before the font
-    std::ifstream file(KELPIX_FONT_SEEDS "/" + name, std::ios::binary);
+    std::ifstream file(KELPIX_CORPUS "/font/" + name, std::ios::binary);
     const Bytes input{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     if (input.size() < HEIGHT_BYTES) {
         ADD_FAILURE() << "there is no seed " << name;

@@ -1,6 +1,7 @@
 #include "CheckFont.h"
 
 #include "CheckedFolder.h"
+#include "FontSeed.h"
 
 namespace {
 
@@ -54,6 +55,41 @@ void append(std::string& bytes, unsigned value, int count)
     while (count-- > 0) {
         bytes += static_cast<char>(value >> (8 * count));
     }
+}
+
+/// One of the fuzzer's fonts.
+std::string seed(const std::string& name)
+{
+    const Bytes bytes = fontSeed(name);
+    return {bytes.begin(), bytes.end()};
+}
+
+/// One of the fuzzer's fonts, with some of its text replaced.
+std::string changedSeed(const std::string& name, const std::string& text, const std::string& other)
+{
+    std::string font = seed(name);
+    const std::size_t place = font.find(text);
+    EXPECT_NE(place, std::string::npos);
+    return font.replace(place, text.size(), other);
+}
+
+TEST(CheckFontTest, AFontWithoutKnownCharactersDrawsItsFirstGlyph)
+{
+    // Neither FreeType nor the scene takes the code of a character for the number of a glyph then.
+    const CheckedFolder folder;
+    folder.write(FONT, seed("cid"));
+    EXPECT_THAT(checkFont(folder.path()), Says(Mark::hint, "has no glyph for !"));
+    folder.write(FONT, changedSeed("type42", "/A 1 def", "/no 1 def"));
+    EXPECT_THAT(checkFont(folder.path()), Says(Mark::hint, "has no glyph for !"));
+}
+
+TEST(CheckFontTest, AGlyphThatIsTooLargeStopsTheScene)
+{
+    const CheckedFolder folder;
+    folder.write(FONT, changedSeed("bdf", "BBX 8 8", "BBX 4096 8"));
+    EXPECT_THAT(checkFont(folder.path()), Says(Mark::hint, "has no glyph for !"));
+    folder.write(FONT, changedSeed("bdf", "BBX 8 8", "BBX 4097 8"));
+    EXPECT_THAT(checkFont(folder.path()), Says(Mark::stops, "cannot be drawn (FT_Glyph_To_Bitmap"));
 }
 
 TEST(CheckFontTest, HintsAtMissingGlyphs)
