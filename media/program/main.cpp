@@ -1,6 +1,6 @@
 #include "Check.h"
 #include "Options.h"
-#include "OutputFile.h"
+#include "PartFile.h"
 
 #include <atomic>
 #include <cstdio>
@@ -43,7 +43,7 @@ private:
         for (std::size_t i = next++; i < jobs.size(); i = next++) {
             try {
                 for (const File& file : jobs[i]->make(options.request)) {
-                    media::writeFile(options.out / file.name, file.bytes);
+                    Files::writeWhole(options.out / file.name, file.bytes);
                     const std::lock_guard lock(mutex);
                     std::printf("%s: %s\n", file.name.c_str(), file.summary.c_str());
                     std::fflush(stdout);

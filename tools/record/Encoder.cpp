@@ -191,6 +191,10 @@ void Encoder::finish()
     if (process != -1) {
         requireSuccess(waitForEnd());
     }
+    std::error_code error;
+    if (std::filesystem::file_size(part.name(), error) == 0 || error) {
+        part.fail("nothing was written");
+    }
     part.keep();
 }
 

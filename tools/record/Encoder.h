@@ -60,7 +60,7 @@ public:
     void abandon();
 
 private:
-    PartFile part;
+    Files::PartFile part;
     pid_t process = -1; ///< -1 = ended
     int frames = -1;    ///< owns; the pipe's end to write to, -1 = closed
     std::thread soundFeed;

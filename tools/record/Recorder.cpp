@@ -76,7 +76,7 @@ void Recorder::playUntil(std::int64_t last, bool seen)
 
 std::string Recorder::makePicture()
 {
-    PartFile part(options.png);
+    Files::PartFile part(options.png);
     const ExitGuard guard([&] { part.discard(); });
     playUntil(stepShownAt(options.at), true);
     reader.start();

@@ -155,7 +155,7 @@ TEST_F(MediaProgramTest, ReplacesOldFilesAndLeavesNoPartialOnes)
 {
     fs::create_directories(folder / "set/data");
     std::ofstream(folder / "set/data/fish0.png") << "old";
-    std::ofstream(folder / "set/data/fish0.png.part") << "from a run that was cut off";
+    std::ofstream(folder / "set/data/fish0.part.png") << "from a run that was cut off";
     ASSERT_EQ(run("--only fish --out " + quoted("set")), 0) << err;
     EXPECT_THAT(namesOf(folder / "set"), testing::ElementsAre("data/fish0.png"));
     EXPECT_TRUE(content(folder / "set/data/fish0.png") ==

@@ -112,6 +112,18 @@ TEST_F(RecordEncoderTest, KeepsNothingWhenTheEncoderFails)
     EXPECT_FALSE(fs::exists("film.part.mp4"));
 }
 
+TEST_F(RecordEncoderTest, AFilmOfNoBytesIsNone)
+{
+    for (const char* script : {"cat >/dev/null", "cat >/dev/null; rm $out"}) {
+        installEncoder(script);
+        Encoder encoder(format, silence);
+        encoder.write(frame);
+        EXPECT_EQ(errorOf([&] { encoder.finish(); }), "cannot write film.mp4: nothing was written");
+    }
+    EXPECT_FALSE(fs::exists("film.mp4"));
+    EXPECT_FALSE(fs::exists("film.part.mp4"));
+}
+
 TEST_F(RecordEncoderTest, NoticesAnEncoderThatDiesEarly)
 {
     installEncoder("kill -9 $$");

@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <string>
 
-namespace record {
+namespace Files {
 
 /// A file in the making. It grows beside its place, with ".part" before its extension, and gets its
 /// name when it is complete: a file that is there under its name is always whole.
@@ -25,8 +25,8 @@ public:
     /// The name while it grows.
     const std::filesystem::path& name() const { return part; }
 
-    /// Gives it its name, in place of a file that has it. Throws std::runtime_error when that fails
-    /// or the file is empty.
+    /// Gives it its name, in place of a file that has it. Throws std::runtime_error when that
+    /// fails.
     void keep();
 
     /// Removes it, unless it was kept.
@@ -38,4 +38,9 @@ private:
     bool open = true;
 };
 
-} // namespace record
+/// Writes a whole file, and makes the folders above it. It is a PartFile until it is complete.
+/// Throws std::runtime_error, with a line for the user, when a folder or the file cannot be made or
+/// written. A file that has its name then stays as it was, and nothing else is left.
+void writeWhole(const std::filesystem::path& path, const std::string& bytes);
+
+} // namespace Files
