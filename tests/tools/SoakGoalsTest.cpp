@@ -92,11 +92,24 @@ TEST_F(SoakGoalsTest, AShortRunIsJudgedFromItsMiddle)
     EXPECT_FALSE(heap(samples).met);
 }
 
-TEST_F(SoakGoalsTest, ARunOfOneSampleIsSteady)
+TEST_F(SoakGoalsTest, ASpanOfNothingMeetsNothing)
 {
-    for (const Goal& goal : soak::judge(steadyRun(0))) {
-        EXPECT_TRUE(goal.met) << goal.text;
+    std::vector<Sample> samples = steadyRun(1);
+    samples[0].hours = 0.49; // before the middle, so that the end alone is left
+    for (const std::vector<Sample>& run : {steadyRun(0), samples}) {
+        ASSERT_EQ(soak::judge(run).size(), 1u);
+        EXPECT_FALSE(soak::judge(run)[0].met);
     }
+    samples[0].hours = 0.5;
+    EXPECT_TRUE(heap(samples).met);
+}
+
+TEST_F(SoakGoalsTest, GrowthCountsFromTheSecondHourOrTheMiddle)
+{
+    EXPECT_EQ(soak::settledAt(72), 2);
+    EXPECT_EQ(soak::settledAt(4), 2);
+    EXPECT_EQ(soak::settledAt(1), 0.5);
+    EXPECT_EQ(soak::settledAt(0), 0);
 }
 
 TEST_F(SoakGoalsTest, OneListTooManyAtAnyTimeIsFound)

@@ -2,7 +2,6 @@
 
 Usage: soak.py HOURS PROGRAM MEDIA
 """
-import math
 import pathlib
 import re
 import shutil
@@ -56,18 +55,26 @@ class Soak(unittest.TestCase):
             self.assertEqual(fish, sorted(fish, reverse=True))
             self.assertTrue(all(sample[4] == 131 for sample in samples))
             self.assertEqual([goal.split(":")[0] for goal in run["goals"]], ["met"] * 3)
-            # Growth counts from the first sample of the second half.
-            middle = math.ceil(30 * float(HOURS)) / 60
+            # Growth counts from the middle.
+            middle = float(HOURS) / 2
             self.assertIn(f" from hour {middle:.2f} to hour {float(HOURS):.2f}: ", run["goals"][0])
         self.assertNotEqual(both[0]["samples"], both[1]["samples"])
 
     def test_the_same_seed_gives_the_same_numbers(self):
-        again = [soak("--media", MEDIA, "--hours", "0.01", "--seed", "5", "--voice", "10")
+        again = [soak("--media", MEDIA, "--hours=0.02", "--seed=5", "--voice=10")
                  for _ in range(2)]
         first, second = (runs(result.stdout)[0] for result in again)
         self.assertEqual(first["seed"], "seed 5, voice 10.0 s")
         self.assertEqual([sample[:6] for sample in first["samples"]],
                          [sample[:6] for sample in second["samples"]])
+        # A run shorter than --every has its middle to be judged from.
+        self.assertEqual([sample[0] for sample in first["samples"]], [0, 0.01, 0.02])
+        self.assertIn("heap growth from hour 0.01 to hour 0.02: ", first["goals"][0])
+
+    def test_a_run_of_one_step_has_no_growth_to_judge(self):
+        result = soak("--media", MEDIA, "--hours=0.00001", "--seed=5")
+        self.assertEqual(result.returncode, 1)
+        self.assertIn("\nmissed: too short a run: ", result.stdout)
 
     def test_nothing_to_play_is_no_success(self):
         result = soak("--media", MEDIA, "--hours", "0", "--seed", "1")

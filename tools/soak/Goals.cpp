@@ -22,7 +22,7 @@ std::string text(const char* format, Values... values)
 /// The sample that growth is counted from.
 const Sample& startOf(const std::vector<Sample>& samples)
 {
-    const double start = std::min(SETTLED, samples.back().hours / 2);
+    const double start = settledAt(samples.back().hours);
     return *std::find_if(samples.begin(), samples.end(),
                          [start](const Sample& sample) { return sample.hours >= start; });
 }
@@ -61,6 +61,11 @@ Goal judgeTextures(const Sample& start, const Sample& end)
 
 } // namespace
 
+double settledAt(double hours)
+{
+    return std::min(SETTLED, hours / 2);
+}
+
 std::vector<Goal> judge(const std::vector<Sample>& samples)
 {
     if (samples.empty()) {
@@ -68,6 +73,9 @@ std::vector<Goal> judge(const std::vector<Sample>& samples)
     }
     const Sample& start = startOf(samples);
     const Sample& end = samples.back();
+    if (&start == &end) {
+        return {{"too short a run: there is one sample in it to judge growth by", false}};
+    }
     return {judgeHeap(start, end), judgeLists(samples), judgeTextures(start, end)};
 }
 

@@ -13,12 +13,17 @@ struct Goal {
     bool met;
 };
 
-/// Judges a run by its samples, in the order of time:
-/// - the heap grows by at most 512 KiB from the start, hour 2 of the scene or the middle of a run
-///   shorter than four hours, to the end;
-/// - there are as many display lists at each sample as the living nodes account for;
-/// - there are as many textures at the end as at the start.
-/// No goal is met by a run without samples.
+/// The hour of the scene from which growth counts: hour 2, or the middle of a run shorter than four
+/// hours.
+/// \param hours  that the run lasts
+double settledAt(double hours);
+
+/// Judges a run by its samples, in the order of time. The start is the first sample that is not
+/// before settledAt.
+/// - The heap grows by at most 512 KiB from the start to the end.
+/// - There are as many display lists at each sample as the living nodes account for.
+/// - There are as many textures at the end as at the start.
+/// A run without samples, or whose start is its end, meets no goal: there is no span to judge.
 std::vector<Goal> judge(const std::vector<Sample>& samples);
 
 } // namespace soak

@@ -7,6 +7,7 @@
 #include "Stage.h"
 
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -83,6 +84,8 @@ std::vector<soak::Sample> play(Stage& stage, const soak::Options& options)
 {
     const auto steps = static_cast<std::int64_t>(options.hours * 60 * STEPS_PER_MINUTE);
     const std::int64_t every = options.every * STEPS_PER_MINUTE;
+    const auto settled = static_cast<std::int64_t>(
+        std::ceil(soak::settledAt(options.hours) * 60 * static_cast<double>(STEPS_PER_MINUTE)));
     std::vector<soak::Sample> samples;
     samples.reserve(static_cast<std::size_t>(steps / every) + 8); // it must not count as growth
     stage.draw();
@@ -94,9 +97,10 @@ std::vector<soak::Sample> play(Stage& stage, const soak::Options& options)
         if (first) {
             std::printf("    hour   fish  bubbles    lists  textures   slots   heap KiB\n");
         }
-        if (first || step % STEPS_PER_MINUTE == 0 || step == steps) {
+        const bool judged = step == settled || step == steps;
+        if (first || step % STEPS_PER_MINUTE == 0 || judged) {
             const soak::Sample sample = sampleOf(stage, step);
-            const bool shown = first || step % every == 0 || step == steps;
+            const bool shown = first || step % every == 0 || judged;
             if (shown) {
                 print(sample);
             }
