@@ -52,17 +52,28 @@ std::string escaped(char c)
     return std::string("\\x") + DIGITS[byte / 16] + DIGITS[byte % 16];
 }
 
-} // namespace
-
-std::string printable(std::string_view text)
+/// \param newlines  they stay
+std::string printable(std::string_view text, bool newlines)
 {
     std::string result;
     while (!text.empty()) {
-        const std::size_t bytes = characterBytes(text);
+        const std::size_t bytes = newlines && text[0] == '\n' ? 1 : characterBytes(text);
         result += bytes == 0 ? escaped(text[0]) : std::string(text.substr(0, bytes));
         text.remove_prefix(bytes == 0 ? 1 : bytes);
     }
     return result;
+}
+
+} // namespace
+
+std::string printable(std::string_view text)
+{
+    return printable(text, false);
+}
+
+std::string printableLines(std::string_view text)
+{
+    return printable(text, true);
 }
 
 } // namespace Files

@@ -11,4 +11,7 @@ namespace Files {
 ///         is no UTF-8 written as \xHH, two hexadecimal digits for each byte
 std::string printable(std::string_view text);
 
+/// As printable, for a text of several lines: '\n' stays.
+std::string printableLines(std::string_view text);
+
 } // namespace Files

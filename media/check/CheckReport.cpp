@@ -1,5 +1,7 @@
 #include "CheckReport.h"
 
+#include "Printable.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -21,11 +23,7 @@ std::string line(Mark mark, const std::string& name, const std::string& text)
 {
     std::string result = NAMES[static_cast<std::size_t>(mark)];
     result.resize(7, ' ');
-    result += name + ": " + text;
-    std::replace_if(
-        result.begin(), result.end(),
-        [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7f'; }, '?');
-    return result + '\n';
+    return result + Files::printable(name + ": " + text) + '\n';
 }
 
 } // namespace

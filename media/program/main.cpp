@@ -1,6 +1,7 @@
 #include "Check.h"
 #include "Options.h"
 #include "PartFile.h"
+#include "Printable.h"
 
 #include <atomic>
 #include <cstdio>
@@ -45,7 +46,8 @@ private:
                 for (const File& file : jobs[i]->make(options.request)) {
                     Files::writeWhole(options.out / file.name, file.bytes);
                     const std::lock_guard lock(mutex);
-                    std::printf("%s: %s\n", file.name.c_str(), file.summary.c_str());
+                    std::printf("%s: %s\n", file.name.c_str(),
+                                Files::printable(file.summary).c_str());
                     std::fflush(stdout);
                 }
             } catch (const std::exception& problem) {
@@ -79,7 +81,7 @@ int run(const std::vector<std::string>& arguments)
     }
     const std::string error = Workshop(options).run();
     if (!error.empty()) {
-        std::fprintf(stderr, "%s: %s\n", PROGRAM, error.c_str());
+        std::fprintf(stderr, "%s: %s\n", PROGRAM, Files::printable(error).c_str());
     }
     return error.empty() ? 0 : 1;
 }

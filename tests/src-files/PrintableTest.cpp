@@ -37,4 +37,9 @@ TEST(PrintableTest, BytesThatAreNoTextBecomeDigits)
     EXPECT_EQ(printable("\xff"), "\\xff");
 }
 
+TEST(PrintableTest, LinesStayLines)
+{
+    EXPECT_EQ(Files::printableLines("a\nb\r\x1b\n"), "a\nb\\x0d\\x1b\n");
+}
+
 } // namespace

@@ -161,6 +161,10 @@ TEST(CommandLineRunTest, SaysWhyAProgramEnded)
               "2 kelpix-x: --out DIR is missing\nkelpix-x --help lists the options.\n");
     EXPECT_EQ(outcome([]() -> int { throw std::runtime_error("no media"); }),
               "1 kelpix-x: no media\n");
+    EXPECT_EQ(outcome([]() -> int { throw std::runtime_error("no a\nb\x1b[2J"); }),
+              "1 kelpix-x: no a\\x0ab\\x1b[2J\n");
+    EXPECT_EQ(outcome([]() -> int { throw commandline::UsageError("not \"\x1b[2J\""); }),
+              "2 kelpix-x: not \"\\x1b[2J\"\nkelpix-x --help lists the options.\n");
     EXPECT_EQ(outcome([]() -> int { throw std::bad_alloc(); }), "1 kelpix-x: not enough memory\n");
 }
 

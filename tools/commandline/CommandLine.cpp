@@ -1,5 +1,7 @@
 #include "CommandLine.h"
 
+#include "Printable.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <iterator>
@@ -136,14 +138,14 @@ int run(const char* program, const std::function<int()>& work)
     try {
         return work();
     } catch (const UsageError& error) {
-        std::fprintf(stderr, "%s: %s\n%s --help lists the options.\n", program, error.what(),
-                     program);
+        std::fprintf(stderr, "%s: %s\n%s --help lists the options.\n", program,
+                     Files::printable(error.what()).c_str(), program);
         return 2;
     } catch (const std::bad_alloc&) {
         std::fprintf(stderr, "%s: not enough memory\n", program);
         return 1;
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "%s: %s\n", program, error.what());
+        std::fprintf(stderr, "%s: %s\n", program, Files::printable(error.what()).c_str());
         return 1;
     }
 }

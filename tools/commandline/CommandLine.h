@@ -63,8 +63,9 @@ std::string describe(const std::vector<Option>& options);
 /// \param program  its name
 void answer(Action action, const char* program, const std::string& usage);
 
-/// Runs a program's \p work, and says on standard error why it ended by an exception.
-/// \return what \p work returned; 2 after a UsageError, 1 after any other std::exception
+/// Runs a program's \p work, and says on standard error why it ended by an exception: one line,
+/// whatever the exception's text holds. \return what \p work returned; 2 after a UsageError, 1
+/// after any other std::exception
 int run(const char* program, const std::function<int()>& work);
 
 /// Of a flag: sets \p target, which is borrowed and must live until the line is parsed.

@@ -1,5 +1,7 @@
 #include "HeldMessages.h"
 
+#include "Printable.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -35,11 +37,13 @@ HeldMessages::~HeldMessages()
 void HeldMessages::show() const
 {
     std::fflush(stdout);
+    std::string text;
     char chunk[4096];
     off_t from = 0;
     for (ssize_t count = 0; (count = pread(held, chunk, sizeof chunk, from)) > 0; from += count) {
-        std::fwrite(chunk, 1, static_cast<std::size_t>(count), stderr);
+        text.append(chunk, static_cast<std::size_t>(count));
     }
+    std::fputs(Files::printableLines(text).c_str(), stderr);
 }
 
 } // namespace record

@@ -14,7 +14,7 @@ public:
     /// Gives standard output back.
     ~HeldMessages();
 
-    /// Writes what was held so far to standard error.
+    /// Writes what was held so far to standard error, its control characters escaped.
     void show() const;
 
 private:

@@ -9,6 +9,7 @@
 #include "OffscreenContext.h"
 #include "PictureFile.h"
 #include "Player.h"
+#include "Printable.h"
 #include "Progress.h"
 #include "Schedule.h"
 #include "Stage.h"
@@ -86,8 +87,8 @@ std::string Recorder::makePicture()
         part.fail(error.what());
     }
     part.keep();
-    return options.png.filename().string() + ": " + std::to_string(options.width) + " x " +
-           std::to_string(options.height);
+    return Files::printable(options.png.filename().string()) + ": " +
+           std::to_string(options.width) + " x " + std::to_string(options.height);
 }
 
 std::string Recorder::hash()
@@ -138,7 +139,7 @@ std::string Recorder::makeFilm(const Schedule& schedule)
     char text[100];
     std::snprintf(text, sizeof text, ": %.4g s of %d x %d, made in %.4g s", seconds, options.width,
                   options.height, elapsed().count());
-    return options.out.filename().string() + text;
+    return Files::printable(options.out.filename().string()) + text;
 }
 
 void Recorder::film(const Schedule& schedule, Encoder& encoder)

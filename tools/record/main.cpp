@@ -1,6 +1,7 @@
 #include "Interruption.h"
 #include "MediaFolder.h"
 #include "MediaToPlay.h"
+#include "Printable.h"
 #include "Recorder.h"
 #include "StandardStreams.h"
 
@@ -26,7 +27,7 @@ void enterMedia(Options& options)
     fs::current_path(folder, error);
     if (error) {
         throw std::runtime_error("no media in " + folder.string() + ": " + error.message() +
-                                 "\n\"kelpix-media --out DIR\" makes some, --media DIR plays them");
+                                 "; \"kelpix-media --out DIR\" makes some, --media DIR plays them");
     }
     const std::vector<std::string> missing = MediaFolder::missingFiles();
     if (!missing.empty()) {
@@ -34,7 +35,8 @@ void enterMedia(Options& options)
         for (const std::string& name : missing) {
             names += " " + name;
         }
-        std::fprintf(stderr, "%s: missing in %s:%s\n", PROGRAM, folder.c_str(), names.c_str());
+        std::fprintf(stderr, "%s: missing in %s:%s\n", PROGRAM,
+                     Files::printable(folder.string()).c_str(), names.c_str());
     }
 }
 
@@ -61,7 +63,7 @@ int runOrEndEarly(const std::vector<std::string>& arguments)
     try {
         return run(arguments);
     } catch (const record::ScriptError& error) {
-        std::fprintf(stderr, "%s: %s\n", PROGRAM, error.what());
+        std::fprintf(stderr, "%s: %s\n", PROGRAM, Files::printable(error.what()).c_str());
         return 2;
     } catch (const record::Interruption& interruption) {
         return 128 + interruption.signal;

@@ -112,7 +112,7 @@ TEST(CheckReadableTest, SaysWhyAFileCannotBeRead)
 TEST(CheckReportTest, APathFromOutsideStaysOnItsLine)
 {
     const FileReport report{"data/a\nok\x1b[2Jb.txt", "", {{Mark::stops, "is missing"}}};
-    EXPECT_EQ(media::describe({report}), "stops  data/a?ok?[2Jb.txt: is missing\n"
+    EXPECT_EQ(media::describe({report}), "stops  data/a\\x0aok\\x1b[2Jb.txt: is missing\n"
                                          "1 file: 0 ok, 0 with hints, 0 wrong, 1 that stop the "
                                          "scene\n");
 }

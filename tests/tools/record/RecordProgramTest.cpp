@@ -366,6 +366,10 @@ TEST_F(RecordProgramTest, ARecordingThatIsNoneMakesNoFilm)
     EXPECT_EQ(run("--out film.mp4"), 1);
     EXPECT_THAT(err, HasSubstr("No MOCAP specified!\n"));
     EXPECT_THAT(filesLeft(), IsEmpty());
+    // The name of a recording may hold commands for the terminal.
+    TempDirectory::write("media/data/mocap.txt", "MOCAP 1 3 a\x1b[2Jb");
+    EXPECT_EQ(run("--out film.mp4"), 1);
+    EXPECT_THAT(err, HasSubstr("Loading mocap file 0, a\\x1b[2Jb\n"));
 }
 
 TEST_F(RecordProgramTest, AMissingSoundMakesNoFilm)
@@ -417,7 +421,7 @@ TEST_F(RecordProgramTest, SaysThatThereAreNoMedia)
     media = "nowhere";
     EXPECT_EQ(run("--out film.mp4"), 1);
     EXPECT_THAT(err, testing::StartsWith("kelpix-record: no media in nowhere: No such file or "
-                                         "directory\n"));
+                                         "directory; "));
 }
 
 TEST_F(RecordProgramTest, EndsWhenItIsInterruptedAndLeavesNothing)
