@@ -1,12 +1,13 @@
-// The outlines of thirty bubbles, 360 vertices each. The GL of this program is its own: it only
-// keeps the vertices, so that what is measured is the arithmetic.
+// The outlines of thirty bubbles, 360 vertices each. OpenGL only keeps the vertices, so that what
+// is measured is the arithmetic.
 
 #include "Job.h"
-#include "VertexGL.h"
 
 #include "Boid.h"
 #include "LiteralBoid.h"
+#include "NullGL.h"
 
+#include <GL/gl.h>
 #include <memory>
 #include <random>
 #include <vector>
@@ -15,6 +16,12 @@ namespace {
 
 constexpr std::size_t BUBBLES = 30;
 constexpr int POINTS = 360;
+
+struct Point {
+    float x, y;
+};
+
+std::vector<Point> vertices; ///< those of all glVertex2f since the last reset
 
 using Bubbles = std::vector<std::unique_ptr<Boid>>;
 
@@ -84,6 +91,7 @@ bench::Way way(const char* name, const std::shared_ptr<Bubbles>& bubbles, Draw d
 
 bench::Job outlines()
 {
+    nullgl::hooks().vertex = [](float x, float y) { vertices.push_back({x, y}); };
     const auto bubbles = newBubbles();
     bench::Way limit = way("limit", bubbles, calls);
     limit.result = {};

@@ -3,6 +3,7 @@
 
 #include "FreeType.h"
 #include "Harness.h"
+#include "Textures.h"
 
 #include <ft2build.h>
 // The macros that name FreeType's other headers come from ft2build.h.
@@ -61,6 +62,7 @@ struct Font : freetype::font_data {
 
 void fuzz::test(std::string_view input)
 {
+    const TextureCheck textures;
     constexpr std::size_t HEIGHT_BYTES = 2;
     constexpr unsigned MAX_HEIGHT = 300;
     const unsigned number = fuzz::Numbers(input.substr(0, HEIGHT_BYTES)).take<std::uint16_t>();

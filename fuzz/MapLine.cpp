@@ -3,6 +3,7 @@
 
 #include "Harness.h"
 #include "ObjAPI.h"
+#include "Textures.h"
 
 #include <bit>
 #include <cstdio>
@@ -95,6 +96,7 @@ void fuzz::test(std::string_view input)
     if (line.size() > 1000 || (!line.empty() && std::strchr(" \t\v\f\r", line[0]) == nullptr)) {
         return;
     }
+    const TextureCheck textures;
     place("m.mtl", "newmtl a\nKd 1 0 0\nd 0.5\nmap_Kd" + std::string(line));
     const std::string path = place("model.obj", "mtllib m.mtl\nv 0 0 0\nusemtl a\nf 1 1 1\n");
     const int fi = call([&] { return obj_add_file(path.c_str()); });

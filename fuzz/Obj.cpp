@@ -3,6 +3,7 @@
 
 #include "Harness.h"
 #include "ObjAPI.h"
+#include "Textures.h"
 
 #include <png.h>
 
@@ -49,6 +50,7 @@ void checkModel(int fi)
 
 void fuzz::test(std::string_view input)
 {
+    const TextureCheck textures;
     memory::most = std::size_t{1} << 20; // each usemtl reads its pictures anew
     const char* const names[] = {"model.obj", "m.mtl", "a.png", "b.jpg"};
     const std::vector<std::string_view> files = parts(input);

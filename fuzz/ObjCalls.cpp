@@ -4,6 +4,7 @@
 
 #include "Harness.h"
 #include "ObjAPI.h"
+#include "Textures.h"
 
 #include <climits>
 #include <functional>
@@ -274,6 +275,7 @@ void fuzz::test(std::string_view input)
     constexpr int SETS = 12;
     constexpr int GETS = 6;
     constexpr int REMOVES = 6;
+    const TextureCheck textures;
     const EmptyStore atEnd;
     Numbers numbers(input);
     while (!numbers.done()) {

@@ -6,6 +6,7 @@
 #include <array>
 #include <cmath>
 #include <gmock/gmock.h>
+#include <vector>
 
 namespace {
 
@@ -342,6 +343,48 @@ TEST_F(NullGLTest, CallsAreCountedByName)
                 ElementsAre(testing::Pair("glFlush", 1), testing::Pair("glVertex2f", 5)));
     nullgl::resetCalls();
     EXPECT_TRUE(nullgl::calls().empty());
+}
+
+/// What the hooks were called with.
+struct Hooked {
+    static inline std::vector<float> numbers;
+    static inline const void* pixels = nullptr;
+
+    Hooked()
+    {
+        numbers.clear();
+        nullgl::hooks() = {.image =
+                               [](int width, int height, unsigned format, const void* data) {
+                                   numbers = {static_cast<float>(width), static_cast<float>(height),
+                                              static_cast<float>(format)};
+                                   pixels = data;
+                               },
+                           .vertex =
+                               [](float x, float y) {
+                                   numbers = {x, y};
+                               }};
+    }
+    Hooked(const Hooked&) = delete;
+    Hooked& operator=(const Hooked&) = delete;
+    ~Hooked() { nullgl::hooks() = {}; }
+};
+
+TEST_F(NullGLTest, TheHooksGetVerticesAndImages)
+{
+    glVertex2f(1, 2); // without a hook
+    const Hooked hooked;
+    glVertex2f(0.5f, -3);
+    EXPECT_THAT(Hooked::numbers, ElementsAre(0.5f, -3));
+    const unsigned char pixels[6] = {};
+    glTexImage2D(GL_TEXTURE_2D, 0, 3, 2, 1, 0, GL_RGB, GL_UNSIGNED_BYTE, pixels);
+    EXPECT_THAT(Hooked::numbers, ElementsAre(2, 1, GL_RGB));
+    EXPECT_EQ(Hooked::pixels, pixels);
+    Hooked::numbers.clear();
+    glTexImage2D(GL_PROXY_TEXTURE_2D, 0, 3, 2, 1, 0, GL_RGB, GL_UNSIGNED_BYTE, nullptr);
+    EXPECT_THAT(Hooked::numbers, testing::IsEmpty()) << "a proxy has no pixels";
+    nullgl::reset();
+    glVertex2f(7, 8);
+    EXPECT_THAT(Hooked::numbers, ElementsAre(7, 8)) << "a reset leaves the hooks";
 }
 
 TEST_F(NullGLTest, AQueryOfWhatIsNotKeptLeavesItsOutputAlone)

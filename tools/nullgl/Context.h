@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Names.h"
+#include "NullGL.h"
 
 #include <GL/glew.h>
 #include <array>
@@ -38,7 +39,7 @@ struct Attributes {
 /// What glPixelStore sets.
 using PixelStore = std::map<GLenum, GLint>;
 
-/// All that is kept.
+/// The state that is kept.
 struct Context {
     MatrixStack modelview{IDENTITY};
     MatrixStack projection{IDENTITY};
@@ -78,8 +79,10 @@ inline Context& context()
     return theContext;
 }
 
-/// A command that changes nothing that is kept.
-inline void forget()
+inline Hooks theHooks;
+
+/// Counts a command in the open display list; it has no effect on what is kept.
+inline void recordNoOp()
 {
     Context& now = context();
     if (now.openName != 0) {
@@ -87,7 +90,8 @@ inline void forget()
     }
 }
 
-/// A command that changes the context: does it now, unless it is only compiled into a list.
+/// Counts a command that changes the context, and does it now unless it is only compiled into a
+/// display list.
 template<typename Change>
 void perform(Change change)
 {

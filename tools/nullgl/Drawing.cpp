@@ -1,5 +1,5 @@
-// The functions of OpenGL that make pictures: they are counted, and leave no trace but texture
-// names and the texture binding.
+// The functions of OpenGL that draw. They are counted; only texture names and the texture binding
+// are kept.
 
 #include "Calls.h"
 #include "Context.h"
@@ -7,12 +7,12 @@
 namespace nullgl {
 namespace {
 
-/// Counts a command of which nothing is kept.
+/// A command that has no effect on what is kept.
 template<FunctionName NAME>
 void drawn()
 {
     called<NAME>();
-    forget();
+    recordNoOp();
 }
 
 } // namespace
@@ -30,9 +30,12 @@ void GLAPIENTRY glEnd()
     drawn<"glEnd">();
 }
 
-void GLAPIENTRY glVertex2f(GLfloat, GLfloat)
+void GLAPIENTRY glVertex2f(GLfloat x, GLfloat y)
 {
     drawn<"glVertex2f">();
+    if (theHooks.vertex != nullptr) {
+        theHooks.vertex(x, y);
+    }
 }
 
 void GLAPIENTRY glVertex2fv(const GLfloat*)
@@ -216,12 +219,15 @@ void GLAPIENTRY glTexParameteri(GLenum, GLenum, GLint)
 }
 
 void GLAPIENTRY glTexImage2D(GLenum target, GLint, GLint, GLsizei width, GLsizei height, GLint,
-                             GLenum, GLenum, const GLvoid*)
+                             GLenum format, GLenum, const GLvoid* pixels)
 {
     called<"glTexImage2D">();
-    if (target == GL_PROXY_TEXTURE_2D) { // never compiled into a list
+    if (target == GL_PROXY_TEXTURE_2D) { // never compiled into a display list
         context().proxySize = {width, height};
-    } else {
-        forget();
+        return;
+    }
+    recordNoOp();
+    if (theHooks.image != nullptr) {
+        theHooks.image(width, height, format, pixels);
     }
 }

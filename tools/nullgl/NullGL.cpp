@@ -46,6 +46,11 @@ std::map<std::string, std::int64_t> calls()
     return all;
 }
 
+Hooks& hooks()
+{
+    return theHooks;
+}
+
 std::size_t lists()
 {
     return context().listNames.size();

@@ -17,7 +17,7 @@
 /// and texture binding. Each stack of matrices holds 32, those of attributes 16; what does not fit,
 /// or is not there, raises GL_STACK_OVERFLOW or GL_STACK_UNDERFLOW and does nothing.
 ///
-/// All else is counted and forgotten. Arguments are not checked; a query that is not about the
+/// All else is only counted. Arguments are not checked; a query that is not about the
 /// above raises GL_INVALID_ENUM and leaves its output alone. There are no extensions: GLEW's
 /// pointers stay null.
 ///
@@ -37,6 +37,18 @@ std::int64_t calls(const std::string& function);
 
 /// The functions that were called at all, and how often.
 std::map<std::string, std::int64_t> calls();
+
+/// Receives arguments that nullgl itself does not look at. Nothing is called where a pointer is
+/// null, as all are at first.
+struct Hooks {
+    /// Each glTexImage2D but those of a proxy: what it would read.
+    void (*image)(int width, int height, unsigned format, const void* pixels) = nullptr;
+    /// Each glVertex2f.
+    void (*vertex)(float x, float y) = nullptr;
+};
+
+/// \return the hooks, to be set; reset leaves them
+Hooks& hooks();
 
 /// Names of display lists that exist: given out or compiled, and not deleted.
 std::size_t lists();

@@ -1,4 +1,4 @@
-// The functions of OpenGL that tell something, and GLEW's start.
+// The queries of OpenGL, and glewInit.
 
 #include "Calls.h"
 #include "Context.h"
@@ -10,7 +10,7 @@ namespace {
 
 constexpr GLint TEXTURE_SIZE = 16384;
 
-/// \return the one integer that is asked for, -1 when it is not kept
+/// \return the value of a query for one integer; -1 if nullgl does not track this state
 GLint64 integer(const Context& now, GLenum what)
 {
     switch (what) {
@@ -110,7 +110,7 @@ const GLubyte* GLAPIENTRY glGetString(GLenum name)
     return reinterpret_cast<const GLubyte*>(text);
 }
 
-/// GLU asks it whether the proxy image has found a place: every image does.
+/// GLU asks it whether a texture of the proxy's size fits: every size does.
 void GLAPIENTRY glGetTexLevelParameteriv(GLenum, GLint, GLenum what, GLint* out)
 {
     called<"glGetTexLevelParameteriv">();
