@@ -16,19 +16,22 @@ namespace {
 
 struct Range {
     std::uintptr_t begin, end;
+    bool isProgram;
     bool fails;
 };
 
-/// Where the callers are whose allocations count, and fail.
+/// The code whose allocations are counted, and of it that whose allocations can fail.
 std::array<Range, 16> callers;
 std::size_t callerCount = 0;
+
+bool (*programFails)() = nullptr; ///< the condition of failWhile
 
 thread_local bool armed = false;
 thread_local long left = 0;
 thread_local bool forEver = false;
 thread_local bool failed = false;
 
-/// \return null when the address is no caller's
+/// \return null when the address belongs to none of them
 const Range* callerAt(const void* address)
 {
     const auto place = reinterpret_cast<std::uintptr_t>(address);
@@ -43,9 +46,12 @@ const Range* callerAt(const void* address)
 /// Whether this allocation is one that fails.
 bool fails(const void* address)
 {
-    const Range* const caller = armed ? callerAt(address) : nullptr;
+    const Range* const caller = armed || programFails != nullptr ? callerAt(address) : nullptr;
     if (caller == nullptr || !caller->fails) {
         return false;
+    }
+    if (programFails != nullptr) {
+        return caller->isProgram && programFails();
     }
     const bool now = left == 0 || (left < 0 && forEver);
     left -= left >= 0;
@@ -55,10 +61,10 @@ bool fails(const void* address)
 
 int noteCaller(dl_phdr_info* module, std::size_t, void*)
 {
-    // The program itself has no name.
     const char* const names[] = {"libstdc++", "libpng",      "libjpeg",
                                  "libz.",     "libfreetype", "libGLU"};
-    bool fails = module->dlpi_name[0] == '\0';
+    const bool isProgram = module->dlpi_name[0] == '\0'; // it has no name
+    bool fails = isProgram;
     for (const char* name : names) {
         fails = fails || std::strstr(module->dlpi_name, name) != nullptr;
     }
@@ -68,19 +74,30 @@ int noteCaller(dl_phdr_info* module, std::size_t, void*)
         const ElfW(Phdr)& segment = module->dlpi_phdr[i];
         if (segment.p_type == PT_LOAD && (segment.p_flags & PF_X) != 0) {
             const std::uintptr_t begin = module->dlpi_addr + segment.p_vaddr;
-            callers.at(callerCount++) = {begin, begin + segment.p_memsz, fails};
+            callers.at(callerCount++) = {begin, begin + segment.p_memsz, isProgram, fails};
         }
     }
     return 0;
 }
 
-} // namespace
-
-FailingMemory::FailingMemory(long n, Duration duration)
+void findCallers()
 {
     if (callerCount == 0) {
         dl_iterate_phdr(noteCaller, nullptr);
     }
+}
+
+} // namespace
+
+void FailingMemory::failWhile(bool (*condition)())
+{
+    findCallers();
+    programFails = condition;
+}
+
+FailingMemory::FailingMemory(long n, Duration duration)
+{
+    findCallers();
     left = n;
     forEver = duration == FOR_EVER;
     failed = false;

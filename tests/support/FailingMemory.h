@@ -24,6 +24,11 @@ public:
     /// Whether an allocation has failed.
     bool hasFailed() const;
 
+    /// Without such an object: lets every allocation of the program itself fail while \p condition
+    /// holds, in all threads. Those of its libraries succeed, so that it is known who meets the
+    /// failure.
+    static void failWhile(bool (*condition)());
+
     /// The blocks of memory that were made while one of these lived, by those whose allocations
     /// fail and for the files that they opened, and are held now; 0 under a sanitizer, which looks
     /// for leaks itself.
