@@ -91,6 +91,21 @@ TEST(BucketTest, AddFillsAVacatedSlotBeforeItAppends)
     EXPECT_THAT(cell.boidList, ElementsAre(p.get(), s.get(), r.get(), t.get()));
 }
 
+TEST(BucketTest, ForgetVacatesTheSlotOfThatBoidAlone)
+{
+    const auto p = boidWithId(10);
+    const auto q = boidWithId(10);
+    const auto r = boidWithId(3);
+    Bucket cell(0, 0);
+    cell.add(p.get());
+    cell.add(q.get());
+    cell.forget(q.get());
+    EXPECT_THAT(cell.boidList, ElementsAre(p.get(), nullptr));
+    EXPECT_THAT(cell.nullboids.stack, ElementsAre(1));
+    cell.add(r.get());
+    EXPECT_THAT(cell.boidList, ElementsAre(p.get(), r.get()));
+}
+
 TEST(BucketTest, TheSlotVacatedLastIsFilledFirst)
 {
     const auto p = boidWithId(1);

@@ -94,6 +94,19 @@ TEST_F(NeighborhoodTest, TheLargestSquareIsWithinTheRadiusAndTheNextOneIsNot)
     }
 }
 
+TEST_F(NeighborhoodTest, ABoidAtTheLargestSquareIsWithinReach)
+{
+    const Vec3 edge(0.1f, 2.72957514e-05f, 6.45239195e-09f);
+    ASSERT_EQ(Vec3::SquaredDistance(edge, {}), largestSquareWithin(0.1f));
+    Bucket cell;
+    Boid* const boid = add(cell, 1, {});
+    boid->searchRadius = 0.1f;
+    Boid* const other = add(cell, 2, edge);
+    EXPECT_EQ(Neighborhood::inCells({&cell}, *boid).closest, other);
+    other->pos.y = std::nextafter(edge.y, 1.0f);
+    EXPECT_EQ(Neighborhood::inCells({&cell}, *boid).count, 0);
+}
+
 TEST_F(NeighborhoodTest, AnInfiniteRadiusReachesEverything)
 {
     EXPECT_EQ(largestSquareWithin(FLOAT_INF), INF);

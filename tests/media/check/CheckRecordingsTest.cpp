@@ -1,5 +1,6 @@
 #include "CheckRecordings.h"
 
+#include "CheckMotion.h"
 #include "CheckedFolder.h"
 #include "Point.h"
 
@@ -273,6 +274,25 @@ TEST_F(CheckRecordingsTest, HintsAtFiguresThatLeaveThePicture)
     };
     EXPECT_THAT(danceOf(recording(RECORDS + 1, calm, calm, aside)),
                 Says(Mark::hint, "figure 2 leaves the picture"));
+}
+
+TEST(CheckMotionTest, AFigureMayGoALittleBelowWhereItRests)
+{
+    // Recorded positions are scaled by 0.45, and figures rest 0.1 below the picture: -1/9 is 0.15
+    // below it, which is as far as they may go.
+    const float lowest = -1.0f / 9;
+    ASSERT_EQ(lowest * 0.45f - 0.10f, -0.15f);
+    const auto remarksFor = [](float lower) {
+        FileReport report;
+        checkMotion({1, {{0, 0}, {0, 1}, {0, lower}, {0, 0}}, 3, 0.075}, report);
+        std::string text;
+        for (const FileReport::Remark& remark : report.remarks) {
+            text += remark.text + "\n";
+        }
+        return text;
+    };
+    EXPECT_THAT(remarksFor(lowest), testing::Not(testing::HasSubstr("leaves the picture")));
+    EXPECT_THAT(remarksFor(-0.112f), testing::HasSubstr("leaves the picture"));
 }
 
 TEST_F(CheckRecordingsTest, AFigureIsSeenAtSomeTime)

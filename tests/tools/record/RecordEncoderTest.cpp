@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <iterator>
+#include <thread>
 
 namespace {
 
@@ -160,6 +161,40 @@ TEST_F(RecordEncoderTest, AFilmThatIsAbandonedLeavesNothing)
     EXPECT_FALSE(fs::exists("film.part.mp4"));
     EXPECT_FALSE(fs::exists("film.mp4"));
     EXPECT_EQ(kill(std::stoi(content("pid")), 0), -1) << "the encoder still runs";
+}
+
+/// Whether a process runs; one that has ended and waits to be fetched does not.
+bool isRunning(const std::string& pid)
+{
+    std::ifstream file("/proc/" + pid + "/stat");
+    std::string ignored;
+    std::string state;
+    return file >> ignored >> ignored >> state && state != "Z";
+}
+
+TEST_F(RecordEncoderTest, WhatTheEncoderHasStartedEndsWithIt)
+{
+    // The second process holds neither the pipes nor the terminal.
+    installEncoder("sleep 1000 <&- 3<&- >/dev/null 2>&1 &\n"
+                   "echo $! >pid.new; mv pid.new pid; exec cat >/dev/null");
+    {
+        Encoder encoder(format, silence);
+        while (!fs::exists("pid")) {
+        }
+        std::string pid;
+        std::ifstream("pid") >> pid;
+        ASSERT_TRUE(isRunning(pid));
+    }
+    std::string pid;
+    std::ifstream("pid") >> pid;
+    // The signal is on its way when abandon returns.
+    for (int tries = 0; tries < 1000 && isRunning(pid); ++tries) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    if (isRunning(pid)) {
+        ADD_FAILURE() << "it still runs";
+        kill(std::stoi(pid), SIGKILL);
+    }
 }
 
 TEST_F(RecordEncoderTest, NamesThePackageWhenThereIsNoEncoder)
