@@ -75,6 +75,8 @@ TEST_F(UnderwaterSceneTest, AWindowShowsItInPerspective)
 {
     Window window(1, 0, 0, 740, 740);
     window.offset[0] = 3;
+    window.border(0);
+    window.begin();
     freetype::font_data font;
     scene->showIn(window, font, drawNothing);
     EXPECT_EQ(window.getRender()->getCamera()->projType, 1);
