@@ -1,18 +1,12 @@
 #include "OggSound.h"
 
-#include "OpenFile.h"
+#include "OggFile.h"
 
 #include <AL/alut.h>
-#include <algorithm>
-#include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <iostream>
-#include <limits>
 #include <new>
 #include <string_view>
-#include <sys/stat.h>
-#include <vorbis/vorbisfile.h>
 
 namespace {
 
@@ -22,67 +16,31 @@ namespace {
     std::exit(-1);
 }
 
-/// What one OpenAL buffer can hold. A file of some kilobytes can claim, and decode to, far more.
-constexpr std::size_t MAX_TRACK_BYTES = std::numeric_limits<ALsizei>::max();
-
-/// Whether a track of so many samples per channel fits one OpenAL buffer.
-bool isPlayable(ogg_int64_t samples, int channels)
+/// Decodes a file and sets what it says of itself.
+/// \return whole, or what is wrong with the file
+OggFile::State decode(const char* path, std::vector<char>& out, int& format, unsigned& freq,
+                      ogg_int64_t& numSamples)
 {
-    const std::uintmax_t frameBytes = 2 * static_cast<std::uintmax_t>(std::max(channels, 1));
-    return static_cast<std::uintmax_t>(samples) <= MAX_TRACK_BYTES / frameBytes;
-}
-
-/// \return 0 when it cannot be told
-std::uintmax_t sizeOf(std::FILE* file)
-{
-    struct stat status = {};
-    return fstat(fileno(file), &status) == 0 ? static_cast<std::uintmax_t>(status.st_size) : 0;
-}
-
-/// The bytes to expect of the decoded track. A header may claim anything: no more than 64 times
-/// the size of the file is believed.
-std::size_t expectedBytes(std::uintmax_t fileBytes, ogg_int64_t samples, int channels)
-{
-    if (samples <= 0 || channels <= 0) {
-        return 0;
+    OggFile file(path);
+    if (file.state() != OggFile::State::open) {
+        return file.state();
     }
-    const auto frames = static_cast<std::uintmax_t>(samples);
-    const auto frameBytes = static_cast<std::uintmax_t>(2) * static_cast<unsigned>(channels);
-    const std::uintmax_t believed = std::min<std::uintmax_t>(fileBytes, 1 << 25) * 64;
-    return static_cast<std::size_t>(std::min(frames, believed / frameBytes) * frameBytes);
-}
-
-/// Goes to the first sample of a chain. After ov_open the decoder already stands there, but for a
-/// chain whose first link has all its audio in one Ogg page: that link would be left out.
-/// \return false when the stream is damaged
-bool rewindChain(OggVorbis_File& file)
-{
-    return ov_streams(&file) < 2 || ov_pcm_tell(&file) == 0 || ov_pcm_seek(&file, 0) == 0;
-}
-
-/// Appends the whole stream to \p out.
-/// \return false when the stream is damaged, or too long
-bool decode(OggVorbis_File& file, std::vector<char>& out)
-{
-    constexpr int LITTLE_ENDIAN_ORDER = 0;
-    constexpr int WORD_BYTES = 2;
-    constexpr int SIGNED = 1;
-    char chunk[32768];
-    int bitStream = 0;
-    for (;;) {
-        const long count = ov_read(&file, chunk, sizeof chunk, LITTLE_ENDIAN_ORDER, WORD_BYTES,
-                                   SIGNED, &bitStream);
-        if (count <= 0) {
-            return count == 0;
+    numSamples = file.samples();
+    format = file.channels() == 1 ? AL_FORMAT_MONO16 : AL_FORMAT_STEREO16;
+    freq = static_cast<unsigned>(file.rate());
+    try {
+        out.reserve(out.size() + file.expectedBytes());
+        for (auto block = file.read(); !block.empty(); block = file.read()) {
+            out.insert(out.end(), block.begin(), block.end());
         }
-        if (out.size() + static_cast<std::size_t>(count) > MAX_TRACK_BYTES) {
-            return false;
-        }
-        out.insert(out.end(), chunk, chunk + count);
+    } catch (const std::bad_alloc&) {
+        // A track that memory cannot hold ends like a damaged one.
+        return OggFile::State::damaged;
     }
+    return file.state();
 }
 
-/// The bytes of whole frames in \p bytes, at most MAX_TRACK_BYTES.
+/// The bytes of whole frames in \p bytes, at most OggFile::MAX_BYTES.
 ALsizei wholeFrames(std::size_t bytes, ALenum format)
 {
     const std::size_t frameBytes = format == AL_FORMAT_MONO16 ? 2 : 4;
@@ -134,36 +92,14 @@ void OggSound::load(const char* path)
 void OggSound::loadOGG(const char* path, std::vector<char>& out, int& format, unsigned& freq)
 {
     path = path == nullptr ? "" : path;
-    // A directory opens too, and fails at the first read.
-    Files::Handle file = Files::openRegularOrFolder(path);
-    if (file == nullptr) {
+    switch (decode(path, out, format, freq, numSamples)) {
+    case OggFile::State::noFile:
         fail("Cannot open ", path, " for reading...");
-    }
-
-    OggVorbis_File vorbisFile;
-    if (ov_open(file.get(), &vorbisFile, nullptr, 0) != 0) {
-        file.reset();
+    case OggFile::State::noVorbis:
         fail("Error opening ", path, " for decoding...");
-    }
-    // The decoder owns the file from here on: ov_clear closes it.
-    const std::uintmax_t fileBytes = sizeOf(file.release());
-
-    const vorbis_info* const info = ov_info(&vorbisFile, -1);
-    const int channels = info == nullptr ? 0 : info->channels;
-    numSamples = std::max<ogg_int64_t>(ov_pcm_total(&vorbisFile, -1), 0);
-    format = channels == 1 ? AL_FORMAT_MONO16 : AL_FORMAT_STEREO16;
-    freq = info == nullptr ? 0 : static_cast<unsigned>(info->rate);
-
-    bool complete = false;
-    try {
-        out.reserve(out.size() + expectedBytes(fileBytes, numSamples, channels));
-        complete =
-            isPlayable(numSamples, channels) && rewindChain(vorbisFile) && decode(vorbisFile, out);
-    } catch (const std::bad_alloc&) {
-        // A track that memory cannot hold ends like a damaged one.
-    }
-    ov_clear(&vorbisFile);
-    if (!complete) {
+    case OggFile::State::whole:
+        break;
+    default:
         fail("Error decoding ", path, "...");
     }
 }

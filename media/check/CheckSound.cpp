@@ -1,9 +1,10 @@
 #include "CheckSound.h"
 
+#include "OggFile.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <vorbis/vorbisfile.h>
 
 namespace media {
 
@@ -17,38 +18,24 @@ constexpr const char* ENDS_AT_ONCE = "the scene ends as it starts, with status 2
 /// A track, measured while it is decoded.
 class Track {
 public:
-    explicit Track(const std::filesystem::path& path)
+    explicit Track(const std::filesystem::path& path) : file(path.c_str())
     {
-        opened = ov_fopen(path.c_str(), &file) == 0;
-        if (!opened) {
-            return;
+        for (auto block = file.read(); !block.empty(); block = file.read()) {
+            // Of a mixed chain only the channels that every link may have are measured.
+            const int channels = file.blockChannels();
+            const int present = std::min(channels, MEASURED);
+            for (int c = 0; c < present; ++c) {
+                measure(static_cast<std::size_t>(c), static_cast<std::size_t>(channels), block);
+            }
+            samples += static_cast<long>(block.size()) / (2 * channels);
         }
-        // The first link counts, as it does where the scene asks.
-        const vorbis_info* info = ov_info(&file, 0);
-        channels = info->channels;
-        rate = info->rate;
-        links = static_cast<int>(ov_streams(&file));
-        for (int link = 1; link < links; ++link) {
-            info = ov_info(&file, link);
-            uniform = uniform && info->channels == channels && info->rate == rate;
-        }
-        decode();
-    }
-    Track(const Track&) = delete;
-    Track& operator=(const Track&) = delete;
-    ~Track()
-    {
-        if (opened) {
-            ov_clear(&file);
-        }
+        measureSeam();
     }
 
-    bool opened = false; ///< it is Ogg Vorbis
-    bool whole = false;  ///< it could be decoded to its end
-    int channels = 0;
-    long rate = 0;
-    int links = 0;
-    bool uniform = true;      ///< all links have the same channels and rate
+    bool isWhole() const { return file.state() == OggFile::State::whole; }
+    bool isOpened() const { return isWhole() || file.state() == OggFile::State::damaged; }
+
+    OggFile file;
     long samples = 0;         ///< per channel
     long clipped = 0;         ///< samples beyond full scale, all channels
     float peak = 0;           ///< the largest absolute sample
@@ -57,41 +44,26 @@ public:
 
     double seconds() const
     {
-        return rate > 0 ? static_cast<double>(samples) / static_cast<double>(rate) : 0;
+        return file.rate() > 0 ? static_cast<double>(samples) / static_cast<double>(file.rate())
+                               : 0;
     }
 
 private:
-    void decode()
+    /// \param channels  of the block
+    void measure(std::size_t c, std::size_t channels, std::span<const char> block)
     {
-        if (links > 1 && ov_pcm_seek(&file, 0) != 0) {
-            return;
-        }
-        constexpr int BLOCK = 4096;
-        float** block = nullptr;
-        int link = 0;
-        long count = 0;
-        while ((count = ov_read_float(&file, &block, BLOCK, &link)) > 0) {
-            // Of a mixed chain only the channels that every link may have are measured.
-            const int present = std::min(ov_info(&file, link)->channels, MEASURED);
-            for (int c = 0; c < present; ++c) {
-                measure(static_cast<std::size_t>(c), block[c], count);
+        constexpr int FULL_SCALE = 32768;
+        long at = samples;
+        for (std::size_t i = 2 * c; i < block.size(); i += 2 * channels, ++at) {
+            const int low = static_cast<unsigned char>(block[i]);
+            const int value = static_cast<signed char>(block[i + 1]) * 256 + low;
+            clipped += value == FULL_SCALE - 1 || value == -FULL_SCALE ? 1 : 0;
+            const float level = static_cast<float>(value) / FULL_SCALE;
+            peak = std::max(peak, std::abs(level));
+            if (at < NEARBY) {
+                start[c].push_back(level);
             }
-            samples += count;
-        }
-        whole = count == 0;
-        measureSeam();
-    }
-
-    void measure(std::size_t c, const float* values, long count)
-    {
-        for (long i = 0; i < count; ++i) {
-            const float level = std::abs(values[i]);
-            peak = std::max(peak, level);
-            clipped += level >= 1 ? 1 : 0;
-            if (samples + i < NEARBY) {
-                start[c].push_back(values[i]);
-            }
-            end[c][static_cast<std::size_t>((samples + i) % NEARBY)] = values[i];
+            end[c][static_cast<std::size_t>(at % NEARBY)] = level;
         }
     }
 
@@ -100,7 +72,8 @@ private:
         if (samples < 2) {
             return;
         }
-        for (std::size_t c = 0; c < static_cast<std::size_t>(std::min(channels, MEASURED)); ++c) {
+        for (std::size_t c = 0; c < static_cast<std::size_t>(std::min(file.channels(), MEASURED));
+             ++c) {
             const std::vector<float>& head = start[c];
             if (head.empty()) {
                 continue;
@@ -122,7 +95,6 @@ private:
     static constexpr int MEASURED = 2;
     static constexpr long NEARBY = 4096; ///< samples before and after the seam
 
-    OggVorbis_File file{};
     std::array<std::vector<float>, MEASURED> start; ///< the first samples, by channel
     /// The last ones: sample i is at i modulo NEARBY.
     std::array<std::array<float, NEARBY>, MEASURED> end{};
@@ -136,25 +108,27 @@ std::string kiloHertz(long rate)
 void checkFormat(const Track& track, FileReport& report)
 {
     constexpr long COMMON[] = {22050, 32000, 44100, 48000, 88200, 96000};
-    if (track.channels > 2) {
-        report.wrong("has " + std::to_string(track.channels) +
+    if (track.file.channels() > 2) {
+        report.wrong("has " + std::to_string(track.file.channels()) +
                      " channels: the scene takes them for 2 and plays noise at the wrong speed");
-    } else if (track.channels == 1) {
+    } else if (track.file.channels() == 1) {
         report.hint("is mono: softer than a stereo track of the same level");
     }
-    if (!track.uniform) {
+    if (!track.file.isUniform()) {
         report.wrong("is a chain of tracks with different rates or channels: all are played as "
                      "the first");
-    } else if (track.links > 1) {
-        report.hint("is a chain of " + std::to_string(track.links) +
+    } else if (track.file.links() > 1) {
+        report.hint("is a chain of " + std::to_string(track.file.links()) +
                     " tracks; the scene plays them one after the other");
     }
-    if (track.rate < COMMON[0]) {
-        report.hint("has " + kiloHertz(track.rate) +
+    if (track.file.rate() < COMMON[0]) {
+        report.hint("has " + kiloHertz(track.file.rate()) +
                     ": everything bright is lost; 44.1 or 48 kHz "
                     "are usual");
-    } else if (std::find(std::begin(COMMON), std::end(COMMON), track.rate) == std::end(COMMON)) {
-        report.hint("has " + kiloHertz(track.rate) + ", an unusual rate; 44.1 or 48 kHz are usual");
+    } else if (std::find(std::begin(COMMON), std::end(COMMON), track.file.rate()) ==
+               std::end(COMMON)) {
+        report.hint("has " + kiloHertz(track.file.rate()) +
+                    ", an unusual rate; 44.1 or 48 kHz are usual");
     }
 }
 
@@ -167,7 +141,7 @@ void checkLevel(const Track& track, float gain, FileReport& report)
     } else if (track.clipped > 0) {
         const std::string text =
             "clips: " + std::to_string(track.clipped) + " samples reach full scale; make it softer";
-        if (track.clipped > track.samples * std::min(track.channels, 2) / SOME) {
+        if (track.clipped > track.samples * std::min(track.file.channels(), 2) / SOME) {
             report.wrong(text);
         } else {
             report.hint(text);
@@ -185,16 +159,16 @@ void checkLevel(const Track& track, float gain, FileReport& report)
 bool checkTrack(const Track& track, float gain, FileReport& report)
 {
     const std::string consequence = std::string("; ") + ENDS_AT_ONCE;
-    if (!track.opened) {
+    if (!track.isOpened()) {
         report.stops("is no Ogg Vorbis file" + consequence);
         return false;
     }
-    if (!track.whole) {
+    if (!track.isWhole()) {
         report.stops("is damaged after " + decimal(track.seconds(), 1) + " s" + consequence);
         return false;
     }
-    report.summary = decimal(track.seconds(), 1) + " s, " + kiloHertz(track.rate) +
-                     (track.channels == 1 ? ", mono" : ", stereo");
+    report.summary = decimal(track.seconds(), 1) + " s, " + kiloHertz(track.file.rate()) +
+                     (track.file.channels() == 1 ? ", mono" : ", stereo");
     if (track.samples == 0) {
         report.wrong("is empty: there is nothing to hear");
         return false;
@@ -214,7 +188,7 @@ VoiceCheck checkVoice(const std::filesystem::path& folder)
         const Track track(path);
         if (checkTrack(track, VOICE_GAIN, check.report)) {
             check.seconds = track.seconds();
-        } else if (track.whole) {
+        } else if (track.isWhole()) {
             check.report.wrong("without a voice there is no clock: the figures do not move");
         }
     }
