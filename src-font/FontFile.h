@@ -68,9 +68,6 @@ public:
     /// Renders a character of a face that the caller has opened and sized. The face's glyph slot
     /// changes.
     ///
-    /// Fixed behavior: the rows of an 8-bit grey bitmap with the first row first are read as if
-    /// they were not padded, whatever the pitch. FreeType renders without padding. Pinned by
-    /// FreeTypeMathTest.GreyRowsAreTakenWithoutTheirPadding; do not correct.
     /// \throws std::runtime_error "FT_Load_Glyph failed", "FT_Get_Glyph failed",
     /// "FT_Glyph_To_Bitmap
     ///         failed" (also for a glyph more than MAX_SIDE pixels wide or high) or
@@ -79,6 +76,11 @@ public:
 
     /// The coverage of a bitmap's pixels, as in Glyph. Bitmaps of other kinds than 8-bit grey, and
     /// those whose last row comes first, are converted.
+    ///
+    /// Fixed behavior: the rows of an 8-bit grey bitmap with the first row first are read as if they
+    /// were not padded, whatever the pitch. Pinned by
+    /// CoverageTest.GreyRowsAreTakenWithoutTheirPadding; do not correct.
+    ///
     /// \return width * rows bytes; empty for a bitmap without pixels or without a buffer
     /// \throws std::runtime_error "FT_Bitmap_Convert failed"
     static std::vector<unsigned char> coverageOf(FT_LibraryRec_* library, const FT_Bitmap_& bitmap);
