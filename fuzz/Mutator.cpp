@@ -1,4 +1,5 @@
-/// Mutates files that hold checksums, so that a mutation reaches more than the check of the sum.
+/// Mutates files that hold checksums. Without the repair hardly a mutation would get past their
+/// check.
 
 #include "Repair.h"
 
@@ -11,7 +12,9 @@ std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::s
 {
     const std::size_t mutated = LLVMFuzzerMutate(data, size, capacity);
     if (seed % 16 != 0) { // wrong checksums are inputs too
-        repair(data, mutated);
+        for (std::size_t at = 0; at < mutated;) {
+            at = repair(data, mutated, at);
+        }
     }
     return mutated;
 }

@@ -1,5 +1,6 @@
 #include "MoCap.h"
 
+#include "ArmedTimers.h"
 #include "OggFiles.h"
 #include "Sensor.h"
 #include "SensorRep.h"
@@ -15,7 +16,7 @@
 
 namespace {
 
-/// The clock under the toolkit's own timers, with a sound on a device. No window is opened.
+/// The clock under FLTK's own timers, with a sound on a device. No window is opened.
 class MoCapClockTest : public testing::Test {
 protected:
     // A device that can be lost: it writes what is played to a file in the working directory.
@@ -170,10 +171,15 @@ TEST_F(MoCapClockTest, WithoutASoundTheStepIsZero)
     EXPECT_EQ(mocap.step, 0);
 }
 
-TEST_F(MoCapClockTest, TheTimerRunsWithoutARecordingToo)
+TEST_F(MoCapClockTest, TheClockArmsItselfAgainNinetyTimesASecond)
 {
-    dataTimer(nullptr);
-    EXPECT_TRUE(Fl::has_timeout(dataTimer, nullptr));
+    for (void* argument : {static_cast<void*>(&mocap), static_cast<void*>(nullptr)}) {
+        armedTimers().clear();
+        dataTimer(argument);
+        EXPECT_THAT(armedTimers(),
+                    testing::ElementsAre(ArmedTimer{1.0 / 90.0, dataTimer, argument, true}));
+        EXPECT_TRUE(Fl::has_timeout(dataTimer, argument));
+    }
 }
 
 TEST_F(MoCapClockTest, ADestroyedRecordingTakesItsTimerWithIt)

@@ -4,7 +4,7 @@
 #include <GL/glew.h>
 
 #include "Stage.h"
-#include "Toolkit.h"
+#include "WindowInput.h"
 
 #include <FL/Fl.H>
 #include <array>

@@ -4,7 +4,8 @@
 
 #include "ProbeNode.h"
 #include "SceneGraph.h"
-#include "Toolkit.h"
+#include "ArmedTimers.h"
+#include "WindowInput.h"
 #include "Window.h"
 
 #include <FL/Fl.H>

@@ -7,7 +7,7 @@
 #include "PivotNode.h"
 #include "ProbeNode.h"
 #include "SceneGraph.h"
-#include "Toolkit.h"
+#include "WindowInput.h"
 
 #include <FL/Fl.H>
 #include <algorithm>

@@ -5,7 +5,7 @@
 #include "PivotNode.h"
 #include "ProbeNode.h"
 #include "SceneGraph.h"
-#include "Toolkit.h"
+#include "WindowInput.h"
 #include "UserEvent.h"
 
 #include <FL/Fl.H>

@@ -6,7 +6,8 @@
 #include "ProbeNode.h"
 #include "SceneGraph.h"
 #include "TempDirectory.h"
-#include "Toolkit.h"
+#include "ArmedTimers.h"
+#include "WindowInput.h"
 
 #include <FL/Fl.H>
 #include <algorithm>

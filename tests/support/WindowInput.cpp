@@ -1,11 +1,10 @@
-#include "Toolkit.h"
+#include "WindowInput.h"
 
 #include <FL/Fl.H>
 #include <FL/Fl_Window.H>
 #include <FL/x.H>
 #include <chrono>
 #include <cstdio>
-#include <dlfcn.h>
 #include <memory>
 
 bool runUntil(bool (*condition)(void*), void* data)
@@ -42,35 +41,4 @@ std::string xdotool(const Fl_Window& window, std::string arguments)
         text += static_cast<char>(c);
     }
     return text.substr(0, text.find_last_not_of('\n') + 1);
-}
-
-std::vector<ArmedTimer>& armedTimers()
-{
-    static std::vector<ArmedTimer> timers;
-    return timers;
-}
-
-namespace {
-
-using ArmTimer = void (*)(double, Fl_Timeout_Handler, void*);
-
-ArmTimer toolkitsOwn(const char* symbol)
-{
-    return reinterpret_cast<ArmTimer>(dlsym(RTLD_NEXT, symbol));
-}
-
-} // namespace
-
-void Fl::add_timeout(double seconds, Fl_Timeout_Handler callback, void* argument)
-{
-    static const ArmTimer next = toolkitsOwn("_ZN2Fl11add_timeoutEdPFvPvES0_");
-    armedTimers().push_back({seconds, callback, argument, false});
-    next(seconds, callback, argument);
-}
-
-void Fl::repeat_timeout(double seconds, Fl_Timeout_Handler callback, void* argument)
-{
-    static const ArmTimer next = toolkitsOwn("_ZN2Fl14repeat_timeoutEdPFvPvES0_");
-    armedTimers().push_back({seconds, callback, argument, true});
-    next(seconds, callback, argument);
 }

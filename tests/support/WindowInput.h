@@ -1,11 +1,10 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 class Fl_Window;
 
-/// Runs the toolkit's event loop until \p condition holds, a minute at most.
+/// Runs FLTK's event loop until \p condition holds, a minute at most.
 /// \return whether it holds
 bool runUntil(bool (*condition)(void*), void* data);
 
@@ -22,15 +21,3 @@ void handlePendingEvents();
 /// Runs xdotool with \p arguments, in which "@" stands for the X window of \p window.
 /// \return what it printed, without the final newline
 std::string xdotool(const Fl_Window& window, std::string arguments);
-
-/// The timers that the program under test arms, in order. Linking Toolkit.cpp makes every call of
-/// Fl::add_timeout and Fl::repeat_timeout pass through here on its way to the toolkit.
-struct ArmedTimer {
-    double seconds;
-    void (*callback)(void*);
-    void* argument;
-    bool repeated; ///< armed with repeat_timeout
-
-    bool operator==(const ArmedTimer&) const = default;
-};
-std::vector<ArmedTimer>& armedTimers();
