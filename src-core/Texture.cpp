@@ -1,5 +1,6 @@
 #include "Texture.h"
 
+#include "ImageFile.h"
 #include "ImageJPEG.h"
 #include "ImagePNG.h"
 
@@ -23,7 +24,8 @@ BasicImage* newImage(IMAGE_TYPE format)
 /// Makes a texture of the image's pixels and binds it.
 void upload(BasicImage& image, GLuint* texId)
 {
-    const GLenum pixelFormat = image.getImageType() == IMAGE_JPEG ? GL_RGB : GL_RGBA;
+    const GLenum pixelFormat =
+        ImageFile::uploadedComponents(image.getImageType()) == 3 ? GL_RGB : GL_RGBA;
     const GLuint list = glGenLists(1);
     glNewList(list, GL_COMPILE);
     glGenTextures(1, texId);

@@ -6,11 +6,11 @@
 
 namespace ImageFile {
 
-unsigned char* allocate(std::size_t width, std::size_t height, std::size_t components,
-                        std::size_t readable)
+unsigned char* allocate(IMAGE_TYPE type, std::size_t width, std::size_t height,
+                        std::size_t channels)
 {
-    const std::size_t pixels = width * height * components;
-    const std::size_t bytes = std::max(pixels, width * height * readable);
+    const std::size_t pixels = width * height * channels;
+    const std::size_t bytes = std::max(pixels, width * height * uploadedComponents(type));
     if (bytes > MAX_BYTES) {
         return nullptr;
     }
