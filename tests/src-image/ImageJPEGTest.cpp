@@ -1,6 +1,6 @@
 #include "ImageJPEG.h"
 
-#include "ImageFiles.h"
+#include "ReadImage.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -13,53 +13,9 @@
 namespace {
 
 using testing::HasSubstr;
-using testing::internal::CaptureStderr;
-using testing::internal::CaptureStdout;
-using testing::internal::GetCapturedStderr;
-using testing::internal::GetCapturedStdout;
-
-std::size_t sizeOf(const ImageJPEG& image)
-{
-    return static_cast<std::size_t>(image.w) * static_cast<std::size_t>(image.h) *
-           static_cast<std::size_t>(image.c);
-}
-
-Bytes bytesOf(const ImageJPEG& image)
-{
-    return {image.buffer, image.buffer + sizeOf(image)};
-}
-
-struct Outcome {
-    int status;
-    std::string out;
-    std::string err;
-};
-
-Outcome read(ImageJPEG& image, const char* filename)
-{
-    CaptureStdout();
-    CaptureStderr();
-    const int status = image.read(filename);
-    const std::string err = GetCapturedStderr();
-    return {status, GetCapturedStdout(), err};
-}
-
 Outcome write(ImageJPEG& image, const char* filename, int quality = 90)
 {
-    CaptureStdout();
-    CaptureStderr();
-    const int status = image.write(filename, quality);
-    const std::string err = GetCapturedStderr();
-    return {status, GetCapturedStdout(), err};
-}
-
-/// Reads a file that is whole, and says nothing.
-void readWhole(ImageJPEG& image, const TempPath& path)
-{
-    const Outcome outcome = read(image, path.name());
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(outcome.err, "");
+    return outcomeOf([&] { return image.write(filename, quality); });
 }
 
 /// A JPEG file whose frame header claims a size.
@@ -87,13 +43,7 @@ std::size_t firstScan(const Bytes& file)
 
 TEST(ImageJPEGTest, StartsWithoutAPicture)
 {
-    ImageJPEG image;
-    EXPECT_EQ(image.getPixelBuffer(), nullptr);
-    EXPECT_EQ(image.getWidth(), 0);
-    EXPECT_EQ(image.getHeight(), 0);
-    EXPECT_EQ(image.getComponents(), 0);
-    EXPECT_EQ(image.getSourceFile(), nullptr);
-    EXPECT_EQ(image.getImageType(), IMAGE_JPEG);
+    expectStartWithoutPicture<ImageJPEG>(IMAGE_JPEG);
 }
 
 TEST(ImageJPEGTest, ReadsOnePixelOfColour)
@@ -163,33 +113,11 @@ TEST(ImageJPEGTest, GreyPixelsAreReadableAsRgb)
     EXPECT_EQ(Bytes(image.buffer + 15, image.buffer + 45), Bytes(30, 0));
 }
 
-TEST(ImageJPEGTest, KeepsACopyOfTheFileName)
+TEST(ImageJPEGTest, KeepsACopyOfTheFileNameThatOutlivesTheImage)
 {
     const TempPath path(".jpg");
     writeJpeg(path, noise(2, 2, 3));
-    std::string name = path.name();
-    ImageJPEG image;
-    ASSERT_EQ(image.read(name.c_str()), 1);
-    name.assign(name.size(), 'x');
-    EXPECT_STREQ(image.getSourceFile(), path.name());
-
-    // A failed read is none to remember.
-    read(image, name.c_str());
-    EXPECT_STREQ(image.getSourceFile(), path.name());
-}
-
-TEST(ImageJPEGTest, TheFileNameOutlivesTheImage)
-{
-    const TempPath path(".jpg");
-    writeJpeg(path, noise(2, 2, 3));
-    char* name = nullptr;
-    {
-        ImageJPEG image;
-        ASSERT_EQ(image.read(path.name()), 1);
-        name = image.getSourceFile();
-    }
-    EXPECT_STREQ(name, path.name());
-    delete[] name;
+    expectNameThatOutlivesTheImage<ImageJPEG>(path);
 }
 
 TEST(ImageJPEGTest, ASecondReadReplacesThePicture)
@@ -212,13 +140,7 @@ TEST(ImageJPEGTest, FreeBufferReleasesTheBufferAndKeepsTheSizes)
 {
     const TempPath path(".jpg");
     writeJpeg(path, noise(2, 3, 3));
-    ImageJPEG image;
-    readWhole(image, path);
-    image.freeBuffer();
-    EXPECT_EQ(image.getPixelBuffer(), nullptr);
-    EXPECT_EQ(image.getWidth(), 2);
-    image.freeBuffer();
-    EXPECT_EQ(image.getPixelBuffer(), nullptr);
+    expectFreeBufferToKeepTheSizes<ImageJPEG>(path);
 }
 
 TEST(ImageJPEGTest, AFileThatCannotBeOpenedIsReportedOnStandardOutput)
@@ -301,19 +223,7 @@ TEST(ImageJPEGTest, AFileWithAnyByteChangedIsReadOrRefused)
 {
     const TempPath path(".jpg");
     writeJpeg(path, noise(9, 5, 3), 50);
-    const Bytes file = path.read();
-    const int flips[] = {0x01, 0x80, 0xFF};
-    for (std::size_t at = 0; at < file.size(); ++at) {
-        Bytes damaged = file;
-        damaged[at] = static_cast<unsigned char>(damaged[at] ^ flips[at % 3]);
-        path.write(damaged);
-        ImageJPEG image;
-        const int status = read(image, path.name()).status;
-        EXPECT_TRUE(status == 0 || status == 1);
-        EXPECT_EQ(status == 1, image.sourceFile != nullptr);
-        // Every byte that is promised can be read.
-        const Bytes bytes = image.buffer != nullptr ? bytesOf(image) : Bytes{};
-    }
+    expectReadOrRefusedWithAnyByteChanged<ImageJPEG>(path, 0);
 }
 
 TEST(ImageJPEGTest, AFailedReadKeepsThePreviousPicture)
@@ -462,28 +372,15 @@ TEST(ImageJPEGTest, AfterAnyFailureAFileIsReadAsByAFreshImage)
     const Bytes file = bad.read();
     writeJpeg(bad, noise(9, 7, 1), 90, JpegKind::progressive);
     const Bytes progressive = bad.read();
-    const Bytes failures[] = {{},
-                              Bytes(file.begin(), file.begin() + 30),
-                              withTwoFrames(file),
-                              claiming(file, 0, 7),
-                              claiming(file, 9, 0),
-                              claiming(file, 65000, 65000),
-                              claiming(progressive, 65000, 65000),
-                              withScans(200)};
-    for (const Bytes& failure : failures) {
-        bad.write(failure);
-        ImageJPEG image;
-        // The second time the failure meets a picture.
-        for (int i = 0; i < 2; ++i) {
-            EXPECT_EQ(read(image, bad.name()).status, 0);
-            readWhole(image, good);
-            EXPECT_EQ(image.w, 5);
-            EXPECT_EQ(image.h, 4);
-            EXPECT_EQ(image.c, 3);
-            EXPECT_EQ(bytesOf(image), expected);
-            EXPECT_STREQ(image.sourceFile, good.name());
-        }
-    }
+    const std::vector<Bytes> failures = {{},
+                                         Bytes(file.begin(), file.begin() + 30),
+                                         withTwoFrames(file),
+                                         claiming(file, 0, 7),
+                                         claiming(file, 9, 0),
+                                         claiming(file, 65000, 65000),
+                                         claiming(progressive, 65000, 65000),
+                                         withScans(200)};
+    expectNoTraceOf<ImageJPEG>(failures, 0, good, bad, expected);
 }
 
 TEST(ImageJPEGTest, TheFileIsClosedWhateverHappens)

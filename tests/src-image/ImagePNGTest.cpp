@@ -1,7 +1,7 @@
 #include "ImagePNG.h"
 
-#include "ImageFiles.h"
 #include "PeakOfMemory.h"
+#include "ReadImage.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -17,42 +17,6 @@
 namespace {
 
 using testing::HasSubstr;
-using testing::internal::CaptureStderr;
-using testing::internal::CaptureStdout;
-using testing::internal::GetCapturedStderr;
-using testing::internal::GetCapturedStdout;
-
-Bytes bytesOf(const ImagePNG& image)
-{
-    return {image.buffer, image.buffer + static_cast<std::size_t>(image.w) *
-                                             static_cast<std::size_t>(image.h) *
-                                             static_cast<std::size_t>(image.c)};
-}
-
-struct Outcome {
-    int status;
-    std::string out;
-    std::string err;
-};
-
-Outcome read(ImagePNG& image, const char* filename)
-{
-    CaptureStdout();
-    CaptureStderr();
-    const int status = image.read(filename);
-    const std::string err = GetCapturedStderr();
-    return {status, GetCapturedStdout(), err};
-}
-
-/// Reads a file that is whole, and says nothing.
-void readWhole(ImagePNG& image, const TempPath& path)
-{
-    const Outcome outcome = read(image, path.name());
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(outcome.err, "");
-}
-
 /// Reads a file of one row of grey samples.
 Bytes samplesOf(int bitDepth, std::size_t width, const Bytes& packed)
 {
@@ -66,13 +30,7 @@ Bytes samplesOf(int bitDepth, std::size_t width, const Bytes& packed)
 
 TEST(ImagePNGTest, StartsWithoutAPicture)
 {
-    ImagePNG image;
-    EXPECT_EQ(image.getPixelBuffer(), nullptr);
-    EXPECT_EQ(image.getWidth(), 0);
-    EXPECT_EQ(image.getHeight(), 0);
-    EXPECT_EQ(image.getComponents(), 0);
-    EXPECT_EQ(image.getSourceFile(), nullptr);
-    EXPECT_EQ(image.getImageType(), IMAGE_PNG);
+    expectStartWithoutPicture<ImagePNG>(IMAGE_PNG);
 }
 
 TEST(ImagePNGTest, TheFirstBufferRowIsTheLastRowOfTheFile)
@@ -257,19 +215,7 @@ TEST(ImagePNGTest, AFileWithAnyByteChangedIsReadOrRefused)
 {
     const TempPath path(".png");
     writePng(path, noise(9, 5, 4), true);
-    const Bytes file = path.read();
-    const int flips[] = {0x01, 0x80, 0xFF};
-    for (std::size_t at = 0; at < file.size(); ++at) {
-        Bytes damaged = file;
-        damaged[at] = static_cast<unsigned char>(damaged[at] ^ flips[at % 3]);
-        path.write(damaged);
-        ImagePNG image;
-        const int status = read(image, path.name()).status;
-        EXPECT_TRUE(status == -1 || status == 1);
-        EXPECT_EQ(status == 1, image.sourceFile != nullptr);
-        // Every byte that is promised can be read.
-        const Bytes bytes = image.buffer != nullptr ? bytesOf(image) : Bytes{};
-    }
+    expectReadOrRefusedWithAnyByteChanged<ImagePNG>(path, -1);
 }
 
 TEST(ImagePNGTest, AnUnsupportedFileTakesThePreviousPixelsWithTheSizes)
@@ -320,6 +266,21 @@ TEST(ImagePNGTest, APictureTooLargeForMemoryIsRefused)
     EXPECT_THAT(outcome.err, HasSubstr("libpng error: "));
 }
 
+TEST(ImagePNGTest, APictureOf1GiBIsNotTooLarge)
+{
+    // Only so much of the buffer is touched as there are pixels in the file, which breaks off.
+    const TempPath path(".png");
+    writePng(path, noise(2, 2, 4));
+    path.write(claiming(path.read(), 16384, 16384));
+    ImagePNG image;
+    const Outcome outcome = read(image, path.name());
+    EXPECT_EQ(outcome.status, -1);
+    EXPECT_THAT(outcome.err, HasSubstr("libpng error: "));
+
+    path.write(claiming(path.read(), 16384, 16385));
+    EXPECT_EQ(read(image, path.name()).err, "Can't get pixels from PNG\n");
+}
+
 TEST(ImagePNGTest, APictureWithoutColumnsOrRowsIsRefused)
 {
     const TempPath path(".png");
@@ -365,20 +326,7 @@ TEST(ImagePNGTest, AfterAnyFailureAFileIsReadAsByAFreshImage)
     failures.push_back(bad.read());
     writePng(bad, 4, 4, PNG_COLOR_TYPE_PALETTE, 8, Bytes(16, 1));
     failures.push_back(bad.read());
-    for (const Bytes& failure : failures) {
-        bad.write(failure);
-        ImagePNG image;
-        // The second time the failure meets a picture.
-        for (int i = 0; i < 2; ++i) {
-            EXPECT_EQ(read(image, bad.name()).status, -1);
-            readWhole(image, good);
-            EXPECT_EQ(image.w, 5);
-            EXPECT_EQ(image.h, 4);
-            EXPECT_EQ(image.c, 3);
-            EXPECT_EQ(bytesOf(image), picture.bottomUp());
-            EXPECT_STREQ(image.sourceFile, good.name());
-        }
-    }
+    expectNoTraceOf<ImagePNG>(failures, -1, good, bad, picture.bottomUp());
 }
 
 /// Reads a picture with more chunks, which take little memory. \return the text on standard error
@@ -431,29 +379,14 @@ TEST(ImagePNGTest, KeepsACopyOfTheFileNameThatOutlivesTheImage)
 {
     const TempPath path(".png");
     writePng(path, noise(2, 2, 3));
-    std::string given = path.name();
-    char* name = nullptr;
-    {
-        ImagePNG image;
-        ASSERT_EQ(image.read(given.c_str()), 1);
-        given.assign(given.size(), 'x');
-        name = image.getSourceFile();
-    }
-    EXPECT_STREQ(name, path.name());
-    delete[] name;
+    expectNameThatOutlivesTheImage<ImagePNG>(path);
 }
 
 TEST(ImagePNGTest, FreeBufferReleasesTheBufferAndKeepsTheSizes)
 {
     const TempPath path(".png");
     writePng(path, noise(2, 3, 3));
-    ImagePNG image;
-    readWhole(image, path);
-    image.freeBuffer();
-    EXPECT_EQ(image.getPixelBuffer(), nullptr);
-    EXPECT_EQ(image.getHeight(), 3);
-    image.freeBuffer();
-    EXPECT_EQ(image.getPixelBuffer(), nullptr);
+    expectFreeBufferToKeepTheSizes<ImagePNG>(path);
 }
 
 TEST(ImagePNGTest, WriteDoesNothing)
@@ -463,11 +396,10 @@ TEST(ImagePNGTest, WriteDoesNothing)
     writePng(original, noise(2, 2, 3));
     ImagePNG image;
     readWhole(image, original);
-    CaptureStdout();
-    CaptureStderr();
-    EXPECT_EQ(image.write(path.name(), 90), 0);
-    EXPECT_EQ(GetCapturedStderr(), "");
-    EXPECT_EQ(GetCapturedStdout(), "");
+    const Outcome outcome = outcomeOf([&] { return image.write(path.name(), 90); });
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err, "");
     EXPECT_FALSE(path.exists());
 }
 
