@@ -7,16 +7,16 @@
 
 namespace media {
 
-/// What the user asked for. The defaults make the set that the scene plays.
+/// What the command line asks for. The defaults make the set that the scene plays.
 struct Request {
     std::uint64_t seed = 1;
-    int waterSize = 1024; ///< pixels, a power of two
-    int seconds = 120;    ///< the length of the voice and of the dance
-    std::filesystem::path font;
-    std::filesystem::path fontLicense;
+    int waterSize = 1024;              ///< pixels, a power of two
+    int seconds = 120;                 ///< the length of the voice and of the dance
+    std::filesystem::path font;        ///< copied as the scene's font
+    std::filesystem::path fontLicense; ///< copied beside it; empty = none is
 };
 
-/// One file of the set, finished in memory. What an asset makes depends on its request alone.
+/// One file of the set, complete in memory. Its bytes depend on the Request alone.
 struct File {
     std::string name;    ///< below the set's folder, "data/fish0.png"
     std::string bytes;   ///< the whole content

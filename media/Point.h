@@ -7,7 +7,7 @@ namespace media {
 
 constexpr float PI = 3.14159265f;
 
-/// A point or a direction in the plane of a picture. What x and y measure is said where it is used.
+/// A point or a direction in the plane. Its user says the unit and which way y points.
 struct Point {
     float x = 0;
     float y = 0;
@@ -51,7 +51,7 @@ constexpr float clamp01(float v)
     return std::clamp(v, 0.0f, 1.0f);
 }
 
-/// From \p a at t = 0 to \p b at t = 1, and on beyond.
+/// Linear: \p a at t = 0, \p b at t = 1, and the same line outside 0 .. 1.
 constexpr float mix(float a, float b, float t)
 {
     return a + (b - a) * t;
@@ -69,10 +69,10 @@ constexpr float smoothstep(float from, float to, float v)
     return t * t * (3 - 2 * t);
 }
 
-/// 1 at the centre, falling to exp(-1) at a distance of \p width from it.
-inline float bump(float v, float centre, float width)
+/// 1 at the center, falling to exp(-1) at a distance of \p width from it.
+inline float bump(float v, float center, float width)
 {
-    const float t = (v - centre) / width;
+    const float t = (v - center) / width;
     return std::exp(-t * t);
 }
 

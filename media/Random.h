@@ -4,10 +4,10 @@
 
 namespace media {
 
-/// A small integer random generator (Vigna's SplitMix64). The distributions are spelled out here,
-/// since those of the standard library differ from one library to the next, and the same seed has
-/// to give the same numbers everywhere. For the same reason two calls never stand in one expression
-/// whose order of evaluation is left to the compiler.
+/// A small integer random generator (Vigna's SplitMix64). The same seed gives the same numbers
+/// everywhere: the distributions are written here, since those of the standard library differ from
+/// one library to the next. For the same reason its users never make two calls in one expression
+/// whose order of evaluation is unspecified.
 class Random {
 public:
     /// \param stream  makes generators of one seed independent of each other

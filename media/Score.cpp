@@ -4,10 +4,10 @@ namespace media {
 
 namespace {
 
-// One for sorrow, two for joy: a falling and a rising half of a tune in the Dorian mode on D. The
-// first phrase of a pair asks, and in the rest after the second the bird answers. The dancers keep
-// about a fifth of the picture between them, so that a school of fish gathers around each; at the
-// end of the first half they meet, and the schools with them.
+// A tune in the Dorian mode on D. Its first half falls, its second half rises. Phrases come in
+// pairs: the bird answers in the rest after the second of a pair. The figures stay about a fifth of
+// the picture apart, so that a school of fish gathers around each. At the end of the first half
+// they meet.
 const std::array<Phrase, PHRASES_PER_VERSE> VERSE = {{
     {{{62, 1.0, Vowel::O}, {69, 1.5, Vowel::A}, {67, 0.5, Vowel::O}, {0, 1.0, Vowel::O}},
      50,

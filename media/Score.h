@@ -23,7 +23,7 @@ struct Note {
     Vowel vowel;
 };
 
-/// Four beats of the piece: what the voices sing, and where it takes the dancers.
+/// Four beats of the piece: what the voices sing, and where the figures go.
 struct Phrase {
     std::vector<Note> melody; ///< beats add up to 4, the last note is a rest
     int bass;                 ///< pitch of the lower voice
@@ -37,11 +37,11 @@ struct Phrase {
 struct Cue {
     double start; ///< seconds
     int verse;
-    const Phrase* phrase;
+    const Phrase* phrase; ///< borrows; lives as long as the program
 };
 
-/// The piece: verses of eight phrases between a prelude and a coda. Both the voice and the dance
-/// are made from it, so that they belong together.
+/// The piece: verses of eight phrases between a prelude and a coda. The voice and the dance are
+/// both made from it, so the figures move in step with what is sung.
 struct Score {
     int seconds;
     double coda;           ///< its start in seconds

@@ -4,7 +4,7 @@ set(KELPIX_MAINTAINER "The kelpix authors <kelpix@localhost>" CACHE STRING
     "Who answers for the packages: a name and a mail address")
 set(KELPIX_CHANGELOG_DATE "Sat, 21 Nov 2026 00:00:00 +0000")
 
-# Licences, as a Debian package says them.
+# Licenses, as a Debian package says them.
 file(READ ${PROJECT_SOURCE_DIR}/LICENSE license)
 string(REGEX REPLACE "^.*\n(Permission is hereby)" "\\1" license "${license}")
 string(STRIP "${license}" license)

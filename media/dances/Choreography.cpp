@@ -6,7 +6,7 @@ namespace media {
 
 namespace {
 
-/// A part of a figure's way, by the seconds since its phrase began.
+/// A part of a figure's movement, in seconds since its phrase began.
 struct Span {
     double from;
     double to;
@@ -18,8 +18,8 @@ constexpr Span SINK{2.06, 3.12};
 constexpr double STROKE_HEIGHT = 0.16;
 constexpr double SINK_DEPTH = 0.17;
 
-/// A figure leans into its way sideways, five degrees a twentieth of a second or so until it lies
-/// at 40 degrees. Swimming back a little, for the time that eight such steps take, sets it upright.
+/// The scene tilts a figure that moves sideways, by five degrees about every twentieth of a second,
+/// up to 40 degrees. Moving back a little, for as long as eight such steps take, sets it upright.
 constexpr Span RIGHTING{2.12, 2.32};
 constexpr double RIGHTING_WAY = 0.006;
 
@@ -28,11 +28,11 @@ constexpr Span RISE{0.0, 3.1};
 constexpr Span GOING_HOME{0.3, 7.6};
 constexpr Span CROSSING_HOME{0.3, 3.0};
 
-/// The leader sets off with the phrase, the others one after the other behind.
+/// The leader starts with the phrase, each of the others so many seconds after the one before.
 constexpr double STAGGER = 0.09;
 
-/// How much of a way is done, 0 .. 1: it starts and ends at rest and keeps an even speed between,
-/// apart from \p pulses beats of a jellyfish's bell.
+/// How much of a movement is done, 0 .. 1. It starts and ends at rest; in between its speed is
+/// constant, but for \p pulses beats of the bell.
 double progress(Span span, double t, int pulses)
 {
     const double u = (t - span.from) / (span.to - span.from);
@@ -64,7 +64,7 @@ double lerp(double a, double b, double t)
     return a + (b - a) * t;
 }
 
-/// One figure's way from place to place.
+/// One figure on its way from place to place.
 class Figure {
 public:
     Figure(int which, bool without_swing) : number(which), marked(without_swing), at(homeOf(which))
@@ -88,7 +88,7 @@ private:
     Point at;
 };
 
-/// The way sideways: on the arc a little beyond the goal, and back while the figure rights itself.
+/// The x coordinate: a little beyond the goal on the arc, and back while the figure rights itself.
 double Figure::across(double t, double goal, Span span) const
 {
     const double from = at.x;
@@ -112,7 +112,7 @@ Point Figure::inPhrase(double t, Point goal, bool entrance, int order) const
         return {static_cast<float>(x), static_cast<float>(y)};
     }
     const double arc = progress(ARC, t, marked ? 0 : 3);
-    // The swing of the arc: up and over on a long way, a little on a short one.
+    // The height of the arc grows with the distance.
     const double swing = marked ? 0 : 0.22 * std::abs(goal.x - at.x) * 4 * arc * (1 - arc);
     const double y = at.y + STROKE_HEIGHT * progress(STROKE, t, 0) +
                      (goal.y + SINK_DEPTH - at.y - STROKE_HEIGHT) * arc + swing -

@@ -17,10 +17,11 @@ Point homeOf(int figure);
 
 /// The paths of the figures, Rates::RECORDS * seconds + 1 poses from the first moment of the
 /// voice to its last. They are smooth (no jump in place or speed), start and end at home, and
-/// follow the phrases: a stroke upwards as a phrase begins, a slow arc on the held vowel, then the
+/// follow the phrases: a stroke upward as a phrase begins, a slow arc on the held vowel, then the
 /// figure rights itself and sinks in the rest.
-/// \param marked  the paths as in a rehearsal: the same places at the same times, without the
-///                swing of the arcs and the pulse of the strokes
+/// \param marked  as in a rehearsal: the same places at the same times, but the arcs are flat and
+/// the
+///                speed does not pulse
 std::vector<Pose> choreograph(const Score& score, bool marked);
 
 } // namespace media

@@ -21,8 +21,8 @@ void append(std::string& line, double value, int digits)
     line += zero ? " 0" : text;
 }
 
-/// The heading of a figure in degrees, counter-clockwise from straight up, for each moment. A
-/// figure at rest keeps its heading.
+/// The heading of a figure in degrees, counter-clockwise from straight up, at each pose. A figure
+/// at rest keeps its heading.
 std::vector<double> headings(const std::vector<Pose>& poses, std::size_t figure)
 {
     std::vector<double> degrees(poses.size(), 0.0);
@@ -64,9 +64,9 @@ std::string writeRecords(const std::vector<Pose>& poses, std::size_t count)
 
 std::vector<File> makeDance(const Request& request)
 {
-    // The clock of the scene reaches the number of records of the shortest recording when the
-    // voice ends, and a figure without that record ends the scene. The rehearsal is the shortest
-    // recording, so that the dance still has a record there.
+    // When the voice ends, the scene's clock reaches the number of records of the shortest
+    // recording. A figure whose own recording has no record there ends the scene. The rehearsal is
+    // one record shorter, so that the dance has one there.
     const Score score = makeScore(request.seconds);
     const std::vector<Pose> dance = choreograph(score, false);
     const std::vector<Pose> rehearsal = choreograph(score, true);

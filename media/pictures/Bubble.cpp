@@ -6,25 +6,25 @@ namespace media {
 
 namespace {
 
-/// A layer of light: a colour and how opaque it is.
+/// A layer of light: a color and how opaque it is.
 struct Glint {
-    Color colour;
+    Color color;
     float alpha;
 };
 
-/// Lays \p over over \p under; colours without the alpha multiplied in.
+/// Lays \p over over \p under; colors without the alpha multiplied in.
 Color cover(Color under, Glint over)
 {
     const float a = clamp01(over.alpha);
     const float sum = a + under.a * (1 - a);
     if (sum <= 0) {
-        return withAlpha(over.colour, 0);
+        return withAlpha(over.color, 0);
     }
     const float k = a / sum;
-    return withAlpha(mix(withAlpha(under, 1), withAlpha(over.colour, 1), k), sum);
+    return withAlpha(mix(withAlpha(under, 1), withAlpha(over.color, 1), k), sum);
 }
 
-/// \param q  from the bubble's centre, its radius being 1; y points down
+/// \param q  from the bubble's center, its radius being 1; y points down
 Color bubbleAt(Point q)
 {
     constexpr Color AIR = rgb(190, 245, 255);
@@ -34,19 +34,17 @@ Color bubbleAt(Point q)
     if (r >= 1) {
         return withAlpha(RIM, 0);
     }
-    // Schlick's approximation of Fresnel's law for a sphere of air in water, seen from the front:
-    // nothing comes back from the middle, everything from the grazing rim. The middle stays nearly
-    // empty; the scene draws an outline there.
+    // Schlick's approximation of Fresnel's law for a sphere of air in water: the middle reflects
+    // nothing and stays nearly transparent, the rim reflects everything.
     const float facing = std::sqrt(1 - r * r);
     const float fresnel = 0.02f + 0.98f * std::pow(1 - facing, 1.9f);
     const float towardsLight = dot(q * (1 / std::max(r, 0.01f)), {-0.55f, -0.83f});
     Color c = withAlpha(AIR, 0.02f);
     c = cover(c, {RIM, fresnel * (0.92f + 0.30f * towardsLight)});
-    // Light that has gone through the bubble gathers at the far side of its wall, warmed on the
-    // way.
+    // Light that has gone through the bubble gathers at the far side of its wall.
     const float far = smoothstep(0.35f, 1.0f, -towardsLight) * bump(r, 0.80f, 0.11f);
     c = cover(c, {WARM, 0.85f * far});
-    // The sun itself, and its mirror image inside.
+    // The reflection of the sun, and its mirror image inside.
     const Point sun = turned(q - Point{-0.42f, -0.49f}, -0.72f);
     c = cover(
         c, {rgb(255, 255, 255), 1.25f * bump(length({sun.x * 0.70f, sun.y * 1.35f}), 0, 0.155f)});

@@ -11,8 +11,8 @@ unsigned char toByte(float v)
     return static_cast<unsigned char>(std::lround(clamp01(v) * 255.0f));
 }
 
-/// One box blur along a line of \p count pixels that lie \p stride apart; beyond its ends the line
-/// goes on with its end pixels.
+/// One box blur along a line of \p count pixels that lie \p stride apart. The end pixels repeat
+/// beyond the ends.
 void blurLine(Color* line, std::size_t stride, int count, int radius, std::vector<Color>& copy)
 {
     copy.resize(static_cast<std::size_t>(count));
@@ -41,15 +41,14 @@ Canvas::Canvas(int width, int height)
 {
 }
 
-void Canvas::blend(int x, int y, Color colour, float coverage)
+void Canvas::blend(int x, int y, Color color, float coverage)
 {
     if (x < 0 || y < 0 || x >= columns || y >= rows) {
         return;
     }
-    const float alpha = colour.a * coverage;
+    const float alpha = color.a * coverage;
     Color& under = at(x, y);
-    under =
-        Color{colour.r * alpha, colour.g * alpha, colour.b * alpha, alpha} + under * (1 - alpha);
+    under = Color{color.r * alpha, color.g * alpha, color.b * alpha, alpha} + under * (1 - alpha);
 }
 
 void Canvas::draw(const Canvas& layer)
@@ -96,14 +95,14 @@ Bitmap Canvas::toRgb(float dither) const
 
 Bitmap Canvas::toRgba() const
 {
-    // Pushes colour outwards from the painted pixels, one ring a round, until all have one.
-    std::vector<Color> colours(pixels.size());
+    // Spreads color from the painted pixels, one ring of neighbors a round, until all have one.
+    std::vector<Color> colors(pixels.size());
     std::vector<bool> known(pixels.size(), false);
     bool some = false;
     for (std::size_t i = 0; i < pixels.size(); ++i) {
         const Color& c = pixels[i];
         if (c.a > 0.5f / 255) {
-            colours[i] = {c.r / c.a, c.g / c.a, c.b / c.a, 1};
+            colors[i] = {c.r / c.a, c.g / c.a, c.b / c.a, 1};
             known[i] = true;
             some = true;
         }
@@ -120,12 +119,12 @@ Bitmap Canvas::toRgba() const
                 for (int v = std::max(y - 1, 0); v <= std::min(y + 1, rows - 1); ++v) {
                     for (int u = std::max(x - 1, 0); u <= std::min(x + 1, columns - 1); ++u) {
                         if (before[index(u, v)]) {
-                            sum = sum + colours[index(u, v)];
+                            sum = sum + colors[index(u, v)];
                         }
                     }
                 }
                 if (sum.a > 0) {
-                    colours[index(x, y)] = sum * (1 / sum.a);
+                    colors[index(x, y)] = sum * (1 / sum.a);
                     known[index(x, y)] = true;
                 } else {
                     missing = true;
@@ -136,7 +135,7 @@ Bitmap Canvas::toRgba() const
     Bitmap image{columns, rows, 4, {}};
     image.bytes.reserve(pixels.size() * 4);
     for (std::size_t i = 0; i < pixels.size(); ++i) {
-        const Color& c = colours[i];
+        const Color& c = colors[i];
         for (const float channel : {c.r, c.g, c.b, pixels[i].a}) {
             image.bytes.push_back(toByte(channel));
         }

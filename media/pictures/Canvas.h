@@ -11,12 +11,12 @@ namespace media {
 struct Bitmap {
     int width = 0;
     int height = 0;
-    int channels = 0; ///< 3 = red, green, blue; 4 = and alpha, not multiplied in
+    int channels = 0; ///< 3 = RGB, 4 = RGBA with straight alpha
     std::vector<unsigned char> bytes;
 };
 
-/// A picture to paint on. Pixels hold float colours with the alpha multiplied in, so that layers
-/// can be blurred and laid over each other; the top row is the first. A new canvas is transparent.
+/// A picture to paint on. Pixels hold float colors with premultiplied alpha, so that layers can be
+/// blurred and laid over each other. The top row is the first. A new canvas is transparent.
 class Canvas {
 public:
     Canvas(int width, int height);
@@ -28,34 +28,37 @@ public:
     Color& at(int x, int y) { return pixels[index(x, y)]; }
     const Color& at(int x, int y) const { return pixels[index(x, y)]; }
 
-    /// Where the centre of a pixel lies in the unit square, y down.
-    Point centre(int x, int y) const
+    /// The center of a pixel in the unit square, y down.
+    Point center(int x, int y) const
     {
         return {(static_cast<float>(x) + 0.5f) / static_cast<float>(columns),
                 (static_cast<float>(y) + 0.5f) / static_cast<float>(rows)};
     }
 
-    /// Lays a colour (alpha not multiplied in) over a pixel. Outside the canvas nothing happens.
-    void blend(int x, int y, Color colour, float coverage = 1);
+    /// Lays a color (straight alpha) over a pixel. Outside the canvas nothing happens.
+    void blend(int x, int y, Color color, float coverage = 1);
 
     /// Lays another canvas of the same size over this one.
     void draw(const Canvas& layer);
 
-    /// Softens the picture as a lens out of focus does: three box blurs, which together are close
-    /// to a Gaussian of the given standard deviation in pixels.
+    /// Blurs the picture: three box blurs, which together are close to a Gaussian.
+    /// \param deviation  its standard deviation in pixels
     void blur(float deviation);
 
-    /// Fills the canvas from \p shade, called with points of the unit square (y down) and giving a
-    /// colour with the alpha not multiplied in. Each pixel is the mean of samples x samples calls.
+    /// Fills the canvas. Each pixel is the mean of samples x samples calls of \p shade.
+    /// \param shade  Color shade(Point): a point of the unit square (y down) to a color with
+    /// straight
+    ///               alpha
     template<typename Shade>
     void paint(int samples, Shade shade);
 
-    /// The picture on black, without alpha. \p dither, in steps of 1/255, is the width of the
-    /// noise that is added before rounding: it hides the steps of slow gradients.
+    /// The picture on black, without alpha.
+    /// \param dither  amplitude of the noise that is added before rounding, in steps of 1/255: it
+    ///                hides the steps of slow gradients
     Bitmap toRgb(float dither = 0) const;
 
-    /// The picture with alpha. Transparent pixels carry the colour of the nearest painted ones, so
-    /// that linear filtering mixes in no foreign colour at the rim.
+    /// The picture with alpha. Transparent pixels carry the color of the nearest painted ones, so
+    /// that linear filtering shows no fringe of another color at the edge.
     Bitmap toRgba() const;
 
 private:

@@ -54,7 +54,7 @@ void paintCliffs(Canvas& canvas, const Light& light, std::uint32_t seed)
                 const float bright = clamp01(1.3f * (clefts * ledges - 0.2f) + 0.22f * edge) *
                                      (0.3f + light.sunlight(p));
                 const Color rock = mix(rgb(0, 14, 40), rgb(90, 186, 176), bright);
-                // The foot is lost in the murk over the sand.
+                // Haze over the sand hides the foot.
                 const float murk = mix(cliff.haze, 1.0f, 0.55f * smoothstep(top, cliff.foot, v));
                 canvas.blend(x, y, withAlpha(mix(rock, light.water(p), murk), 1), coverage);
             }

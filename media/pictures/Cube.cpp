@@ -21,7 +21,7 @@ constexpr const char* OBJ = "# a cube of edge 1 around the origin\n"
                             "f 4/1/5 3/2/5 7/3/5 8/4/5\n"
                             "f 5/1/6 6/2/6 2/3/6 1/4/6\n";
 
-// The reader goes on until the end of a map's line, so nothing may follow the file name.
+// The model reader takes the rest of the line as the name of the map: nothing may follow it.
 constexpr const char* MTL = "newmtl coral\n"
                             "Ka 0.2 0.2 0.2\n"
                             "Kd 0.9 0.9 0.9\n"

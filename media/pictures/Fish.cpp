@@ -6,7 +6,7 @@ namespace media {
 
 namespace {
 
-// The scene draws the fish at half opacity, 31 pixels wide: bright pure colours, few shapes, and no
+// The scene draws the fish at half opacity, 31 pixels wide: bright pure colors, few shapes, and no
 // dark lines, which would turn brown over blue water.
 constexpr Color ORANGE = rgb(255, 118, 0);
 constexpr Color RIDGE = rgb(255, 176, 48);
@@ -29,8 +29,7 @@ float bodyHalfWidth(float y)
     return 0.56f * round;
 }
 
-/// A breast fin sweeps back from the body to a point. 0 at the body .. 1 at the tip, negative
-/// outside the fin.
+/// The pectoral fin. \return 0 at the body .. 1 at the tip, negative outside the fin
 float onBreastFin(float x, float y)
 {
     constexpr float TIP = 0.72f;
@@ -40,8 +39,8 @@ float onBreastFin(float x, float y)
     return t < 1 && y > front && y < back ? t : -1;
 }
 
-/// The tail spreads into two lobes with a notch between them. 0 at its root .. 1 at the tips of
-/// the lobes, negative outside.
+/// The tail: two lobes with a notch between them. \return 0 at its root .. 1 at the tips of the
+/// lobes, negative outside
 float onTail(float x, float y)
 {
     constexpr float ROOT = 0.42f;
@@ -89,7 +88,7 @@ Color fishAt(float x, float y)
 
 std::vector<File> makeFish(const Request&)
 {
-    // The picture keeps a margin, so that linear filtering meets transparent texels at its rim.
+    // A margin, so that linear filtering meets transparent texels at the edge of the texture.
     constexpr float SCALE = 1.01f;
     Canvas canvas(64, 64);
     canvas.paint(

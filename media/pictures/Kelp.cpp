@@ -7,7 +7,7 @@ namespace media {
 
 namespace {
 
-/// What stands in the sun and what stands in the shade.
+// Colors in the sun and in the shade.
 constexpr Color BLADE_DARK = rgb(2, 40, 50);
 constexpr Color BLADE_GREEN = rgb(40, 150, 74);
 constexpr Color BLADE_SUN = rgb(214, 240, 84);
@@ -29,7 +29,7 @@ public:
 private:
     void blade(Point root, float angle, float bend, float span);
     void bulb(Point at, float angle, float radius);
-    Color tint(Color colour, Point p) const;
+    Color tint(Color color, Point p) const;
 
     const KelpForest& forest;
     const Light& light;
@@ -37,10 +37,10 @@ private:
     Random& random;
 };
 
-/// The colour of a thing behind so much water.
-Color Painter::tint(Color colour, Point p) const
+/// The color as it looks through the haze of the forest's distance.
+Color Painter::tint(Color color, Point p) const
 {
-    return withAlpha(mix(colour, light.water(p), forest.haze), 1);
+    return withAlpha(mix(color, light.water(p), forest.haze), 1);
 }
 
 void Painter::blade(Point root, float angle, float bend, float span)
@@ -54,7 +54,7 @@ void Painter::blade(Point root, float angle, float bend, float span)
     Point tip = root;
     for (int i = 0; i <= JOINTS; ++i) {
         const float t = static_cast<float>(i) / JOINTS;
-        // A lance: full soon after the float, drawn out to a point, with a ruffled edge.
+        // Lance-shaped: widest soon after the float, pointed at the end, with a ruffled edge.
         const float lance = std::sqrt(t) * (1 - t) * 2.4f + 0.06f * (1 - t);
         const float ruffle = 1 + 0.13f * std::sin(t * 26 + wave);
         stroke.add(at * size, thick * lance * ruffle * size * 0.5f + 0.2f);
@@ -66,7 +66,7 @@ void Painter::blade(Point root, float angle, float bend, float span)
     // Which edge of the blade looks up to the light.
     const float up = way.x > 0 ? -1.0f : 1.0f;
     for (const Touch& touch : stroke.touch(canvas.width(), canvas.height())) {
-        const Point p = canvas.centre(touch.x, touch.y);
+        const Point p = canvas.center(touch.x, touch.y);
         const float sun = light.sunlight(p);
         const float beam = light.shafts(p);
         const float rib = bump(touch.across, 0, 0.10f);
@@ -90,7 +90,7 @@ void Painter::bulb(Point at, float angle, float radius)
     stroke.add(at * size, radius * size);
     stroke.add((at + way * 1.3f) * size, radius * 0.45f * size);
     for (const Touch& touch : stroke.touch(canvas.width(), canvas.height())) {
-        const Point p = canvas.centre(touch.x, touch.y);
+        const Point p = canvas.center(touch.x, touch.y);
         const Point off = (p - at) * (1 / radius);
         const float sun = light.sunlight(p);
         const float shine = bump(length(off - Point{-0.3f, -0.45f}), 0, 0.45f);
@@ -119,7 +119,7 @@ void Painter::plant(float x, float top)
         stroke.add(stem(t) * size, thick * mix(1.2f, 0.5f, t) * size);
     }
     for (const Touch& touch : stroke.touch(canvas.width(), canvas.height())) {
-        const Point p = canvas.centre(touch.x, touch.y);
+        const Point p = canvas.center(touch.x, touch.y);
         const float sun = light.sunlight(p) * (0.9f - 0.4f * touch.across);
         canvas.blend(touch.x, touch.y, tint(mix(STEM_DARK, STEM_SUN, clamp01(sun)), p),
                      touch.coverage);
@@ -132,7 +132,7 @@ void Painter::plant(float x, float top)
                         (static_cast<float>(blades) + 0.5f);
         const float out = side == 0 ? -1.0f : 1.0f;
         side = 1 - side;
-        // Old blades below hang out, young ones above stand up; the current bends all to the right.
+        // Low blades hang outward, high ones stand up. The current bends all to the right.
         const float angle = out * mix(1.45f, 0.50f, t) * random.between(0.65f, 1.25f);
         const float bend = out * random.between(-0.7f, 0.6f) + 0.30f;
         const float span = forest.leaf * random.between(0.6f, 1.15f) * mix(1.0f, 0.45f, t * t * t);
@@ -153,7 +153,7 @@ Canvas paintKelp(const KelpForest& forest, const Light& light, int size, Random 
             const float place = forest.reach *
                                 (static_cast<float>(i) + random.between(0.1f, 0.9f)) /
                                 static_cast<float>(forest.plants);
-            // The tallest stand at the side, so that the middle stays free for the fish.
+            // The tallest stand at the sides: the middle is kept free for the fish.
             const float inward = place / forest.reach;
             const float lower = inward * inward * random.between(0.15f, 0.5f);
             const float uneven = random.between(0, 0.12f);

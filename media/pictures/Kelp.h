@@ -13,12 +13,12 @@ struct KelpForest {
     float leaf;      ///< length of a blade, in picture widths
     float root;      ///< y of the roots
     float top;       ///< y of the tallest tips
-    float haze;      ///< 0 = near, 1 = has the colour of the water
+    float haze;      ///< 0 = near, 1 = has the color of the water
     float deviation; ///< of the blur, in picture widths
 };
 
-/// Paints a forest on a transparent canvas of \p size x \p size pixels: giant kelp, stems swaying
-/// in the swell with a float and a blade on alternate sides.
+/// Paints a forest of giant kelp on a transparent canvas of \p size x \p size pixels. Its stems are
+/// curved, with floats and blades on alternate sides.
 Canvas paintKelp(const KelpForest& forest, const Light& light, int size, Random random);
 
 } // namespace media

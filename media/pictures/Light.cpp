@@ -19,19 +19,19 @@ Color Light::water(Point p) const
 {
     struct Stop {
         float y;
-        Color colour;
+        Color color;
     };
     static constexpr Stop STOPS[] = {
         {0.00f, rgb(30, 172, 182)}, {0.10f, rgb(24, 164, 184)}, {0.25f, rgb(12, 136, 178)},
         {0.45f, rgb(5, 96, 156)},   {0.68f, rgb(3, 58, 116)},   {0.86f, rgb(6, 54, 100)},
         {1.00f, rgb(5, 44, 80)},
     };
-    // A slow drift of the depths keeps the gradient from looking ruled.
+    // Noise of low frequency keeps the gradient from showing as straight bands.
     const float drift = 0.10f * (fractal({p.x * 2.2f, p.y * 3.0f}, 3, seed + 40) - 0.5f);
     const float y = clamp01(p.y + drift * smoothstep(0, 0.3f, p.y));
-    Color c = STOPS[0].colour;
+    Color c = STOPS[0].color;
     for (std::size_t i = 1; i < std::size(STOPS); ++i) {
-        c = mix(c, STOPS[i].colour, smoothstep(STOPS[i - 1].y, STOPS[i].y, y));
+        c = mix(c, STOPS[i].color, smoothstep(STOPS[i - 1].y, STOPS[i].y, y));
     }
     // The glow around the sun, and the dark to both sides of it.
     const float away = length({(p.x - SUN.x) * 1.25f, (p.y - SUN.y) * 0.8f});
@@ -47,7 +47,7 @@ float Light::shafts(Point p) const
     const Point ray = p - SUN;
     const float angle = std::atan2(ray.x, ray.y);
     const float far = length(ray);
-    // The deeper, the softer: fine rays give way to broad ones.
+    // The deeper, the broader the rays.
     const float deep = smoothstep(0.1f, 0.9f, p.y);
     const float fine = noise({angle * 46, far * 0.7f}, seed + 1);
     const float middle = noise({angle * 19 + 3, far * 0.5f}, seed + 2);
@@ -71,7 +71,7 @@ Color Light::surface(Point p) const
     if (p.y >= SEA_HORIZON) {
         return {};
     }
-    // The waves lie on a plane overhead: towards the horizon they crowd together.
+    // Perspective: the waves lie on a plane above, and crowd together toward the horizon.
     const float height = SEA_HORIZON - p.y;
     const float away = 0.10f / std::max(height, 0.012f);
     const Point onSea{(p.x - SUN.x) * away * 5.0f, away * 3.2f};

@@ -12,7 +12,7 @@ class Light {
 public:
     explicit Light(std::uint32_t chosen) : seed(chosen) {}
 
-    /// The open water: deep blue below, aqua towards the sun. Opaque.
+    /// The open water: deep blue below, aqua toward the sun. Opaque.
     Color water(Point p) const;
 
     /// How strongly the shafts of sunlight pass through a point, 0 .. 1.
@@ -24,8 +24,8 @@ public:
     /// The glitter of the waves seen from below, to be added to the water; alpha is 0.
     Color surface(Point p) const;
 
-    /// The colour of the shafts, to be added; alpha is 0.
-    static Color shaftColour() { return {0.06f, 0.80f, 0.72f, 0}; }
+    /// The color of the shafts, to be added; alpha is 0.
+    static Color shaftColor() { return {0.06f, 0.80f, 0.72f, 0}; }
 
 private:
     std::uint32_t seed;

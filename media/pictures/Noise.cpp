@@ -76,7 +76,7 @@ Cells cells(Point p, std::uint32_t seed)
 
 float caustics(Point p, float time, std::uint32_t seed)
 {
-    // Where two cells meet, light gathers; bending the plane first rounds the meshes.
+    // The lines are where two cells meet. Warping the plane first rounds the meshes.
     const Point bend{fractal(p * 0.7f + Point{time, 3.1f}, 2, seed + 11) - 0.5f,
                      fractal(p * 0.7f + Point{7.7f, time}, 2, seed + 23) - 0.5f};
     const Cells c = cells(p + bend * 1.6f + Point{time * 0.3f, -time * 0.2f}, seed);

@@ -23,21 +23,19 @@ float noise(Point p, std::uint32_t seed);
 /// The same along a line.
 float noise(float x, std::uint32_t seed);
 
-/// A sum of \p octaves noises, each twice as fine and half as strong as the one before, 0 .. 1:
-/// clouds, dunes, kelp that has been in the sea for a while.
+/// A sum of \p octaves noises, each twice as fine and half as strong as the one before, 0 .. 1.
 float fractal(Point p, int octaves, std::uint32_t seed);
 
-/// Worley's cellular noise: the distance from p to the nearest of the points that are scattered
-/// one in each cell of the grid, and to the second nearest.
+/// Worley's cellular noise: each cell of the grid has one random point.
 struct Cells {
-    float nearest;
-    float second;
+    float nearest;    ///< distance to the nearest point
+    float second;     ///< distance to the second nearest
     std::uint32_t id; ///< a hash of the nearest point's cell
 };
 Cells cells(Point p, std::uint32_t seed);
 
-/// The net of light that waves throw into the water: 0 in the meshes, 1 on the threads.
-/// \param time  another moment of the same water
+/// Caustics, the net of light that waves cast into the water: 0 in the meshes, 1 on the lines.
+/// \param time  selects a moment of the moving water
 float caustics(Point p, float time, std::uint32_t seed);
 
 } // namespace media

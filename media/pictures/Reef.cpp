@@ -7,7 +7,7 @@ namespace media {
 
 namespace {
 
-/// Paints branches and blades: a canvas, the light and what they do to each other.
+/// Paints corals, sponges and sea grass onto a canvas. Borrows all that it is given.
 class Gardener {
 public:
     Gardener(Canvas& on, const Light& by, Random& byChance)
@@ -15,9 +15,9 @@ public:
     {
     }
 
-    void branch(Point root, float angle, float span, float thick, int forks, Color colour,
+    void branch(Point root, float angle, float span, float thick, int forks, Color color,
                 float haze);
-    void tube(Point root, float angle, float span, float thick, Color colour, float haze);
+    void tube(Point root, float angle, float span, float thick, Color color, float haze);
     void grass(Point root, float span, float haze);
 
 private:
@@ -27,8 +27,8 @@ private:
     Random& random;
 };
 
-/// A twig of coral that forks and forks again, lighter towards its tips.
-void Gardener::branch(Point root, float angle, float span, float thick, int forks, Color colour,
+/// A branch of coral that forks \p forks times, lighter toward its tips.
+void Gardener::branch(Point root, float angle, float span, float thick, int forks, Color color,
                       float haze)
 {
     Stroke stroke;
@@ -42,12 +42,12 @@ void Gardener::branch(Point root, float angle, float span, float thick, int fork
     }
     const Point tip = at;
     for (const Touch& touch : stroke.touch(canvas.width(), canvas.height())) {
-        const Point p = canvas.centre(touch.x, touch.y);
+        const Point p = canvas.center(touch.x, touch.y);
         const float round = std::sqrt(clamp01(1 - touch.across * touch.across));
         const float knobs = noise(p * 260, 77) - 0.5f;
         const float bright = 0.42f + 0.40f * round - 0.16f * touch.across + 0.30f * knobs +
                              (forks == 0 ? 0.30f * touch.along : 0.0f);
-        const Color c = screen(lit(colour, bright),
+        const Color c = screen(lit(color, bright),
                                Color{0.25f, 0.25f, 0.22f, 0} * (forks == 0 ? touch.along : 0.0f));
         canvas.blend(touch.x, touch.y, withAlpha(mix(c, light.water(p), haze), 1), touch.coverage);
     }
@@ -56,14 +56,13 @@ void Gardener::branch(Point root, float angle, float span, float thick, int fork
         for (const float side : {-1.0f, 1.0f}) {
             const float turn = side * spread + random.between(-0.15f, 0.15f);
             const float shorter = random.between(0.66f, 0.9f);
-            branch(tip, angle + bend + turn, span * shorter, thick * 0.76f, forks - 1, colour,
-                   haze);
+            branch(tip, angle + bend + turn, span * shorter, thick * 0.76f, forks - 1, color, haze);
         }
     }
 }
 
 /// A tube sponge: a chimney with a dark mouth.
-void Gardener::tube(Point root, float angle, float span, float thick, Color colour, float haze)
+void Gardener::tube(Point root, float angle, float span, float thick, Color color, float haze)
 {
     Stroke stroke;
     constexpr int JOINTS = 8;
@@ -74,7 +73,7 @@ void Gardener::tube(Point root, float angle, float span, float thick, Color colo
         at = at + turned({0, -1}, angle * (1 - 0.5f * t)) * (span / JOINTS);
     }
     for (const Touch& touch : stroke.touch(canvas.width(), canvas.height())) {
-        const Point p = canvas.centre(touch.x, touch.y);
+        const Point p = canvas.center(touch.x, touch.y);
         const float round = std::sqrt(clamp01(1 - touch.across * touch.across));
         const float pores = noise(p * 230, 41) - 0.5f;
         float bright =
@@ -82,7 +81,7 @@ void Gardener::tube(Point root, float angle, float span, float thick, Color colo
         if (touch.along > 0.96f) {
             bright += 0.2f;
         }
-        canvas.blend(touch.x, touch.y, withAlpha(mix(lit(colour, bright), light.water(p), haze), 1),
+        canvas.blend(touch.x, touch.y, withAlpha(mix(lit(color, bright), light.water(p), haze), 1),
                      touch.coverage);
     }
     const Point mouth = at + turned({0, -1}, angle * 0.5f) * (thick * 0.30f);
@@ -90,8 +89,8 @@ void Gardener::tube(Point root, float angle, float span, float thick, Color colo
     hole.add((mouth - Point{thick * 0.42f, 0}) * size, thick * 0.30f * size);
     hole.add((mouth + Point{thick * 0.42f, 0}) * size, thick * 0.30f * size);
     for (const Touch& touch : hole.touch(canvas.width(), canvas.height())) {
-        const Point p = canvas.centre(touch.x, touch.y);
-        canvas.blend(touch.x, touch.y, withAlpha(mix(lit(colour, 0.34f), light.water(p), haze), 1),
+        const Point p = canvas.center(touch.x, touch.y);
+        canvas.blend(touch.x, touch.y, withAlpha(mix(lit(color, 0.34f), light.water(p), haze), 1),
                      touch.coverage);
     }
 }
@@ -114,7 +113,7 @@ void Gardener::grass(Point root, float span, float haze)
             at = at + turned({0, -1}, angle + bend * t) * (tall / JOINTS);
         }
         for (const Touch& touch : stroke.touch(canvas.width(), canvas.height())) {
-            const Point p = canvas.centre(touch.x, touch.y);
+            const Point p = canvas.center(touch.x, touch.y);
             const Color c = mix(rgb(6, 56, 50), rgb(120, 190, 80), touch.along * own);
             canvas.blend(touch.x, touch.y,
                          withAlpha(mix(lit(c, 1 - 0.2f * touch.across), light.water(p), haze), 1),
@@ -136,7 +135,7 @@ void paintReef(Canvas& canvas, const Light& light, Random random)
         float x;
         float y;
         float span;
-        Color colour;
+        Color color;
         bool tubes;
         float haze;
     };
@@ -159,13 +158,13 @@ void paintReef(Canvas& canvas, const Light& light, Random random)
                 const float off = (static_cast<float>(i) - 2) * patch.span * 0.30f;
                 gardener.tube(root + Point{off, std::abs(off) * 0.3f}, off / patch.span * 0.6f,
                               patch.span * random.between(0.7f, 1.3f), patch.span * 0.15f,
-                              patch.colour, patch.haze);
+                              patch.color, patch.haze);
             }
         } else {
             for (const float angle : {-0.75f, 0.7f, -0.3f, 0.3f, 0.0f}) {
                 const float turn = random.between(-0.1f, 0.1f);
                 const float span = patch.span * random.between(0.40f, 0.5f);
-                gardener.branch(root, angle + turn, span, patch.span * 0.085f, 3, patch.colour,
+                gardener.branch(root, angle + turn, span, patch.span * 0.085f, 3, patch.color,
                                 patch.haze);
             }
         }

@@ -14,7 +14,7 @@ struct Dune {
     float swing; ///< how far the ridge rises and falls
     float wide;  ///< how many hills across the picture
     float eye;   ///< y of the horizon that its ripples run to
-    float haze;  ///< 0 = near, 1 = has the colour of the water
+    float haze;  ///< 0 = near, 1 = has the color of the water
 };
 
 constexpr Dune DUNES[] = {
@@ -34,7 +34,7 @@ float ridge(const Dune& dune, float x, std::uint32_t seed)
 
 Color sand(const Dune& dune, Point p, float crest, const Light& light, std::uint32_t seed)
 {
-    // The ground as it lies: x and depth both shrink towards the horizon.
+    // Perspective: x and depth on the ground both shrink toward the horizon.
     const float away = 0.1f / std::max(p.y - dune.eye, 0.01f);
     const Point ground{(p.x - 0.5f) * away * 3.0f + 9.0f, away * 4.0f};
     const float warp = fractal(ground * 1.3f, 3, seed + 60);
@@ -55,8 +55,8 @@ Color sand(const Dune& dune, Point p, float crest, const Light& light, std::uint
     return mix(c, light.water(p), dune.haze);
 }
 
-/// A boulder: an ellipse with a lumpy outline, shaded as a dome that the light reaches from above.
-void paintStone(Canvas& canvas, const Light& light, Point centre, Point radius, float haze,
+/// A boulder: an ellipse with a lumpy outline, shaded as a dome that is lit from above.
+void paintStone(Canvas& canvas, const Light& light, Point center, Point radius, float haze,
                 std::uint32_t seed)
 {
     const auto size = static_cast<float>(canvas.width());
@@ -65,11 +65,11 @@ void paintStone(Canvas& canvas, const Light& light, Point centre, Point radius, 
     const Color shade = mix(rgb(10, 40, 56), rgb(18, 50, 54), tint);
     const Color body = mix(rgb(64, 112, 118), rgb(112, 118, 96), tint);
     const Color lichen = mix(rgb(150, 90, 140), rgb(120, 170, 90), noise(9.1f, seed));
-    for (int y = pixel(centre.y - radius.y * 1.4f); y <= pixel(centre.y + radius.y * 1.7f); ++y) {
-        for (int x = pixel(centre.x - radius.x * 1.7f); x <= pixel(centre.x + radius.x * 1.7f);
+    for (int y = pixel(center.y - radius.y * 1.4f); y <= pixel(center.y + radius.y * 1.7f); ++y) {
+        for (int x = pixel(center.x - radius.x * 1.7f); x <= pixel(center.x + radius.x * 1.7f);
              ++x) {
-            const Point p = canvas.centre(x, y);
-            const Point q{(p.x - centre.x) / radius.x, (p.y - centre.y) / radius.y};
+            const Point p = canvas.center(x, y);
+            const Point q{(p.x - center.x) / radius.x, (p.y - center.y) / radius.y};
             // The shadow on the sand first, then the stone over it.
             const Point s{q.x * 0.85f, (q.y - 0.55f) * 1.7f};
             const float shadow = smoothstep(1.25f, 0.35f, length(s));
@@ -150,8 +150,8 @@ void paintStones(Canvas& canvas, const Light& light, Random random)
             const float large = heap.largest * mix(1.0f, 0.35f, t) * random.between(0.8f, 1.1f);
             const float aside = heap.wide * (random.unit() - 0.5f) * (0.5f + t);
             const float before = heap.wide * 0.22f * t * random.unit();
-            const Point centre{heap.x + aside, heap.y + before + (heap.largest - large) * 0.5f};
-            paintStone(canvas, light, centre, {large, large * random.between(0.6f, 0.85f)},
+            const Point center{heap.x + aside, heap.y + before + (heap.largest - large) * 0.5f};
+            paintStone(canvas, light, center, {large, large * random.between(0.6f, 0.85f)},
                        heap.haze, seed += 17);
         }
     }

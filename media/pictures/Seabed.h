@@ -6,8 +6,8 @@
 
 namespace media {
 
-/// Paints the sand dunes onto the lower part of the picture, far ones first, with ripples and the
-/// net of light that the waves throw down to them.
+/// Paints the sand dunes onto the lower part of the picture, far ones first, with ripples and
+/// caustics.
 void paintDunes(Canvas& canvas, const Light& light, std::uint32_t seed);
 
 /// Puts heaps of stones on the sand to the left and to the right.

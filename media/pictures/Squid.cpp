@@ -14,8 +14,8 @@ constexpr Color SHADE = rgb(150, 40, 110);
 constexpr Color SKIN = rgb(250, 120, 140);
 constexpr Color LIGHT = rgb(255, 214, 190);
 
-/// The colour of the skin where a round body turns away from the light by \p round (1 = towards
-/// it), sprinkled with the pigment cells that a squid talks with.
+/// The color of the skin with its spots of pigment.
+/// \param round  how far the surface faces the light, 0 (away) .. 1 (toward it)
 Color skin(float round, Point p, std::uint32_t seed)
 {
     const Color c = round < 0.5f ? mix(SHADE, SKIN, round * 2) : mix(SKIN, LIGHT, round * 2 - 1);
@@ -82,13 +82,13 @@ void paintMantle(Canvas& canvas, std::uint32_t seed)
 }
 
 /// A dot with a soft edge.
-void dab(Canvas& canvas, Point centre, float radius, Color colour)
+void dab(Canvas& canvas, Point center, float radius, Color color)
 {
     Stroke dot;
-    dot.add(centre, radius);
-    dot.add(centre + Point{0.01f, 0}, radius);
+    dot.add(center, radius);
+    dot.add(center + Point{0.01f, 0}, radius);
     for (const Touch& touch : dot.touch(SIZE, SIZE, 1.5f)) {
-        canvas.blend(touch.x, touch.y, colour, touch.coverage);
+        canvas.blend(touch.x, touch.y, color, touch.coverage);
     }
 }
 

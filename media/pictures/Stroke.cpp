@@ -6,7 +6,7 @@ namespace media {
 
 namespace {
 
-/// A rectangle of pixels, the upper ends not included.
+/// A rectangle of pixels: x0 <= x < x1, y0 <= y < y1.
 struct Area {
     int x0;
     int y0;
@@ -35,7 +35,8 @@ struct Area {
     }
 };
 
-/// What is known of a pixel: how far it lies outside the stroke (negative: inside), and where.
+/// The nearest place of the stroke to a pixel, and how far outside of it the pixel lies (negative:
+/// inside).
 struct Nearest {
     float outside = std::numeric_limits<float>::max();
     float along = 0;

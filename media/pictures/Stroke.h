@@ -12,18 +12,19 @@ struct Touch {
     int y;
     float coverage; ///< how much of the pixel is covered, 0 .. 1
     float along;    ///< 0 at the stroke's first point .. 1 at its last
-    float across;   ///< -1 at the edge to the left of the walker along the stroke .. 1 at the right
+    float across;   ///< -1 at the left edge, looking along the stroke, .. 1 at the right edge
 };
 
-/// A brush stroke: a bent line whose width changes on the way. Leaves, stems, stones and tentacles
-/// are all strokes; what they look like is up to the loop that shades the touched pixels.
+/// A brush stroke: a polyline of varying width. Leaves, stems and tentacles are strokes. The caller
+/// shades the pixels that touch returns.
 class Stroke {
 public:
-    /// Leads the stroke on to \p at. Both in pixels; y points down.
+    /// Appends a point and half the width there. Both in pixels; y points down.
     void add(Point at, float halfWidth) { joints.push_back({at, halfWidth}); }
 
-    /// The covered pixels of a canvas of the given size, each of them once, with an edge that is
-    /// smooth over \p softness pixels.
+    /// The covered pixels of a canvas of the given size, each of them once. A stroke of fewer than
+    /// two points covers none. \param softness  width of the edge over which coverage falls from 1
+    /// to 0, pixels
     std::vector<Touch> touch(int width, int height, float softness = 1) const;
 
 private:

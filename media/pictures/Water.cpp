@@ -19,7 +19,8 @@ constexpr KelpForest FAR_KELP[] = {{9, 0.42f, 0.060f, 0.86f, 0.14f, 0.80f, 0.003
 constexpr KelpForest NEAR_KELP[] = {{4, 0.22f, 0.120f, 0.94f, 0.02f, 0.34f, 0.0008f},
                                     {2, 0.09f, 0.170f, 1.02f, -0.06f, 0.08f, 0}};
 
-/// What shows beside the picture in a wide window is (5, 26, 38). The scene halves the picture.
+/// The color at the edge of the picture. The scene halves it, which gives (5, 26, 38): the color
+/// that a wide window shows beside the picture.
 constexpr Color SURROUND = rgb(10, 51, 77);
 
 /// Calls \p change with every pixel and its place in the unit square.
@@ -28,21 +29,21 @@ void forEachPixel(Canvas& canvas, Change change)
 {
     for (int y = 0; y < canvas.height(); ++y) {
         for (int x = 0; x < canvas.width(); ++x) {
-            change(canvas.at(x, y), canvas.centre(x, y));
+            change(canvas.at(x, y), canvas.center(x, y));
         }
     }
 }
 
-/// Lets shafts of sunlight fall before everything that is painted so far.
+/// Adds shafts of sunlight in front of all that is painted so far.
 void shine(Canvas& canvas, const Light& light, float strength)
 {
     forEachPixel(canvas, [&](Color& pixel, Point p) {
-        pixel = screen(pixel, Light::shaftColour() * (light.shafts(p) * strength));
+        pixel = screen(pixel, Light::shaftColor() * (light.shafts(p) * strength));
     });
 }
 
-/// What drifts in every sea: specks that light up where the sun reaches them, most of them tiny,
-/// a few close to the eye and out of focus.
+/// Adds specks that drift in the water and light up where the sun reaches them. Most are tiny, a
+/// few are close to the eye and out of focus.
 void scatterSpecks(Canvas& canvas, const Light& light, Random random)
 {
     const auto size = static_cast<float>(canvas.width());
@@ -59,14 +60,14 @@ void scatterSpecks(Canvas& canvas, const Light& light, Random random)
         for (int y = cy - reach; y <= cy + reach; ++y) {
             for (int x = cx - reach; x <= cx + reach; ++x) {
                 const float disc =
-                    smoothstep(1.3f, 0.5f, length(canvas.centre(x, y) - at) / radius);
+                    smoothstep(1.3f, 0.5f, length(canvas.center(x, y) - at) / radius);
                 canvas.blend(x, y, rgb(120, 250, 235), disc * bright);
             }
         }
     }
 }
 
-/// Brings the picture to full strength, since the scene shows it at half, and darkens the corners.
+/// Brightens the picture, since the scene halves it, and darkens the corners.
 void develop(Canvas& canvas)
 {
     const auto lift = [](float v) { return 1 - std::pow(1 - clamp01(v), 1.35f); };
@@ -77,8 +78,8 @@ void develop(Canvas& canvas)
     });
 }
 
-/// Lets the rim of the picture run out into its surroundings, with the uneven edge of a wash. Above
-/// and below, where a window never shows what lies beyond, a narrow rim is enough.
+/// Fades the edges of the picture into SURROUND, unevenly. The upper and lower edges fade within
+/// fewer pixels: no window shows what lies beyond them.
 void frame(Canvas& canvas, std::uint32_t seed)
 {
     forEachPixel(canvas, [seed](Color& pixel, Point p) {

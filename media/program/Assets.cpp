@@ -23,7 +23,7 @@ const std::vector<Asset>& assets()
         {"fish", "data/fish0.png, the sprite of every fish", makeFish},
         {"bubble", "data/bubble.png, the sprite of every bubble", makeBubble},
         {"cube", "data/cube.obj, its materials and its map", makeCube},
-        {"font", "fonts/ChalkboardBold.ttf and its licence", makeFont},
+        {"font", "fonts/ChalkboardBold.ttf and its license", makeFont},
     };
     return table;
 }

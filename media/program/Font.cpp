@@ -22,12 +22,13 @@ std::string readFile(const std::filesystem::path& path)
 
 std::vector<File> makeFont(const Request& request)
 {
-    // FreeType looks at the content, so an OpenType font may bear the name that the scene opens.
+    // FreeType tells fonts by their content: an OpenType font may have the name that the scene
+    // opens.
     std::vector<File> files{
         {"fonts/ChalkboardBold.ttf", readFile(request.font), request.font.filename().string()}};
     if (!request.fontLicense.empty()) {
         files.push_back({"fonts/ChalkboardBold.LICENSE.txt", readFile(request.fontLicense),
-                         "the font's licence"});
+                         "the font's license"});
     }
     return files;
 }

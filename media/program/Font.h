@@ -4,7 +4,7 @@
 
 namespace media {
 
-/// Makes fonts/ChalkboardBold.ttf and the text of its licence.
+/// Makes fonts/ChalkboardBold.ttf and the text of its license.
 std::vector<File> makeFont(const Request& request);
 
 } // namespace media

@@ -16,8 +16,8 @@ using media::Options;
 
 constexpr const char* PROGRAM = "kelpix-media";
 
-/// Makes assets and writes their files, two at a time. An asset depends on the request alone, so
-/// the files come out the same in whatever order the threads get to them.
+/// Makes assets and writes their files, on two threads. The bytes of an asset depend on the request
+/// alone, not on the order in which the threads take them.
 class Workshop {
 public:
     explicit Workshop(const Options& from) : options(from)

@@ -15,7 +15,7 @@ constexpr float PEAK = 0.707946f; // -3 dBFS
 constexpr int SECONDS = 18;
 constexpr double PI2 = 2 * std::numbers::pi;
 
-/// The loop is a ring: whatever reaches beyond its end goes on at its start.
+/// The loop as a ring buffer: what reaches beyond its end goes on at its start. Borrows the sound.
 class Ring {
 public:
     explicit Ring(Sound& on) : sound(on) {}
@@ -76,7 +76,7 @@ double randomPitch(Random& random)
     return 350 * std::pow(1800.0 / 350.0, random.unit());
 }
 
-/// Strings of bubbles that rise one after the other, and single ones in between.
+/// Adds strings of bubbles that rise one after the other, and single ones in between.
 void addDrops(Ring& loop, Random& random)
 {
     for (int i = 0; i < 26; ++i) {
@@ -100,8 +100,8 @@ void addDrops(Ring& loop, Random& random)
     }
 }
 
-/// The soft rush of water: noise through a low-pass whose edge rises and falls. The filter runs
-/// around the ring twice and keeps the second round, so that its end leads into its start.
+/// Adds the soft rush of water: noise through a low-pass whose cutoff rises and falls. The filter
+/// runs around the loop twice and the second round is kept, so that the end leads into the start.
 void addBed(Sound& sound, float level, Random& random)
 {
     for (std::vector<float>* channel : {&sound.left, &sound.right}) {
@@ -138,7 +138,7 @@ std::vector<File> makeBubbles(const Request& request)
     Ring loop(sound);
     addDrops(loop, random);
     addBed(sound, 1.6f, random);
-    sound.normalise(PEAK);
+    sound.normalize(PEAK);
     return {
         {"sound/bubbles_sound.ogg", encodeVorbis(sound, 0.6f, 2), std::to_string(SECONDS) + " s"}};
 }

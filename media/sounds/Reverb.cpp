@@ -8,7 +8,7 @@ namespace media {
 void reverberate(Sound& sound, float decay, float wet)
 {
     constexpr std::size_t LINES = 8;
-    // Mutually prime lengths in samples, 35 to 97 ms, so that no two echoes fall together.
+    // Mutually prime lengths in samples, 35 to 97 ms, so that echoes do not coincide.
     constexpr std::array<std::size_t, LINES> LENGTHS = {1549, 1949, 2293, 2699,
                                                         3079, 3461, 3907, 4271};
     constexpr std::size_t PREDELAY = 1300;

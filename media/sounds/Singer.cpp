@@ -14,7 +14,7 @@ constexpr int HARMONICS = 25;
 constexpr std::size_t FORMANTS = 4;
 constexpr double VIBRATO = 5.3;
 
-/// The state of the singer is worked out once every so many samples and led on evenly in between.
+/// The control signals are updated once per FRAME samples and interpolated linearly in between.
 constexpr std::size_t FRAME = 64;
 constexpr double FRAME_SECONDS = static_cast<double>(FRAME) / SAMPLE_RATE;
 
@@ -37,7 +37,7 @@ const Mouth& mouthOf(Vowel vowel)
     return MOUTHS[static_cast<std::size_t>(vowel)];
 }
 
-/// One period of the voice's buzz.
+/// One period of the glottal source: a table of harmonics.
 class Buzz {
 public:
     /// \param slope  harmonic k has the strength k^-slope: large = soft, small = bright
@@ -68,7 +68,7 @@ private:
     std::array<float, SIZE + 1> table;
 };
 
-/// A band-pass of unit gain at its centre that stays stable while it is being tuned (the
+/// A band-pass of unit gain at its center that stays stable while it is being tuned (the
 /// trapezoidal state-variable filter of Zavalishin, "The Art of VA Filter Design").
 class Resonator {
 public:
@@ -96,13 +96,14 @@ private:
     float second = 0;
 };
 
-/// A value that follows its target as a muscle does, with a time constant in seconds.
+/// \p value after a frame in which it approaches \p target exponentially, with a time constant of
+/// \p seconds.
 double follow(double value, double target, double seconds)
 {
     return target + (value - target) * std::exp(-FRAME_SECONDS / seconds);
 }
 
-/// The singer in the middle of the line: what the throat does now.
+/// The control signals of a singer at one moment of the line.
 class Throat {
 public:
     Throat(const Singer& who, const std::vector<SungNote>& line)
@@ -147,7 +148,7 @@ void Throat::advance(double now)
             pitch = note.pitch - 1.2;
         }
         pitch = follow(pitch, note.pitch, 0.035);
-        // A held note swells, and a new one is set off from the last by a small dip.
+        // A held note swells; a small dip separates it from the last one.
         const double swell = 0.82 + 0.18 * std::sin(std::numbers::pi * held / note.duration);
         target = note.loudness * swell * (1 - 0.30 * std::exp(-held / 0.05));
         depth = 0.32 * smoothstep(0.25f, 0.9f, static_cast<float>(held));
@@ -162,7 +163,7 @@ void Throat::advance(double now)
     effort = follow(effort, target, 0.15);
     const double air = sounding ? 0.012 + 0.05 * std::max(target - level, 0.0) : 0.0;
     breath = follow(breath, air * (target + 0.2), 0.05);
-    // No voice holds still: the pitch drifts by a few cents.
+    // The pitch drifts by a few cents.
     drift = follow(drift, random.between(-0.9f, 0.9f), 0.12);
     waver += VIBRATO * FRAME_SECONDS * (1 + 0.04 * drift);
     const double semitones =
@@ -191,11 +192,11 @@ void sing(Sound& sound, const Singer& singer, const std::vector<SungNote>& notes
             continue;
         }
         for (std::size_t i = 0; i < FORMANTS; ++i) {
-            double centre = throat.mouth.frequency[i] * singer.tract;
+            double center = throat.mouth.frequency[i] * singer.tract;
             // High notes open the jaw, so that the first resonance stays above the note.
-            centre = i == 0 ? std::max(centre, throat.frequency * 1.05) : centre;
-            resonators[i].tune(centre, throat.mouth.width[i]);
-            // Neighbours sound against each other, or they would cancel halfway between.
+            center = i == 0 ? std::max(center, throat.frequency * 1.05) : center;
+            resonators[i].tune(center, throat.mouth.width[i]);
+            // Alternating signs: neighboring resonances would cancel halfway between otherwise.
             const double sign = i % 2 == 0 ? 1 : -1;
             gains[i] = static_cast<float>(sign * std::pow(10, throat.mouth.level[i] / 20));
         }

@@ -23,14 +23,13 @@ struct Singer {
     float gain;   ///< of the whole line
     float detune; ///< cents
     double late;  ///< seconds behind the beat
-    float tract;  ///< formants times this: below 1 for a larger body
+    float tract;  ///< factor of the formants' frequencies: below 1 for a larger body
 };
 
-/// Adds a line of notes to a sound, sung by formant synthesis: a buzz of 25 harmonics and some
-/// breath go through four resonators, tuned as the throat and the mouth are for the vowel (the
-/// source and filter of Fant, "Acoustic Theory of Speech Production", 1960). The pitch glides from
-/// note to note and wavers at 5.3 Hz once a note is held.
-/// \param notes  in order of time, not overlapping
+/// Adds a line of notes to a sound, sung by formant synthesis: a source of 25 harmonics and some
+/// noise goes through four resonators, tuned to the formants of the vowel (the source-filter model
+/// of Fant, "Acoustic Theory of Speech Production", 1960). The pitch glides from note to note, with
+/// a vibrato of 5.3 Hz once a note is held. \param notes  in order of time, not overlapping
 void sing(Sound& sound, const Singer& singer, const std::vector<SungNote>& notes);
 
 } // namespace media

@@ -30,7 +30,7 @@ struct Sound {
     }
 
     /// Makes the largest absolute sample \p level. Silence stays silence.
-    void normalise(float level)
+    void normalize(float level)
     {
         const float now = peak();
         if (now > 0) {

@@ -39,7 +39,7 @@ struct Lines {
 Lines arrange(const Score& score)
 {
     Lines lines;
-    // A hum out of the silence, before anyone is to be seen.
+    // A hum, before the figures come into view.
     lines.low.push_back({0.35, PRELUDE - 0.75, 50, Vowel::M, 0.22f});
     for (const Cue& cue : score.cues) {
         const int verse = std::min(cue.verse, 3);
@@ -70,7 +70,7 @@ Lines arrange(const Score& score)
     return lines;
 }
 
-/// Rounds off what stands out, so that the voice is loud without being close to clipping.
+/// Soft clipping of the peaks: the voice becomes louder without coming close to full scale.
 void saturate(Sound& sound)
 {
     const float drive = 1.4f / std::max(sound.peak(), 1e-6f);
@@ -124,7 +124,7 @@ std::vector<File> makeVoice(const Request& request)
     reverberate(sound, 2.8f, 0.30f);
     saturate(sound);
     fadeOut(sound);
-    sound.normalise(PEAK);
+    sound.normalize(PEAK);
     return {{"sound/magpie_vocal.ogg", encodeVorbis(sound, 0.5f, 1),
              std::to_string(request.seconds) + " s"}};
 }

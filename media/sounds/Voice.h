@@ -4,7 +4,7 @@
 
 namespace media {
 
-/// Makes sound/magpie_vocal.ogg: the song, which is the scene's clock as well.
+/// Makes sound/magpie_vocal.ogg: the song, which is also the scene's clock.
 std::vector<File> makeVoice(const Request& request);
 
 } // namespace media

@@ -89,7 +89,7 @@ class FirstHour(unittest.TestCase):
 
     def check_cube(self, picture, x, y):
         self.assertEqual((picture.width, picture.height), (740, 740))
-        cube = picture.places(lambda *colour: colour != BACKGROUND)
+        cube = picture.places(lambda *color: color != BACKGROUND)
         self.assertTrue(cube)
         middle = [sum(values) / len(cube) for values in zip(*cube)]
         self.assertAlmostEqual(middle[0], x, delta=12)

@@ -108,7 +108,7 @@ class Kiosk(unittest.TestCase):
                    if not path.name.endswith(".lock")]
         picture = self.folder / "screen.png"
 
-        def colours():
+        def colors():
             grim = subprocess.run([*user, "grim", picture], env=dict(
                 os.environ, WAYLAND_DISPLAY=sockets[0], XDG_RUNTIME_DIR=str(self.folder / "run")))
             if grim.returncode != 0:
@@ -121,7 +121,7 @@ class Kiosk(unittest.TestCase):
             self.assertEqual((width, height), ("1280", "720"))
             return left == right == "srgb(5,26,38)" and middle != left
 
-        self.wait_for(colours, process)
+        self.wait_for(colors, process)
 
         scene = subprocess.run([*user, "xdotool", "search", "--onlyvisible", "--name", r"^kelpix \(",
                                 "getwindowpid"], env=dict(os.environ, DISPLAY=display), check=True,

@@ -53,7 +53,7 @@ Picture readPng(const std::string& path)
     picture.height = static_cast<int>(png_get_image_height(png, info));
     picture.channels = png_get_channels(png, info);
     picture.bitDepth = png_get_bit_depth(png, info);
-    picture.colourType = png_get_color_type(png, info);
+    picture.colorType = png_get_color_type(png, info);
     const png_size_t stride = png_get_rowbytes(png, info);
     for (int y = 0; y < picture.height; ++y) {
         const png_byte* row = png_get_rows(png, info)[y];

@@ -11,7 +11,7 @@ struct Picture {
     int height = 0;
     int channels = 0;
     int bitDepth = 0;
-    int colourType = -1;                             ///< PNG only
+    int colorType = -1;                              ///< PNG only
     std::vector<std::array<int, 2>> samplingFactors; ///< JPEG only: horizontal, vertical
     std::vector<unsigned char> bytes;
 

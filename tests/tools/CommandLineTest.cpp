@@ -90,8 +90,8 @@ TEST_F(CommandLineTest, HelpAndVersionEndTheLine)
 
 TEST_F(CommandLineTest, SaysWhatMakesNoSense)
 {
-    EXPECT_EQ(complaint({"--colour", "red"}), "unknown option \"--colour\"");
-    EXPECT_EQ(complaint({"--colour=red"}), "unknown option \"--colour=red\"");
+    EXPECT_EQ(complaint({"--color", "red"}), "unknown option \"--color\"");
+    EXPECT_EQ(complaint({"--color=red"}), "unknown option \"--color=red\"");
     for (const char* word : {"reef", "", "-", "-o", "-h=", "--ou", "--", "--=", "out=x", "-help"}) {
         EXPECT_EQ(complaint({word}), std::string("unknown option \"") + word + "\"");
     }

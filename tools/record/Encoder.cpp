@@ -36,7 +36,8 @@ struct Pipe {
         }
         read = ends[0];
         write = ends[1];
-        // Fewer changes between the processes; it works all the same where this is refused.
+        // A larger pipe means fewer context switches. Where this is refused the default size will
+        // do.
         constexpr int LARGEST = 1 << 20;
         fcntl(write, F_SETPIPE_SZ, LARGEST);
     }
@@ -71,7 +72,8 @@ bool writeAll(int descriptor, const void* data, std::size_t bytes)
     return true;
 }
 
-/// Starts a command with two descriptors of this process as its standard input and its sound.
+/// Starts a command. Two descriptors of this process become its standard input and its
+/// SOUND_DESCRIPTOR.
 /// \return the result of posix_spawnp
 int spawn(std::vector<std::string> command, int input, int sound, pid_t& process)
 {
@@ -87,7 +89,8 @@ int spawn(std::vector<std::string> command, int input, int sound, pid_t& process
     posix_spawn_file_actions_adddup2(&files, input, STDIN_FILENO);
     posix_spawn_file_actions_adddup2(&files, sound, SOUND_DESCRIPTOR);
 
-    // It dies of a broken pipe as usual, and Ctrl-C is this program's to handle.
+    // The child gets SIGPIPE's default action back, and a process group of its own: Ctrl-C then
+    // reaches this program only.
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
     sigset_t usual;
@@ -141,14 +144,14 @@ std::vector<std::string> encoderCommand(const FilmFormat& format,
         add({"-c:v", "libx264", "-preset", "veryfast", "-crf", "18"});
     }
     if (isOneOf(kind, {".mp4", ".m4v", ".mov", ".mkv", ".webm"})) {
-        // What every player can show.
+        // The pixel format that every player shows.
         add({"-pix_fmt", "yuv420p"});
     }
     if (isOneOf(kind, {".mp4", ".m4v", ".mov"})) {
         add({"-movflags", "+faststart"});
     }
     command.insert(command.end(), format.encoderOptions.begin(), format.encoderOptions.end());
-    // A name with a colon is no protocol.
+    // Without this ffmpeg takes a name with a colon for a protocol.
     command.push_back("file:" + output.string());
     return command;
 }
@@ -201,7 +204,7 @@ void Encoder::finish()
 void Encoder::abandon()
 {
     if (process != -1) {
-        // It leads a group of its own: what it has started ends with it.
+        // The whole group: processes that ffmpeg has started end with it.
         kill(-process, SIGKILL);
         waitForEnd();
     }
@@ -215,7 +218,7 @@ int Encoder::waitForEnd()
     while (waitpid(process, &status, 0) == -1 && errno == EINTR) {
     }
     process = -1;
-    // Its reader is gone: it ends, if it has not yet.
+    // Nobody reads the sound any more, so the thread ends.
     soundFeed.join();
     return status;
 }

@@ -29,8 +29,8 @@ struct FilmFormat {
 std::vector<std::string> encoderCommand(const FilmFormat& format,
                                         const std::filesystem::path& output);
 
-/// A film in the making: ffmpeg, running as a process of its own and fed through pipes. What ffmpeg
-/// has to say goes to standard error. The film appears under its name when it is complete.
+/// A film in the making: ffmpeg, running as a process of its own and fed through pipes. The
+/// messages of ffmpeg go to standard error. The film appears under its name when it is complete.
 ///
 /// The process must ignore SIGPIPE.
 class Encoder {
@@ -39,7 +39,7 @@ public:
     /// Called on a thread of its own.
     using SoundSource = std::function<std::vector<std::int16_t>()>;
 
-    /// Starts it. Throws std::runtime_error, with a line for the user, when the film cannot be
+    /// Starts ffmpeg. Throws std::runtime_error, with a line for the user, when the film cannot be
     /// written or there is no ffmpeg.
     Encoder(const FilmFormat& format, SoundSource sound);
     Encoder(const Encoder&) = delete;
@@ -49,7 +49,7 @@ public:
     ~Encoder();
 
     /// Takes the next frame, of the film's size, and waits while ffmpeg is busy.
-    /// \return false when ffmpeg wants no more, as its options can tell it
+    /// \return false when ffmpeg has ended without an error, as with an option for the length
     /// Throws std::runtime_error when ffmpeg failed.
     bool write(const Picture& frame);
 

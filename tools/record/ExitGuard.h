@@ -4,16 +4,16 @@
 
 namespace record {
 
-/// What is to be done if the process ends by std::exit while this object lives: the scene's readers
-/// end it so when the media are unusable, with status 0 for some. The process then ends with
-/// status 1, once the guards that live have done their work, the latest first.
+/// Does its work if the process ends by std::exit while this object lives: the scene's readers call
+/// it when they cannot use the media, some of them with status 0. The process then ends with
+/// status 1, after all living guards have done their work, the latest first.
 class ExitGuard {
 public:
     explicit ExitGuard(std::function<void()> work);
     ExitGuard(const ExitGuard&) = delete;
     ExitGuard& operator=(const ExitGuard&) = delete;
 
-    /// Guards end in the reverse order of their making.
+    /// Guards are destroyed in the reverse order of their construction.
     ~ExitGuard();
 
 private:

@@ -4,8 +4,8 @@
 
 namespace record {
 
-/// Copies drawn frames into memory, two at a time: while one is on its way, the next can be drawn.
-/// Every operation needs the GL context current that the constructor met.
+/// Copies drawn frames into memory, two at a time: the next frame can be drawn during a copy.
+/// Every operation needs the GL context that was current in the constructor.
 class FrameReader {
 public:
     /// Throws std::runtime_error when GL has no memory for the copies.
@@ -21,7 +21,7 @@ public:
 
     /// Waits for the older of the copies under way, which there must be.
     /// \return a reference into this object, good until the next call
-    /// Throws std::runtime_error when GL cannot hand it out.
+    /// Throws std::runtime_error when GL cannot map the copy.
     const Picture& finish();
 
     /// Copies under way: 0, 1 or 2.

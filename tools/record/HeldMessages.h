@@ -2,19 +2,19 @@
 
 namespace record {
 
-/// Keeps what is written to standard output, while this object lives, from being seen: the scene
-/// tells there how it loads, which is of interest only when something goes wrong.
+/// Captures standard output while this object lives. The scene prints there how it loads, which is
+/// of interest only when something goes wrong.
 class HeldMessages {
 public:
-    /// Throws std::runtime_error when there is no room for them.
+    /// Throws std::runtime_error when the messages cannot be captured.
     HeldMessages();
     HeldMessages(const HeldMessages&) = delete;
     HeldMessages& operator=(const HeldMessages&) = delete;
 
-    /// Gives standard output back.
+    /// Restores standard output.
     ~HeldMessages();
 
-    /// Writes what was held so far to standard error, its control characters escaped.
+    /// Writes what was captured so far to standard error, its control characters escaped.
     void show() const;
 
 private:

@@ -20,7 +20,7 @@ void Interruption::watch()
 {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         struct sigaction action = {};
-        // A program started with nohup stays deaf.
+        // A signal that was ignored at the start, as by nohup, stays ignored.
         if (sigaction(signal, nullptr, &action) == 0 && action.sa_handler != SIG_IGN) {
             action = {};
             action.sa_handler = note;

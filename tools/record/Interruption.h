@@ -2,7 +2,7 @@
 
 namespace record {
 
-/// Somebody wants the program to end before its work is done: Ctrl-C, a closed terminal, kill.
+/// A signal that asks the program to end before its work is done: Ctrl-C, a closed terminal, kill.
 struct Interruption {
     int signal;
 

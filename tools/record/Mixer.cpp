@@ -9,7 +9,7 @@ namespace record {
 
 namespace {
 
-constexpr double VOICE_GAIN = 1.0; // the program asks for 1.5, and the limit is 1
+constexpr double VOICE_GAIN = 1.0; // the program asks for 1.5, OpenAL's limit is 1
 constexpr double BUBBLES_GAIN = 0.2;
 constexpr double MONO_GAIN = 0.6;
 
@@ -57,7 +57,7 @@ double Mixer::bubblesAt(std::int64_t frame, int channel) const
     if (length == 0) {
         return 0;
     }
-    // Seconds apart from the rest, or hours at high rates would overflow.
+    // Whole seconds separately: the product of hours and two rates would overflow.
     const std::int64_t position = frame % first.rate * loop.rate;
     const std::int64_t whole = frame / first.rate * loop.rate + position / first.rate;
     const double part = static_cast<double>(position % first.rate) / first.rate;

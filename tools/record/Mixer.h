@@ -14,15 +14,15 @@ struct Track {
     std::int64_t frames() const { return static_cast<std::int64_t>(samples.size()) / channels; }
 };
 
-/// What the program lets hear, computed: the voice once and the bubbles without end, with the gains
-/// that the program gives them. Two channels at the voice's rate.
+/// The program's sound, computed: the voice once and the bubbles in a loop, with the program's
+/// gains. Two channels at the voice's rate.
 ///
 /// A mono track comes out at 0.6 on both sides, as OpenAL places it in front of the listener. Gains
 /// above 1 count as 1, as in OpenAL. Bubbles of another rate are interpolated linearly. Sums that
 /// 16 bits cannot hold are clamped.
 class Mixer {
 public:
-    /// \param voice,bubbles  a track without frames is silent
+    /// \param voice,bubbles  a track without frames is silence
     Mixer(Track voice, Track bubbles);
 
     int rate() const { return first.rate; }

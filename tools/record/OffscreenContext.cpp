@@ -116,7 +116,7 @@ void OffscreenContext::release()
     if (context != EGL_NO_CONTEXT) {
         eglDestroyContext(display, context);
     }
-    // The display stays: it is the process's, and another context may be using it.
+    // The display is shared by the whole process, and another context may be using it.
 }
 
 void OffscreenContext::drawPixels(bool wanted)

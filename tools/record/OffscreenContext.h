@@ -2,7 +2,7 @@
 
 namespace record {
 
-/// An OpenGL context without display or window, with a framebuffer of its own to draw into: colour
+/// An OpenGL context without display or window, with a framebuffer of its own to draw into: color
 /// of 8 bits a channel with alpha, and depth, as the program's window has. GL's state is that of a
 /// new context otherwise.
 class OffscreenContext {
@@ -15,8 +15,8 @@ public:
     OffscreenContext& operator=(const OffscreenContext&) = delete;
     ~OffscreenContext();
 
-    /// Whether drawing reaches the framebuffer's pixels. Without, everything else still happens,
-    /// but in a fraction of the time: for frames that nobody looks at. Needs: this context current.
+    /// Whether drawing reaches the framebuffer's pixels. Without, everything else still happens, in
+    /// a fraction of the time: for frames that are not saved. Needs: this context current.
     static void drawPixels(bool wanted);
 
 private:

@@ -12,11 +12,10 @@ using commandline::number;
 using commandline::UsageError;
 using commandline::Value;
 
-constexpr int LARGEST_SIZE = 65536; // GL's own limit shows when the context is made
+constexpr int LARGEST_SIZE = 65536; // GL's own limit is checked with the context
 constexpr int LARGEST_FPS = 1000;
 
-/// The films that ffmpeg makes without being told more than a name, with pictures and, where the
-/// kind can hold it, sound.
+/// The extensions from which ffmpeg tells the format of a film, with sound where the format has it.
 constexpr std::array FILM_KINDS = {".mp4", ".m4v", ".mov",  ".mkv", ".webm", ".gif", ".avi",
                                    ".flv", ".mpg", ".mpeg", ".nut", ".ogv",  ".ts",  ".wmv"};
 
@@ -99,7 +98,7 @@ std::vector<commandline::Option> tableOf(Options& options)
     };
 }
 
-/// Another extension is for those who tell ffmpeg the format.
+/// Any other extension needs an option that tells ffmpeg the format.
 void checkFilmKind(const Options& options)
 {
     const std::string extension = options.out.extension();
@@ -112,7 +111,7 @@ void checkFilmKind(const Options& options)
     }
 }
 
-/// What no single option can tell.
+/// Checks the options together.
 void check(const Options& options)
 {
     if (options.out.empty() && options.png.empty() && !options.hash) {

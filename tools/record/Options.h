@@ -21,8 +21,8 @@ struct Options {
     int height = 740;
     int fps = 40;                            ///< frames of the film per second
     unsigned seed = 1;                       ///< of the scene's random numbers
-    std::filesystem::path media;             ///< empty = the usual place
-    std::filesystem::path script;            ///< empty = nobody touches the scene
+    std::filesystem::path media;             ///< empty = as mediaToPlay chooses
+    std::filesystem::path script;            ///< empty = no input
     std::vector<std::string> encoderOptions; ///< handed to ffmpeg, before the output's name
 };
 

@@ -7,8 +7,8 @@
 
 namespace record {
 
-/// How far the work is, for people who wait: on a terminal a bar that grows in place, elsewhere a
-/// line at every tenth.
+/// Prints how much of the work is done: on a terminal a bar that grows in place, elsewhere a line
+/// at every tenth.
 class Progress {
 public:
     using Duration = std::chrono::duration<double>;
@@ -20,7 +20,7 @@ public:
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    /// Takes the bar away.
+    /// Erases the bar.
     ~Progress();
 
     /// Says that this many pieces are done, \p elapsed after the start.
@@ -30,12 +30,12 @@ private:
     std::FILE* file;
     bool onTerminal;
     std::int64_t whole;
-    std::int64_t tenths = 0; ///< told so far
+    std::int64_t tenths = 0; ///< printed so far
     Duration shown{-1};      ///< when the bar was drawn last; below 0: never
 };
 
-/// The time that is left if the rest goes as fast as the work so far, as "1:05 left"; with hours
-/// "1:01:05 left". Empty before the first piece is done.
+/// The time that is left if the rest takes as long for each piece as the work so far: "1:05 left",
+/// or with hours "1:01:05 left". Empty before the first piece is done.
 std::string timeLeft(std::int64_t done, std::int64_t total, Progress::Duration elapsed);
 
 } // namespace record

@@ -109,12 +109,12 @@ std::string Recorder::hash()
     return text;
 }
 
-/// The sound that goes with a film, piece by piece.
+/// The sound of a film, in pieces.
 Encoder::SoundSource soundFor(const Schedule& schedule, const Options& options, Mixer mixer)
 {
     const std::int64_t rate = mixer.rate();
     const std::int64_t length = schedule.frames() * rate / options.fps;
-    // Seconds apart from the rest, or hours at high rates would overflow.
+    // Whole seconds separately: the product of hours and a high rate would overflow.
     const std::int64_t start = options.at / SECOND * rate + options.at % SECOND * rate / SECOND;
     constexpr std::int64_t PIECE = 4096;
     return [=, at = start, mixer = std::move(mixer)]() mutable {
@@ -144,7 +144,7 @@ std::string Recorder::makeFilm(const Schedule& schedule)
 
 void Recorder::film(const Schedule& schedule, Encoder& encoder)
 {
-    std::queue<std::int64_t> repeats; // of the frames that are under way
+    std::queue<std::int64_t> repeats; // how often each frame under way is shown
     bool wanted = true;
     const auto deliver = [&] {
         const Picture& picture = reader.finish();

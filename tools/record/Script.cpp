@@ -14,7 +14,7 @@ namespace record {
 
 namespace {
 
-constexpr int FARTHEST = 32767; // the window system's coordinates
+constexpr int FARTHEST = 32767; // of X's coordinates
 constexpr int MOST_WHEEL_STEPS = 100;
 
 struct Place {
@@ -22,14 +22,14 @@ struct Place {
     int y = 0;
 };
 
-/// Reads a script line by line. What is wrong is thrown as a bare text.
+/// Reads a script line by line. Its errors have neither file nor line number yet.
 class Parser {
 public:
     Script script;
 
     void readLine(const std::string& line, int number);
 
-    /// Several lines may have led to inputs at the same time.
+    /// Sorts the inputs: a drag has inputs after those of the lines that follow it.
     void finish();
 
 private:
@@ -180,7 +180,7 @@ void Parser::wheel()
         refuse("the wheel goes up or down, not \"" + direction + "\"");
     }
     const int count = next < words.size() ? number("the count", 1, MOST_WHEEL_STEPS) : 1;
-    // To the window system the wheel's directions are two more buttons.
+    // X reports the wheel's directions as buttons 4 and 5.
     const bool up = direction == "up";
     for (int i = 0; i < count; ++i) {
         add(stepAfter(now), FL_MOUSEWHEEL, FL_Button + (up ? 4 : 5), up ? -1 : 1);

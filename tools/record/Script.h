@@ -16,18 +16,18 @@ class ScriptError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// One event as the toolkit reports it to a window.
+/// One event as FLTK reports it to a window.
 struct Input {
     std::int64_t step; ///< of the scene; the event arrives before its update
     int event;         ///< FL_PUSH, FL_DRAG ...
     int x, y;          ///< the pointer, window pixels, top left 0
-    int key;           ///< key or button, as the toolkit's event_key tells it
+    int key;           ///< key or button, as Fl::event_key returns it
     int wheel;         ///< steps of the wheel, down is positive
 
     bool operator==(const Input&) const = default;
 };
 
-/// What somebody does at the window, written down: one line for each act, in the order of time.
+/// Mouse and keyboard for the window as a text: one line for each act, in the order of time.
 ///
 ///     TIME move X Y                  the pointer goes there
 ///     TIME click X Y                 a right click
@@ -36,7 +36,7 @@ struct Input {
 ///     TIME drag KEY X Y X Y SECONDS  drags from one place to the other while KEY is held
 ///
 /// TIME is in seconds, places in window pixels from the top left, KEY is a character or "space".
-/// Text behind # and empty lines are left out. While a drag lasts only the wheel can be used.
+/// Text after # and empty lines are ignored. While a drag lasts only the wheel can be used.
 struct Script {
     std::vector<Input> inputs;           ///< in the order of their steps
     std::optional<std::int64_t> endStep; ///< the step at which q is pressed

@@ -14,7 +14,7 @@ using record::Options;
 
 constexpr const char* PROGRAM = "kelpix-record";
 
-/// Goes to the media; relative names of the options become absolute before.
+/// Makes the options' names of files absolute, and enters the folder of the media.
 void enterMedia(Options& options)
 {
     const fs::path folder = mediaToPlay(options.media, KELPIX_MEDIA_FROM_PROGRAM);
@@ -57,7 +57,7 @@ int run(const std::vector<std::string>& arguments)
     return 0;
 }
 
-/// As run, with the statuses of what is no failure of the program.
+/// Runs, and turns a bad script and an interruption into their statuses.
 int runOrEndEarly(const std::vector<std::string>& arguments)
 {
     try {

@@ -30,7 +30,7 @@ const Sample& startOf(const std::vector<Sample>& samples)
 Goal judgeHeap(const Sample& start, const Sample& end)
 {
     const auto bytes = static_cast<std::int64_t>(end.heap) - static_cast<std::int64_t>(start.heap);
-    // Rounded up: a growth of a byte too much is too much.
+    // Rounded up, so that a single byte above the limit counts.
     const std::int64_t growth = bytes > 0 ? (bytes + 1023) / 1024 : bytes / 1024;
     return {text("heap growth from hour %.2f to hour %.2f: %lld KiB, at most %lld", start.hours,
                  end.hours, static_cast<long long>(growth), static_cast<long long>(LARGEST_GROWTH)),

@@ -13,7 +13,7 @@ namespace soak {
 
 namespace {
 
-constexpr std::size_t CHARACTERS = 128; // of the window's font, a list each
+constexpr std::size_t CHARACTERS = 128; // of the window's font, a display list each
 
 void countBoid(const Boid* boid, Sample& sample)
 {
@@ -21,7 +21,7 @@ void countBoid(const Boid* boid, Sample& sample)
     sample.listsOfNodes += boid->boider->initialized ? 1 : 0;
 }
 
-/// The square, and the frames of the body.
+/// The display lists of a figure: the square, and the frames of the body.
 std::size_t listsOf(const SensorRep* rep)
 {
     return rep->initialized ? 1 + static_cast<std::size_t>(rep->baseAnimFrames) : 0;
@@ -34,7 +34,7 @@ Sample countNodes(Environment* water)
     Sample sample;
     sample.listsOfNodes = CHARACTERS + (water->initialized ? 2 : 0); // the plane, the grid lines
     for (const Texture* texture : {water->tex, water->fishTex, water->bubbleTex}) {
-        sample.listsOfNodes += texture->loaded ? 1 : 0; // a texture is uploaded by a list
+        sample.listsOfNodes += texture->loaded ? 1 : 0; // a display list uploads a texture
     }
     for (Node* child : water->children) {
         if (child->getType() == RTTI_PARTICLE) {

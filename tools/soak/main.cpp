@@ -18,7 +18,7 @@ constexpr const char* PROGRAM = "kelpix-soak";
 constexpr int SIZE = 740; // pixels, the program's window
 constexpr std::int64_t STEPS_PER_MINUTE = 60 * Stage::STEPS_PER_SECOND;
 
-/// Whether all was played: the scene can end the process on its own.
+/// Whether all was played: the scene's readers can end the process.
 bool finished = false;
 
 void checkFinished()
@@ -30,7 +30,7 @@ void checkFinished()
     }
 }
 
-/// Goes to the folder that is played.
+/// Enters the folder that is played.
 void enterMedia(const soak::Options& options)
 {
     const std::filesystem::path folder = mediaToPlay(options.media, KELPIX_MEDIA_FROM_PROGRAM);
@@ -87,12 +87,13 @@ std::vector<soak::Sample> play(Stage& stage, const soak::Options& options)
     const auto settled = static_cast<std::int64_t>(
         std::ceil(soak::settledAt(options.hours) * 60 * static_cast<double>(STEPS_PER_MINUTE)));
     std::vector<soak::Sample> samples;
-    samples.reserve(static_cast<std::size_t>(steps / every) + 8); // it must not count as growth
+    samples.reserve(static_cast<std::size_t>(steps / every) +
+                    8); // its growth must not count as the scene's
     stage.draw();
     for (std::int64_t step = 1; step <= steps; ++step) {
         stage.update();
         stage.draw();
-        // The first second makes textures and lists.
+        // Textures and display lists are made within the first second.
         const bool first = step == Stage::STEPS_PER_SECOND;
         if (first) {
             std::printf("    hour   fish  bubbles    lists  textures   slots   heap KiB\n");

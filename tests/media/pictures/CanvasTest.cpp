@@ -17,7 +17,7 @@ TEST(CanvasTest, StartsTransparent)
     EXPECT_EQ(canvas.at(2, 1).a, 0);
 }
 
-TEST(CanvasTest, BlendLaysAColourOverWhatIsThere)
+TEST(CanvasTest, BlendLaysAColorOverWhatIsThere)
 {
     Canvas canvas(1, 1);
     canvas.blend(0, 0, {1, 0, 0, 1});
@@ -94,7 +94,7 @@ TEST(CanvasTest, ToRgbRoundsAndCutsOff)
     EXPECT_EQ(image.bytes, (std::vector<unsigned char>{255, 128, 0}));
 }
 
-TEST(CanvasTest, ToRgbaTakesTheAlphaOutAndFillsTheRestWithNeighbours)
+TEST(CanvasTest, ToRgbaTakesTheAlphaOutAndFillsTheRestWithNeighbors)
 {
     Canvas canvas(4, 1);
     canvas.blend(0, 0, {1, 0.5f, 0, 0.5f});

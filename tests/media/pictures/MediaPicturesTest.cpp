@@ -19,7 +19,7 @@ struct Rgb {
     double b = 0;
 };
 
-/// The mean colour of the pixels x0 <= x < x1, y0 <= y < y1, given as shares of the picture.
+/// The mean color of the pixels x0 <= x < x1, y0 <= y < y1, given as shares of the picture.
 Rgb mean(const Picture& picture, double x0, double y0, double x1, double y1)
 {
     Rgb sum;
@@ -42,7 +42,7 @@ double brightness(const Rgb& c)
     return 0.3 * c.r + 0.6 * c.g + 0.1 * c.b;
 }
 
-TEST(WaterPictureTest, IsATrueColourJpegThatEveryReaderAndTextureUnitTakes)
+TEST(WaterPictureTest, IsATrueColorJpegThatEveryReaderAndTextureUnitTakes)
 {
     const Picture water = readJpeg(path("underwater.jpg"));
     EXPECT_EQ(water.width, 1024);
@@ -51,12 +51,12 @@ TEST(WaterPictureTest, IsATrueColourJpegThatEveryReaderAndTextureUnitTakes)
     EXPECT_EQ(water.bitDepth, 8);
     ASSERT_EQ(water.samplingFactors.size(), 3u);
     for (const auto& factors : water.samplingFactors) {
-        EXPECT_EQ(factors[0], 1) << "colour is stored at full width";
-        EXPECT_EQ(factors[1], 1) << "colour is stored at full height";
+        EXPECT_EQ(factors[0], 1) << "color is stored at full width";
+        EXPECT_EQ(factors[1], 1) << "color is stored at full height";
     }
 }
 
-TEST(WaterPictureTest, RunsOutIntoTwiceTheClearColour)
+TEST(WaterPictureTest, RunsOutIntoTwiceTheClearColor)
 {
     const Picture water = readJpeg(path("underwater.jpg"));
     for (const Rgb& rim : {mean(water, 0, 0, 1, 0.004), mean(water, 0, 0.996, 1, 1),
@@ -114,8 +114,8 @@ TEST(WaterPictureTest, HasKelpAtBothSidesAndLeavesTheMiddleFree)
 
 TEST(WaterPictureTest, ShowsNoBandsInItsGradient)
 {
-    // Flat bands of one colour would show when the scene halves the picture: somewhere in every
-    // small patch of open water neighbouring pixels have to differ.
+    // Flat bands of one color would show when the scene halves the picture: somewhere in every
+    // small patch of open water neighboring pixels have to differ.
     const Picture water = readJpeg(path("underwater.jpg"));
     for (int y = 300; y < 700; y += 16) {
         for (int x = 400; x < 640; x += 16) {
@@ -139,7 +139,7 @@ TEST_P(SpriteTest, IsAStraightRgbaPictureWithATransparentMargin)
     const Picture sprite = readPng(path(GetParam()));
     ASSERT_GT(sprite.width, 0);
     EXPECT_EQ(sprite.bitDepth, 8);
-    EXPECT_EQ(sprite.colourType, PNG_COLOR_TYPE_RGB_ALPHA);
+    EXPECT_EQ(sprite.colorType, PNG_COLOR_TYPE_RGB_ALPHA);
     for (int y = 0; y < sprite.height; ++y) {
         for (int x = 0; x < sprite.width; ++x) {
             const int margin = std::min({x, y, sprite.width - 1 - x, sprite.height - 1 - y});
@@ -150,7 +150,7 @@ TEST_P(SpriteTest, IsAStraightRgbaPictureWithATransparentMargin)
     }
 }
 
-TEST_P(SpriteTest, CarriesTheNeighboursColourWhereItIsTransparent)
+TEST_P(SpriteTest, CarriesTheNeighborsColorWhereItIsTransparent)
 {
     const Picture sprite = readPng(path(GetParam()));
     int checked = 0;
@@ -160,7 +160,7 @@ TEST_P(SpriteTest, CarriesTheNeighboursColourWhereItIsTransparent)
                 continue;
             }
             // Each channel lies between the smallest and the largest one of the painted
-            // neighbours, give or take a rounding.
+            // neighbors, give or take a rounding.
             for (int k = 0; k < 3; ++k) {
                 int low = 255;
                 int high = 0;
@@ -182,7 +182,7 @@ TEST_P(SpriteTest, CarriesTheNeighboursColourWhereItIsTransparent)
     }
     EXPECT_GT(checked, 100);
     EXPECT_GT(sprite.at(0, 0, 0) + sprite.at(0, 0, 1) + sprite.at(0, 0, 2), 60)
-        << "even the corner has a colour";
+        << "even the corner has a color";
 }
 
 INSTANTIATE_TEST_SUITE_P(Sprites, SpriteTest,
@@ -317,13 +317,13 @@ TEST(SquidPictureTest, IsTwoHundredAndFiftySixTexelsWide)
     EXPECT_EQ(squid.height, 256);
 }
 
-TEST(CubeMapTest, IsASmallTrueColourPicture)
+TEST(CubeMapTest, IsASmallTrueColorPicture)
 {
     const Picture map = readPng(path("cube.png"));
     EXPECT_EQ(map.width, 64);
     EXPECT_EQ(map.height, 64);
     EXPECT_EQ(map.bitDepth, 8);
-    EXPECT_EQ(map.colourType, PNG_COLOR_TYPE_RGB);
+    EXPECT_EQ(map.colorType, PNG_COLOR_TYPE_RGB);
 }
 
 } // namespace

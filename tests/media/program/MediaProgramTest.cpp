@@ -135,14 +135,14 @@ TEST_F(MediaProgramTest, MakesASingleAssetAsItIsInTheSet)
     EXPECT_EQ(out, "data/fish0.png: 64 x 64\n");
 }
 
-TEST_F(MediaProgramTest, CopiesTheFontWithItsLicence)
+TEST_F(MediaProgramTest, CopiesTheFontWithItsLicense)
 {
     EXPECT_THAT(content(KELPIX_MEDIA_DIR "/fonts/ChalkboardBold.LICENSE.txt"),
                 HasSubstr("SIL OPEN FONT LICENSE Version 1.1"));
     EXPECT_EQ(content(KELPIX_MEDIA_DIR "/fonts/ChalkboardBold.ttf").substr(0, 4), "OTTO");
 }
 
-TEST_F(MediaProgramTest, CopiesAnotherFontWithoutALicence)
+TEST_F(MediaProgramTest, CopiesAnotherFontWithoutALicense)
 {
     std::ofstream(folder / "mine.ttf") << "a font";
     ASSERT_EQ(run("--only font --font " + quoted("mine.ttf") + " --out " + quoted("set")), 0)
@@ -166,7 +166,7 @@ TEST_F(MediaProgramTest, SaysWhatIsWrongWithTheCommandLine)
 {
     const std::vector<std::pair<std::string, std::string>> lines = {
         {"", "--out DIR is missing"},
-        {"--colour red", "unknown option \"--colour\""},
+        {"--color red", "unknown option \"--color\""},
         {"set", "unknown option \"set\""},
         {"--out", "--out needs a value"},
         {"--out set --seed x",
