@@ -175,8 +175,8 @@ void Boid::draw()
     glEnd();
     glDisable(GL_BLEND);
 
-    // Fixed behavior: the phase advances by 2 for each frame and wraps from 360 to 2. Pinned by
-    // BoidDrawTest.EveryDrawAdvancesTheOutlineByTwo; do not correct.
+    // Fixed behavior: the phase of a bubble's outline advances by 2 for each frame and wraps from
+    // 360 to 2. Pinned by BoidDrawTest.EveryDrawAdvancesTheOutlineByTwo; do not correct.
     counter = (counter + 1) % 360 + 1;
 }
 

@@ -43,14 +43,14 @@ public:
     Boider* boider = nullptr;     ///< owns; the sprite, also its child
     BOID_MODE mode = NOMODE;      ///< not read: the pull of the sensors is always on
     bool outOfBound = false;      ///< it has left the grid
-    Texture* bubbleTex = nullptr; ///< borrows; the sprite's texture, of fish and bubbles alike
+    Texture* bubbleTex = nullptr; ///< borrows; the texture of the sprite, of a fish too
     int counter = 0;              ///< phase of the bubble's outline, advanced by draw
 
     /// A boid without a sprite that does not move.
     Boid() = default;
 
-    /// A boid with a random velocity, from two numbers of rand(): y first, then x.
-    /// \param blt  texture of its sprite, borrowed
+    /// A boid with a random velocity, from two numbers of rand(): the first gives y, the second x.
+    /// \param blt  borrows; the texture of its sprite
     explicit Boid(Texture* blt);
 
     /// Only sets initialized.
@@ -62,8 +62,9 @@ public:
     /// Draws it and returns 1 if its position is in view, else -1. Needs: current GL context.
     int cull() override;
 
-    /// Draws a bubble's pulsing outline; nothing for a fish, whose sprite is its child.
-    /// Needs: current GL context. Changes: colour, blend function; disables blending.
+    /// Draws the pulsing outline of a bubble. Draws nothing for a fish: its sprite is a child. A
+    /// bubble at rest has an outline of NaN, which GL does not draw. Needs: current GL context.
+    /// Changes: color, blend function; disables blending.
     void draw() override;
 
     /// One step: registers in the grid, steers, turns the sprite and moves; outside the grid it

@@ -2,8 +2,9 @@
 
 #include "Node.h"
 
-/// The sprite of a boid: a textured, half-transparent square of 40 units of the boid's frame. Its
-/// boid makes it, turns it towards its heading, and deletes it. Always drawn when it is reached.
+/// The sprite of a boid: a textured, half-transparent square, 40 units of the boid's frame wide.
+/// Its boid makes it, turns it towards its heading, and deletes it. It is drawn whenever its boid
+/// is in view.
 class Boider final : public Node {
 public:
     bool initialized = false;
@@ -22,18 +23,21 @@ public:
     int cull() override;
 
     /// Draws the square over what is there. Needs: current GL context, initialize.
-    /// Changes: colour, blend function, 2-D texture binding (to 0); disables blending, texturing.
+    /// Changes: color, blend function, 2-D texture binding (to 0); disables blending, texturing.
     void draw() override;
 
     void doupdate() override {}
     void drawBBox() override {}
+
+    /// Shared with Environment.
     RTTI_NODE_TYPE getType() const override { return RTTI_USER0; }
     void userEvent(UserEvent*) override {}
 
-    /// Borrows the texture, which is loaded by the first draw.
+    /// Borrows the texture. The first draw loads it.
     void addTexture(Texture* texture) override { tex = texture; }
 
-    /// Null, also after addTexture.
+    /// Fixed behavior: a sprite's getTexture gives null, after addTexture too. Pinned by
+    /// BoiderTest.WhatABoiderHasNoUseForIsEmpty; do not correct.
     Texture* getTexture() override { return nullptr; }
     void computeBBox() override {}
     BBox* getBBox() override { return nullptr; }

@@ -7,7 +7,7 @@
 class Environment;
 class Node;
 
-/// One cell of the grid: the boids that are in it now.
+/// One cell of the grid: the boids that are registered in it.
 class Bucket {
 public:
     int index[2] = {}; ///< column and row of this cell
@@ -27,19 +27,24 @@ public:
     /// Puts a Boid (borrowed) into the slot vacated last, or at the end.
     void add(Node* node);
 
-    /// Vacates every slot whose boid has the same id as the Boid \p node. By id, not by identity:
-    /// all bubbles share an id, so removing one takes the others in the cell out of the flock's
-    /// sight, and fish number 10 with them. Deliberate, the flock's look depends on it.
+    /// Vacates every slot whose boid has the id of the Boid \p node.
+    ///
+    /// Fixed behavior: boids are removed from a cell by id, not by identity. All bubbles and fish
+    /// number 10 share an id, so removing one of them removes all that are in the cell. Pinned by
+    /// BucketTest.RemovingOneBubbleTakesAllBubblesAndFishTenOut; do not correct.
     void remove(Node* node);
 
-    /// Vacates the slots that hold \p node itself, which is about to be deleted.
+    /// Vacates the slots that hold \p node itself, whatever its id. For a boid that is about to be
+    /// deleted.
     void forget(const Node* node);
 };
 
-/// A uniform grid of cells for finding neighbours. Grid coordinates count cells: the environment's
-/// are world coordinates times 10. Cells are looked up with the number of rows as the stride,
-/// though they lie row by row: only in a square grid, which the environment's is, does a point find
-/// its own cell; in others it finds another one, or none.
+/// A uniform grid of cells for finding neighbors. Grid coordinates count cells: in the environment
+/// they are world coordinates times 10.
+///
+/// Fixed behavior: cells lie row by row, but are looked up with the number of rows as the stride.
+/// In a grid that is not square a point finds a wrong cell, or none; the environment's grid is
+/// square. Pinned by BucketIndexShapesTest.TheStrideIsTheNumberOfRows; do not correct.
 class BucketIndex {
 public:
     float extents[4] = {}; ///< min x, min y, max x, max y in cells: 0, 0, columns, rows
@@ -51,19 +56,21 @@ public:
     BucketIndex& operator=(const BucketIndex&) = delete;
     ~BucketIndex();
 
-    /// Makes a grid of \p c columns and \p r rows, replacing an earlier one, in which no boid may
-    /// be registered any more. No cells for a count of 0 or less, and none left when there is not
-    /// enough memory (std::bad_alloc). The environment is not used.
+    /// Makes a grid of \p c columns and \p r rows. A count of 0 or less makes no cells. An earlier
+    /// grid is freed: no boid may be registered in it any more. The environment is not used.
+    /// \throws std::bad_alloc when memory runs out; the grid has no cells then
     void initialize(int c, int r, Environment* env);
 
-    /// \return the cell that contains the grid point, or null outside the grid. The upper bounds
-    /// are inclusive: x = 10 of a row lands on column 0 of the next one, and nowhere in the last
-    /// row; y = 10 is nowhere. Deliberate: boids on the right edge depend on it.
+    /// Fixed behavior: the upper bounds of a query for a point are inclusive. x = 10 gives column 0
+    /// of the next row, or null in the last row; y = 10 gives null. Pinned by
+    /// BucketIndexTest.TheRightEdgeLandsOnTheNextRow, BucketIndexTest.TheTopEdgeIsOutside; do not
+    /// correct.
+    /// \return the cell that contains the grid point, null outside the grid
     Bucket* query(float x, float y);
 
-    /// Appends to \p blist the cells that the grid rectangle (x0, y0) to (x1, y1) overlaps, each
-    /// coordinate cut to a whole cell (NaN to 0) and to the grid, the upper ones exclusive: column
-    /// by column, rows ascending.
+    /// Appends to \p blist the cells from (x0, y0) to (x1, y1), column by column, rows ascending.
+    /// The coordinates are truncated to whole cells (NaN to 0) and clamped to the grid; the upper
+    /// bounds are exclusive.
     void query(std::vector<Bucket*>* blist, float x0, float y0, float x1, float y1);
 
     /// \return a pointer to the 4 floats of extents

@@ -17,18 +17,25 @@ namespace {
 
 constexpr int FISH = 100;
 constexpr int SENSORS = 3;
-constexpr int BUBBLE_ID = 10; // one id for all bubbles: they do not flock with each other
+constexpr int BUBBLE_ID = 10; // all bubbles share it, and do not flock with each other
 constexpr float BOID_SCALE = 0.001f;
 
-/// A start coordinate, 0.10 to 0.99 in steps of 0.01. The quotient is rounded to single precision
-/// before the sum: every start position depends on that rounding.
+/// A start coordinate, 0.10 to 0.99 in steps of 0.01.
+///
+/// Fixed behavior: the quotient of a start coordinate is rounded to single precision before 0.1 is
+/// added to it in double precision. Pinned by
+/// FreshEnvironmentTest.TheNinetyStartCoordinatesAreExact; do not correct.
 float randomCoordinate()
 {
     const float step = static_cast<float>((std::rand() % 90) / 100.0);
     return static_cast<float>(0.1 + static_cast<double>(step));
 }
 
-/// The next grid line; the rounding at each step makes 101 lines of a hundred.
+/// The coordinate of the next grid line.
+///
+/// Fixed behavior: rounding at each step adds up, so that there are 101 grid lines in each
+/// direction, the last one just below 1. Pinned by
+/// EnvironmentTest.TheGridLinesAreAHundredAndOneInEachDirection; do not correct.
 float nextLine(float at)
 {
     return static_cast<float>(static_cast<double>(at) + 0.01);

@@ -8,12 +8,15 @@
 
 class OggSound;
 
-/// Draw calls of environments since the last emission of bubbles; one count for the process.
+/// Draw calls of environments since the last emission of bubbles. One count for the whole process.
 extern int emitt;
 
 /// The underwater world: a textured plane that fills the unit square (0..1 in x and y at z = 0), a
-/// hundred fish, bubbles that it emits while it is drawn, three motion-captured sensors, and the
-/// grid of 10 by 10 cells through which the boids find each other. Lives until the process ends.
+/// hundred fish, bubbles, three motion-captured sensors, and the grid of 10 by 10 cells through
+/// which the boids find each other. Lives until the process ends.
+///
+/// Fixed behavior: drawing emits the bubbles, so a world that is out of view emits none. Pinned by
+/// EnvironmentTest.AnEnvironmentOutOfViewIsInitialisedButNotDrawn; do not correct.
 class Environment : public Node {
 public:
     bool initialized = false;
@@ -27,9 +30,10 @@ public:
     std::vector<Node*> obstacleList; ///< kept empty
     std::vector<Node*> sensorList;   ///< borrows; the three Sensors, which the boids follow
 
-    /// Builds the world from "data/mocap.txt" (see MoCap::read: it can end the process), drawing
-    /// rand() in a fixed order, and starts the motion-capture clock. Makes no GL call.
-    /// \param snd  borrows; the voice, whose position is that clock
+    /// Builds the world from "data/mocap.txt" (see MoCap::read, which can end the process) and
+    /// starts the motion-capture clock. Makes no GL call. Draws 406 numbers of rand(): four for
+    /// each fish, then two for each sensor. \param snd  borrows; the voice, whose position is that
+    /// clock
     explicit Environment(OggSound* snd);
 
     /// Makes the plane and the grid lines. Needs: current GL context.
@@ -39,9 +43,9 @@ public:
     /// Needs: current GL context.
     int cull() override;
 
-    /// Draws the plane; the 16th call and every 15th after it emit three bubbles.
+    /// Draws the plane. The 16th call and every 15th call after it add three bubbles.
     /// Needs: current GL context, initialize.
-    /// Changes: colour, 2-D texture binding (to 0); disables texturing.
+    /// Changes: color, 2-D texture binding (to 0); disables texturing.
     void draw() override;
 
     void doupdate() override {}
@@ -64,7 +68,7 @@ public:
     /// \return a pointer into this object
     BucketIndex* getBucketIndex() { return &bucketIndex; }
 
-    /// Compiles lines a hundredth apart in both directions. Needs: current GL context.
+    /// Makes bucketList: lines a hundredth apart in both directions. Needs: current GL context.
     void createBucketLines();
 
 private:

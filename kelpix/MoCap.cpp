@@ -19,13 +19,12 @@ namespace {
 
 constexpr int MAX_SENSORS_PER_FILE = 4096;
 
-/// A word of a file, terminated. It fits every path that can be opened.
+/// A word of a file, with its terminator. Every path that can be opened fits.
 using Word = std::array<char, 4096>;
 
-/// Reads as fscanf(file, "%s\n", word) does, but keeps only what fits: one word, then all white
-/// space that follows, so that the file is at its end right after its last word. At the end of the
-/// file (a null one too) the word stays as it was.
-/// \return whether there was a word
+/// Reads one word and all white space behind it, as fscanf(file, "%s\n", word) does: after the last
+/// word the file is at its end. Only what fits is kept. At the end of the file, and for a null
+/// file, the word stays as it was. \return whether there was a word
 bool readWord(std::FILE* file, Word& word)
 {
     if (file == nullptr || !Files::readWord(file, word)) {
@@ -55,7 +54,7 @@ Vec3 readVector(std::FILE* file, Word& word)
     std::exit(0);
 }
 
-/// Appends a new element that the list owns. It is not lost when the list cannot grow.
+/// Appends a new element, which the list owns. It is freed when the list cannot grow.
 template<typename Element, typename... Values>
 void append(std::vector<Element*>& list, const Values&... values)
 {
@@ -64,12 +63,19 @@ void append(std::vector<Element*>& list, const Values&... values)
     static_cast<void>(element.release());
 }
 
-/// Reads all records of a data file into the series from \p list[first] on; what has no entry in
-/// the list is dropped.
+/// Reads all records of a data file into the series from \p list[first] on. Sensors without a
+/// series are skipped.
+///
+/// Fixed behavior: a record always has three sensors, whatever number of sensors the index names.
+/// Pinned by MoCapTest.OnlyThreeSensorsAFileAreEverFilled,
+/// MoCapTest.SensorsBeyondTheChosenNumberAreDropped; do not correct.
+///
+/// Fixed behavior: the words that are missing from the last record repeat its last word, and a file
+/// without words has one record of zeros. Pinned by MoCapTest.AnIncompleteRecordRepeatsItsLastWord,
+/// MoCapTest.AFileWithoutWordsGivesOneRecordOfZeros; do not correct.
 /// \return the number of records, at least 1
 int readRecords(std::FILE* file, const std::vector<SensorData*>& list, std::size_t first)
 {
-    // Every record has three sensors, whatever the index says.
     constexpr std::size_t RECORDED_SENSORS = 3;
     constexpr int IGNORED_WORDS = 6;
     Word word{};
@@ -155,7 +161,8 @@ int MoCap::read(const char* indexPath)
     for (const SensorData* series : sensorDataList) {
         numSteps = std::min(numSteps, static_cast<int>(series->pos.size()));
     }
-    // The message names the list and gives the steps: deliberate, readers of the log know it so.
+    // Fixed behavior: the message says sensorDataList and prints the number of steps. Pinned by
+    // MoCapTest.ARecordIsATimeThreeSensorsAndSixIgnoredWords; do not correct.
     std::printf("\n\nsize of sensorDataList = %d\n\n", numSteps);
     return 1;
 }

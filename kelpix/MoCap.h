@@ -5,8 +5,8 @@
 
 #include <vector>
 
-/// The recorded series of one tracked sensor in one data file. The three arrays have the same
-/// length, one entry per record of the file.
+/// The recorded series of one tracked sensor in one data file. The three lists have one entry for
+/// each record of the file.
 class SensorData {
 public:
     std::vector<Vec3*> pos;      ///< owns: positions in the recording's own frame and unit
@@ -21,28 +21,28 @@ public:
 
 /// A motion-capture recording and the current step of its playback.
 ///
-/// The step follows the playback position of a sound (see dataTimer), so that the recording stays
-/// in step with the audio however fast frames are drawn.
+/// The step follows the playback position of a sound (see dataTimer): the recording stays in step
+/// with what is heard, however fast frames are drawn.
 ///
 /// The index file is text: the word MOCAP, the number of data files, the number of sensors to keep
 /// of each, and the paths of the data files, relative to the working directory. A data file is
 /// text too: records of 25 numbers (the time, then for three sensors x y z of the position and x y
 /// z of the orientation, then six numbers that are ignored). White space separates words; line
-/// breaks mean nothing.
+/// breaks do not matter.
 class MoCap {
 public:
-    /// Owns: all series, file by file; entry file * sensors per file + k is sensor k of a file.
+    /// Owns all series, file by file: entry f * sensors per file + k is sensor k of file f.
     std::vector<SensorData*> sensorDataList;
 
     OggSound* sound = nullptr; ///< borrows: the clock; set it before the timer starts
-    int step = 0;              ///< the current sample, 0 .. numSteps; written by dataTimer
-    int numSteps = 0;          ///< usable samples: the length of the shortest pos series
+    int step = 0;              ///< the current record, 0 .. numSteps; written by dataTimer
+    int numSteps = 0;          ///< records that every series has: the length of the shortest one
 
     MoCap() = default;
     MoCap(const MoCap&) = delete;
     MoCap& operator=(const MoCap&) = delete;
 
-    /// Frees the series and takes the object's dataTimer out of the toolkit's timers.
+    /// Frees the series and removes the dataTimer of this object from FLTK's timers.
     ~MoCap();
 
     /// Reads the index file and every data file that it names, and reports on standard output.
@@ -57,13 +57,18 @@ public:
     /// \return 1
     int read(const char* indexPath);
 
-    /// The step of a playback position: the ceiling of numSteps * fraction.
+    /// The step of a playback position: the ceiling of numSteps * fraction, a product in single
+    /// precision.
+    ///
+    /// Fixed behavior: the step is not limited to the last record. A fraction of 1 gives numSteps,
+    /// which is one record beyond the end of the shortest series. Pinned by
+    /// MoCapStepTest.TheStepIsTheCeilingOfTheProduct; do not correct.
     /// \param fraction  0 .. 1 of the sound
-    /// \return not limited to numSteps - 1; 0 when no int holds the result
+    /// \return 0 when no int can hold the result
     static int stepAt(int numSteps, float fraction);
 };
 
-/// The clock, a callback of the toolkit's timers: sets the step from the sound's position and arms
-/// itself again, 1/90 s after the time it was due. Without a sound the step is 0.
-/// \param arg  borrows: the MoCap, or null to only arm the timer again
+/// The motion-capture clock, a callback of FLTK's timers: sets the step from the sound's position
+/// and re-arms itself for the next tick (Rates::CLOCK_TICKS). Without a sound the step is 0. \param
+/// arg  borrows: the MoCap, or null to only re-arm the timer
 void dataTimer(void* arg);

@@ -16,13 +16,14 @@ float randomVelocity()
     return static_cast<float>((std::rand() % 100 - 50) / 10000.0);
 }
 
-/// Adds in double precision and rounds once: positions depend on it in their last bit.
+/// Adds in double precision and rounds to single precision: the last bit of positions depends on
+/// it.
 void shift(float& coordinate, double by)
 {
     coordinate = static_cast<float>(static_cast<double>(coordinate) + by);
 }
 
-/// Limits one component of the velocity; a node that would move faster stays where it was.
+/// Limits one component of the velocity. A node that would move faster stays at \p previous.
 void limitComponent(float& velocity, float& coordinate, float previous)
 {
     if (velocity > SPEED_LIMIT) {
@@ -80,7 +81,7 @@ void Sensor::doupdate()
     tiltBody();
 }
 
-/// The recorded position of the current step, in the recording; null beyond its end.
+/// \return a pointer into the recording: the position of the current step; null beyond its end
 Vec3* Sensor::recordedPosition()
 {
     const auto& list = mocap->sensorDataList;
@@ -120,7 +121,9 @@ void Sensor::limitSpeed(float prevX, float prevY)
 
 void Sensor::tiltBody()
 {
-    // The test comes before the step: the tilt can go one step beyond each limit.
+    // Fixed behavior: the tilt of a body is compared with its limit before the step, so it can go
+    // one step beyond the limit. Pinned by
+    // SensorTest.MovingToTheLeftTiltsUpToOneStepBeyondTheLimit; do not correct.
     if (vel.x < 0 && tilt[1] >= current_tilt) {
         rep->rotate(0, 0, 1, TILT_STEP);
         current_tilt += TILT_STEP;

@@ -14,8 +14,8 @@ class SensorRep;
 class Sensor : public Node {
 public:
     Vec3 pos;               ///< position of this update, before the speed limit
-    Vec3 pos_old;           ///< pos of the update before
-    Vec3 vel;               ///< movement since then, each component within 0.15
+    Vec3 pos_old;           ///< pos of the last update
+    Vec3 vel;               ///< movement in the last update, each component limited to 0.15
     Vec3 orientation;       ///< (0, 1, 0), not used
     MoCap* mocap = nullptr; ///< borrows; set by the creator
     int sensorId = 0;       ///< which of the recording's series, 0, 1 or 2; set by the creator
@@ -27,18 +27,27 @@ public:
     /// Makes the body, and a small random velocity from two numbers of rand().
     Sensor();
 
-    /// Only notes that it was called.
+    /// Only sets initialized.
     void initialize();
 
     /// Returns 1: it is never culled.
     int cull() override;
     void draw() override {}
 
-    /// Moves to the recorded position of the current step.
-    /// The recorded position is scaled in the recording itself, so a step that is met again shrinks
-    /// again. Deliberate: recordings are made for it.
-    /// A step beyond the recording (the voice has come to its end), or a series that it does not
-    /// have, ends the process with status 1. Does nothing without a recording.
+    /// Moves to the recorded position of the current step. Does nothing without a recording.
+    ///
+    /// Fixed behavior: the recorded position is scaled in place, in the recording, so a step that
+    /// is met again shrinks again. Pinned by SensorTest.AStepThatIsMetAgainShrinksAgain; do not
+    /// correct.
+    ///
+    /// Fixed behavior: a sensor that is faster than the limit of 0.15 keeps its place in the scene
+    /// for this update, while pos takes the new position. Pinned by
+    /// SensorTest.AFastSensorJumpsButItsNodeStays; do not correct.
+    ///
+    /// Fixed behavior: a step beyond the end of the series, which the end of the voice can give, or
+    /// a sensor without a series ends the process with status 1 and no message. Pinned by
+    /// SensorDeathTest.AStepAtTheEndOfTheSeriesEndsTheProcessSilently,
+    /// SensorDeathTest.ASampleThatIsNotThereEndsTheProcessToo; do not correct.
     void doupdate() override;
 
     void drawBBox() override {}

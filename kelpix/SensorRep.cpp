@@ -13,21 +13,22 @@ constexpr int SEGMENTS = 6;
 constexpr int FRAMES = 240;
 constexpr std::size_t TENTACLE_POINTS = 24;
 
-/// Turns single-precision degrees into the argument of a double-precision function.
+/// The product is single precision, the argument of the functions that take it is double.
 double radians(float degrees)
 {
     return static_cast<double>(DEG2RAD * degrees);
 }
 
-/// Meant to take whole turns off an angle, but without a truncation it leaves only a rounding
-/// residue. The look of the body was tuned with that residue.
-float wrapped(float angle)
+/// Fixed behavior: the angles of the body are not reduced to one turn. Without a truncation this
+/// formula leaves only a rounding residue near 0. Pinned by
+/// SensorRepTest.EveryPointOfEveryFrameIsTheReferencesToTheBit; do not correct.
+float wrapResidue(float angle)
 {
     return angle + (angle / 360) * -360;
 }
 
-/// The corners of the deformed grid, with the first column repeated after the last. The repeated
-/// column differs from the first in its last bits.
+/// The corners of the deformed grid. The last column is the first one again, one turn later; it
+/// differs in its last bits.
 using Grid = std::array<std::array<Vec3, GRID + 1>, GRID>;
 
 void emitQuad(const Vec3& a, const Vec3& b, const Vec3& c, const Vec3& d)
@@ -44,7 +45,10 @@ void emitQuad(const Vec3& a, const Vec3& b, const Vec3& c, const Vec3& d)
     glEnd();
 }
 
-/// Emits the whole body; the band next to the bottom pole is left open.
+/// Emits the quads of a body.
+///
+/// Fixed behavior: the band next to the bottom pole of a body is left open. Pinned by
+/// SensorRepDrawTest.TheFirstCullCompilesTheBody; do not correct.
 void emitBody(const Grid& grid)
 {
     for (std::size_t i = 1; i < GRID; ++i) {
@@ -54,7 +58,10 @@ void emitBody(const Grid& grid)
     }
 }
 
-/// Places and scales segment \p k of frame \p f; segment 0 is flat.
+/// Places and scales segment \p k of frame \p f.
+///
+/// Fixed behavior: the first segment of a body is flat, its z scale is 0. Pinned by
+/// SensorRepDrawTest.TheFirstCullCompilesTheBody; do not correct.
 void transformSegment(int f, int k)
 {
     const float a = static_cast<float>(0.2 * k);
@@ -77,8 +84,10 @@ void blendOver()
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
 }
 
-/// Draws one tentacle: each point hangs lower than the newer one before it, is spread further and
-/// swings wider.
+/// Draws one tentacle, from the newest point to the oldest: each point is lower, farther out and
+/// swings wider than the one before it.
+/// \param side  of the tentacle's root, to the right
+/// \param dy    from point to point, downwards
 void drawTentacle(const std::list<Vertex*>& points, const std::list<float>& wave, float side,
                   float dy)
 {
@@ -116,6 +125,8 @@ void SensorRep::initialize()
 
     genBaseAnim();
 
+    // Fixed behavior: the formula of pre_angle leaves only a rounding residue of the random number.
+    // Pinned by SensorRepDrawTest.TheFirstCullCompilesTheBody; do not correct.
     const auto r = static_cast<float>(std::rand());
     pre_angle = -360 * (r / 360) + r;
     initialized = true;
@@ -145,7 +156,10 @@ void SensorRep::genBaseAnim()
         baseAnim[f] = first + static_cast<unsigned>(f);
         glNewList(baseAnim[f], GL_COMPILE);
         glPushMatrix();
-        std::rand(); // the number is not used, but later ones depend on its being drawn
+        // Fixed behavior: a random number is drawn for each frame of a body and not used; the
+        // numbers after it depend on it. Pinned by SensorRepDrawTest.TheFirstCullCompilesTheBody,
+        // StateHashTest.IsPinnedAtFrame400; do not correct.
+        std::rand();
         for (int k = 0; k < SEGMENTS; ++k) {
             glPushMatrix();
             transformSegment(f, k);
@@ -171,16 +185,17 @@ Vec3 SensorRep::get_mod_p(float x, float y, float z, int frame)
 {
     const double t = frame;
     const auto T = static_cast<float>(frame);
-    const float a0 = wrapped(T);
+    const float a0 = wrapResidue(T);
     const float a1 = a0 + static_cast<float>(1.5 + std::sin(radians(a0)) * 0.5 * t);
     const float q = 360 / T;
     const double dq = static_cast<double>(q);
-    const float e = wrapped(a1);
-    const float c1 = wrapped(static_cast<float>(1.4 * t + dq));
-    const float c2 = wrapped(static_cast<float>(2.16 * t + dq));
-    const float c3 = wrapped(static_cast<float>(0.79 * t + dq));
+    const float e = wrapResidue(a1);
+    const float c1 = wrapResidue(static_cast<float>(1.4 * t + dq));
+    const float c2 = wrapResidue(static_cast<float>(2.16 * t + dq));
+    const float c3 = wrapResidue(static_cast<float>(0.79 * t + dq));
 
-    // From here on the angles are taken as radians as they are.
+    // Fixed behavior: from here on the angles are used as radians, without a conversion from
+    // degrees. Pinned by SensorRepTest.ThePoleOfAFrameWorkedOutByHand; do not correct.
     const auto cosine = [](float angle) { return std::cos(static_cast<double>(angle)); };
     const auto sine = [](float angle) { return std::sin(static_cast<double>(angle)); };
     const double ripple = static_cast<double>(0.08f);
@@ -224,7 +239,10 @@ void SensorRep::doupdate()
     } else {
         degree += 7.5f;
     }
-    if (!(degree < 360)) { // NaN, of a recording that has one, starts again too
+    // Fixed behavior: at 360 degrees and beyond the wave of the tentacles starts again at 0; it is
+    // not reduced by whole turns. Pinned by SensorRepTest.RisingItAdvancesWithTheSpeed; do not
+    // correct.
+    if (!(degree < 360)) { // true for NaN, which a recording can bring
         degree = 0;
     }
 }
@@ -243,7 +261,8 @@ void SensorRep::draw()
     glColor4f(0.5f, 0.5f, 1.0f, 0.5f);
     blendOver();
 
-    // Frame 0 is not finite: frame 1 stands in for it.
+    // Fixed behavior: frame 1 of a body is drawn in place of frame 0, whose points are not finite.
+    // Pinned by SensorRepDrawTest.FrameOneStandsInForFrameZero; do not correct.
     const int frame = counter % baseAnimFrames;
     glPushMatrix();
     glScalef(0.3f, 0.3f, 0.3f);

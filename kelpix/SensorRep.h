@@ -10,18 +10,18 @@ struct Vertex {
     float x, y;
 };
 
-/// The drawn body of a Sensor: a translucent, pulsating body of 240 precomputed frames and three
-/// tentacles, line strips that hold the sensor's last 24 velocities. Lengths are world units.
+/// What a Sensor looks like: a translucent, pulsating body of 240 frames, each a display list, and
+/// three tentacles, line strips of the sensor's last 24 velocities. Lengths are world units.
 class SensorRep final : public Node {
 public:
     Vec3* pos = nullptr;     ///< borrows; the sensor's position, set by the sensor
     Vec3* vel = nullptr;     ///< borrows; the sensor's velocity, set by the sensor
     unsigned sensorGeom = 0; ///< display list of a small square, made but not drawn
     bool initialized = false;
-    float degree = 0;             ///< phase of the tentacles' wave, 0 to below 360 degrees
+    float degree = 0;             ///< phase of the tentacles' wave, degrees, at least 0, below 360
     std::list<Vertex*> tentacle;  ///< owns; newest first, at most 24
-    std::list<float> cos_curve;   ///< the wave at the time each point was added
-    std::list<float> sin_curve;   ///< likewise; the three lists have the same length
+    std::list<float> cos_curve;   ///< for each point the wave's cosine when it was added
+    std::list<float> sin_curve;   ///< for each point the wave's sine when it was added
     int baseAnimFrames = 0;       ///< frames of the body: 240
     int counter = 0;              ///< the next frame to draw, 0..239
     unsigned* baseAnim = nullptr; ///< owns; the display list of each frame
@@ -29,19 +29,19 @@ public:
 
     SensorRep() = default;
 
-    /// Frees the points; the display lists stay until the GL context goes.
+    /// Frees the points. The display lists live as long as the GL context.
     ~SensorRep();
 
-    /// Makes all display lists, drawing rand() in a fixed order. Needs: current GL context.
+    /// Makes all display lists. Draws 242 numbers of rand(). Needs: current GL context.
     void initialize();
 
     /// Draws and returns 1. Needs: current GL context.
     int cull() override;
 
     /// Draws body and tentacles. Needs: current GL context, initialize, pos and vel.
-    /// Changes: colour, blend function, line width (to 1); disables blending and the client's
-    /// vertex array. The body has texture coordinates and is drawn with whatever texture state is
-    /// current.
+    /// Changes: color, blend function, line width (to 1); disables blending and the client's
+    /// vertex array. The body has texture coordinates, and no texture is bound for it: it is drawn
+    /// with the texture state that it finds.
     void draw() override;
 
     /// Adds the current velocity to the tentacles and advances their wave. Needs: vel.
@@ -70,8 +70,8 @@ public:
     /// \param j  0..16, once around the y axis
     Vec3 get_p(int i, int j);
 
-    /// Deforms a point of the unit sphere for one frame of the body. Frame 0 divides by zero: its x
-    /// and z are not finite, and it is never shown.
+    /// Deforms a point of the unit sphere for one frame of the body. For frame 0, which is never
+    /// shown, x and z are not finite.
     /// \param frame  0..239
     Vec3 get_mod_p(float x, float y, float z, int frame);
 };

@@ -1,6 +1,6 @@
 #pragma once
 
-/// Lets a program go on when nobody reads its messages: it is not ended by a reader that goes away
-/// (SIGPIPE is ignored from here on), and no file or connection that it opens takes the place of a
-/// standard stream that its caller has closed. For the start of main.
+/// Lets a program go on when nobody reads its messages. Ignores SIGPIPE, so that a reader that goes
+/// away does not end the program; opens standard streams that the caller has closed on /dev/null,
+/// so that no other file takes their place. Call it at the start of main.
 void secureStandardStreams();

@@ -15,7 +15,7 @@ constexpr std::size_t MATRICES = 32;
 MatrixStack& currentStack()
 {
     Context& now = context();
-    if (now.attributes.matrixMode == GL_MODELVIEW) { // nearly always: a walk asks for nothing else
+    if (now.attributes.matrixMode == GL_MODELVIEW) { // nearly always: a traversal changes no other
         return now.modelview;
     }
     return now.attributes.matrixMode == GL_PROJECTION ? now.projection : now.texture;
