@@ -4,29 +4,25 @@
 
 #include <FL/Fl.H>
 #include <algorithm>
+#include <limits>
 
 float tm_idle = 0;
 float tm_draw = 0;
 
 namespace {
 
-/// Seconds between two firings. The toolkit makes up for every firing it has missed: a period of
-/// next to nothing, 0 or less would keep it in its timer loop.
+/// Seconds between two firings; infinity: never again. It is never 0, negative or NaN: a timer that
+/// is due as soon as it is armed would keep FLTK in its timer loop.
 double period(float rate)
 {
     constexpr double SHORTEST = 0.0001;
-    return rate > 0 ? std::max(1.0 / static_cast<double>(rate), SHORTEST) : 1.0;
+    if (!(rate > 0)) {
+        return std::numeric_limits<double>::infinity();
+    }
+    return std::max(1.0 / static_cast<double>(rate), SHORTEST);
 }
 
 } // namespace
-
-AppManager::~AppManager()
-{
-    for (Window* window : windowList) {
-        Fl::remove_timeout(timerRedraw, window);
-        Fl::remove_timeout(timerIdle, window);
-    }
-}
 
 void AppManager::addTimeouts(float idle, float redraw)
 {

@@ -4,11 +4,15 @@
 
 class Window;
 
-/// Rates of all windows of the process, per second: the last call of addTimeouts sets them.
+/// Updates per second and frames per second of all windows of the process: the last call of
+/// addTimeouts sets them.
 extern float tm_idle;
 extern float tm_draw;
 
-/// The list of open windows, and the two timers that drive each of them.
+/// The list of open windows, and the start of the two timers that drive each of them.
+///
+/// \par Example
+/// \snippet SceneWindow.cpp timers
 class AppManager {
 public:
     std::vector<Window*> windowList; ///< borrows, in the order they were added
@@ -17,24 +21,25 @@ public:
     AppManager(const AppManager&) = delete;
     AppManager& operator=(const AppManager&) = delete;
 
-    /// Stops the timers of its windows.
-    ~AppManager();
-
-    /// Borrows the window: it must outlive this manager.
+    /// Borrows the window: it must still exist when addTimeouts is called.
     void addWindow(Window* window) { windowList.push_back(window); }
 
     /// \return a pointer into this object
     std::vector<Window*>* getWindowList() { return &windowList; }
 
-    /// Shows every window and starts its timers: redraws at \p redraw and updates at \p idle per
-    /// second. With no windows it does nothing and leaves the rates unchanged.
-    /// A rate that is not a positive number counts as 1, one above 10000 as 10000.
+    /// Shows every window and starts its timers: a redraw and an update at once, then \p redraw
+    /// frames and \p idle updates per second. With no windows it does nothing and leaves the rates
+    /// unchanged. The timers belong to the window: they outlive this manager, go on while the
+    /// window is hidden, and end with the window.
+    ///
+    /// A period is 1 / rate seconds, so a timer with a rate of 0 does not fire again. Negative
+    /// rates and NaN count as 0, rates above 10,000 as 10,000. Call it once for each window: a
+    /// second call starts two more timers.
     void addTimeouts(float idle, float redraw);
 };
 
-/// Timer callback: Window::idle of the Window \p w (null: nothing), then re-arms itself.
+/// Timer callback: calls Window::idle of the Window \p w (null: nothing), then re-arms itself.
 void timerIdle(void* w);
 
-/// Timer callback: asks the toolkit to repaint the Window \p w (null: nothing), then re-arms
-/// itself.
+/// Timer callback: has FLTK repaint the Window \p w (null: nothing), then re-arms itself.
 void timerRedraw(void* w);

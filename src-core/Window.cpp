@@ -1,7 +1,6 @@
-#include <GL/glew.h>
-
 #include "Window.h"
 
+#include "AppManager.h"
 #include "FreeType.h"
 #include "Matrix.h"
 #include "Node.h"
@@ -25,17 +24,16 @@ float magnitude(const float* column)
     return largest;
 }
 
-/// Whether input can still move a node of this transform back to where it was: all elements are
-/// finite, and the scales in x and y are not so small that a multiplication would be rounded away.
+/// Whether further input can still change a node with this transform: all elements are finite, and
+/// the scales in x and y are not denormal, where a multiplication loses bits or gives 0.
 bool isUsable(const float* m)
 {
     return std::all_of(m, m + 16, [](float element) { return std::isfinite(element); }) &&
            std::isnormal(magnitude(m)) && std::isnormal(magnitude(m + 4));
 }
 
-/// Moves the node, but takes back a move that makes its transform unusable: without end, input
-/// must not lead where no input leads back.
-/// \return whether the node moved
+/// Calls \p move, which changes the node's transform, and restores the transform if it is not
+/// usable afterwards: further input could not undo such a move. \return whether the node moved
 template<typename Move>
 bool moveNode(Node* node, Move move)
 {
@@ -61,7 +59,9 @@ Window::Window(int id, int x, int y, int w, int h)
 
 Window::~Window()
 {
-    Fl::remove_timeout(timer, this);
+    for (const Fl_Timeout_Handler callback : {timer, timerIdle, timerRedraw}) {
+        Fl::remove_timeout(callback, this);
+    }
 }
 
 void Window::setOffset(float x, float y)
@@ -126,7 +126,7 @@ void Window::resize(int x, int y, int w, int h)
         early = {w, h};
         return;
     }
-    // The toolkit announces a new size while the context of another window may be current.
+    // FLTK may call this while the context of another window is current.
     make_current();
     render.getCamera()->reshape(x, y, w, h);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "GLTypes.h"
 #include "Render.h"
 
 #include <FL/Fl_Gl_Window.H>
@@ -10,30 +11,38 @@ namespace freetype {
 struct font_data;
 }
 
-/// The top-level GL window: draws its scene when the toolkit repaints it, shows the frame rate in
-/// its title, and turns mouse and keyboard into moves of the scene and UserEvents for its nodes.
+/// The top-level GL window: draws its scene when FLTK repaints it, shows the frame rate in its
+/// title, and turns mouse and keyboard input into moves of the scene and UserEvents for its nodes.
+/// SceneWindow is one with a scene of its own.
 ///
-/// Keys held while dragging, read as the toolkit's most recent key: v pans the root, z, x and c
-/// turn the pivot about its own z, x and y axis by the vertical movement. The wheel zooms the root.
-/// A right click, or space at the last position, sends a MOUSE_CLICK. q or Q hides the window.
+/// A drag while a key is held moves the scene: v pans the root; z, x and c turn the pivot about its
+/// own z, x and y axis by the vertical movement. (The key is FLTK's most recent one.) The wheel
+/// zooms the root. A right click sends a MOUSE_CLICK to the nodes; so does space, at the last
+/// position of the pointer. q or Q hides the window.
 ///
-/// A move that would leave a transform with numbers beyond the range of float is dropped, so that
-/// no amount of input leads where no input leads back.
+/// A zoom, pan or turn that would make the transform infinite, NaN or so small that it rounds to
+/// nothing is ignored: further input could not undo it.
 ///
-/// Hiding the window takes its GL context away, and with it the lists and textures of its scene's
-/// nodes, unless another GL window of the process is shown meanwhile: contexts share them. A
-/// minimised window keeps its context, goes on with its updates and draws nothing.
+/// Hiding the window deletes its GL context, and with it the display lists and textures of its
+/// scene's nodes, unless another GL window of the process is shown meanwhile: contexts share them.
+/// A minimized window keeps its context, is updated, and draws nothing.
 ///
-/// Everything runs on the toolkit's thread. draw and initGL need this window's GL context to be
-/// current; the toolkit sees to that before it calls draw.
+/// Everything runs on FLTK's one thread. draw and initGL need this window's GL context to be
+/// current; FLTK makes it current before it calls draw.
+///
+/// The name is that of a type of Xlib: this header cannot be used together with X11/Xlib.h, FL/x.H
+/// or GL/glx.h in one source file.
+///
+/// \par Example
+/// \snippet obj-viewer.cpp window
 class Window : public Fl_Gl_Window {
 public:
     int frames = 0;                          ///< frames drawn since the last sample
     float fps = 0;                           ///< frames drawn in the last whole second
     float offset[2] = {};                    ///< projection offset, see Camera::ortho2D
     float pscale = 1;                        ///< zoom factor of the view, 1 = unzoomed
-    freetype::font_data* our_font = nullptr; ///< borrows; made ready together with the GL context
-    int MOUSE[2] = {};                       ///< last pointer position, window pixels, top left 0
+    freetype::font_data* our_font = nullptr; ///< borrows; loaded by initGL
+    int MOUSE[2] = {};                       ///< last pointer position, pixels from the top left
     Render render;                           ///< the scene shown and the camera
     int windowId;                            ///< only window 1 updates its scene
     int height;                              ///< pixels, at construction
@@ -47,19 +56,25 @@ public:
     /// \param w,h  size, pixels
     Window(int id, int x, int y, int w, int h);
 
-    /// Stops the frame-rate timer.
+    /// Stops the frame-rate timer and the timers of AppManager for this window.
     ~Window() override;
 
+    /// Draws a frame: initGL if the GL context is new, clear, the scene, the title, drawcallback.
+    /// Called by FLTK, which then swaps the buffers. Needs: current GL context, a scene graph.
     void draw() override;
 
-    /// Handles one toolkit event and never passes it on to the base class.
+    /// Handles one FLTK event.
     /// \return 1 when the event was used
+    /// Fixed behavior: an event that is not used is not passed on to the base class. Pinned by
+    /// WindowInputTest.EventsWithoutAMeaningAreLeftToOthers; do not correct.
     int handle(int event) override;
 
     /// Makes this window's GL context current and sets the camera up for the new size; the position
-    /// is ignored. Deliberately not passed on to the base class: the widget's own geometry stays.
-    /// Before there is a GL context nothing can be set up: a size that differs from the constructed
-    /// one is then applied right after initGL.
+    /// is ignored. Before there is a GL context nothing can be set up: a size that differs from the
+    /// constructed one is then applied right after initGL.
+    /// Fixed behavior: the new size is not passed on to the base class, so x, y, w and h of the
+    /// widget stay as they are. Pinned by WindowTest.ANewSizeReachesTheCameraAndNotTheWidget; do
+    /// not correct.
     void resize(int x, int y, int w, int h) override;
 
     /// Hands \p x and \p y to the camera's ortho2D at the next GL initialisation.
@@ -68,6 +83,7 @@ public:
     /// Borrows \p font.
     void setFont(freetype::font_data* font) { our_font = font; }
 
+    /// Sets a function that draw calls after each frame; null: none.
     void setDrawCallback(void (*callback)(Window*)) { drawcallback = callback; }
 
     int getWindowId() const { return windowId; }
@@ -75,10 +91,10 @@ public:
     /// \return a pointer into this object
     Render* getRender() { return &render; }
 
-    /// Sets up GL: extensions, fixed state, camera, zoom factor, font. Runs on the first draw and
-    /// again for each new GL context. Needs: current GL context, a scene graph.
-    /// Prints one line about what GL can do. Throws std::runtime_error when the font cannot be
-    /// loaded (see freetype::font_data::init).
+    /// Sets up GL: extensions, fixed state, camera, zoom factor, font. draw calls it for each new
+    /// GL context. Needs: current GL context. Prints one line about what GL can do. Throws
+    /// std::runtime_error when the font cannot be loaded (see freetype::font_data::init). Ends the
+    /// process when the camera has no projection type (see Camera::ortho2D).
     void initGL();
 
     /// Updates the scene once, if this is window 1 and its GL context is valid.
@@ -89,7 +105,7 @@ private:
         int w, h;
     };
     Size early;     ///< the last size given before there was a GL context
-    char title[32]; ///< the toolkit keeps a pointer to it
+    char title[32]; ///< FLTK keeps a pointer to it
 
     void click(int x, int y);
     int drag();

@@ -1,5 +1,3 @@
-#include <GL/glew.h>
-
 #include "AppManager.h"
 
 #include "ProbeNode.h"
@@ -9,15 +7,45 @@
 #include "Window.h"
 
 #include <FL/Fl.H>
+#include <algorithm>
+#include <cstdio>
+#include <ctime>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits>
 #include <memory>
+#include <optional>
+#include <sys/time.h>
 
 namespace {
 
+using testing::AllOf;
+using testing::Contains;
 using testing::ElementsAre;
+using testing::Ge;
 using testing::IsEmpty;
+using testing::Le;
+using testing::Pair;
+
+/// Microseconds that FLTK takes for the time of day; the machine's clock while there are none.
+std::optional<long long> testTime;
+
+} // namespace
+
+/// Stands in for the C library's, from which FLTK takes the time of its timers.
+extern "C" int gettimeofday(timeval* now, void* /*zone*/) noexcept
+{
+    if (testTime) {
+        *now = {*testTime / 1'000'000, *testTime % 1'000'000};
+        return 0;
+    }
+    timespec machine{};
+    clock_gettime(CLOCK_REALTIME, &machine);
+    *now = {machine.tv_sec, machine.tv_nsec / 1000};
+    return 0;
+}
+
+namespace {
 
 /// Two windows of one scene that nobody has shown.
 class AppManagerTest : public testing::Test {
@@ -27,7 +55,7 @@ protected:
     SceneGraph graph;
     std::unique_ptr<Window> first = makeWindow(1);
     std::unique_ptr<Window> second = makeWindow(2);
-    AppManager manager; // destroyed before its windows
+    AppManager manager;
 
     std::unique_ptr<Window> makeWindow(int id)
     {
@@ -129,16 +157,17 @@ TEST_F(AppManagerTest, TimersRearmThemselvesWithoutAWindow)
                 ElementsAre(ArmedTimer{1.0 / 60, timerRedraw, nullptr, true}));
 }
 
-TEST_F(AppManagerTest, RatesThatAreNotPositiveCountAsOne)
+TEST_F(AppManagerTest, RatesThatAreNotPositiveNeverFireAgain)
 {
+    constexpr double NEVER = std::numeric_limits<double>::infinity();
     for (const float rate : {0.0f, -0.0f, -40.0f, -std::numeric_limits<float>::infinity(),
                              std::numeric_limits<float>::quiet_NaN()}) {
         tm_idle = rate;
         tm_draw = rate;
         EXPECT_THAT(armedBy(timerIdle, nullptr),
-                    ElementsAre(ArmedTimer{1.0, timerIdle, nullptr, true}));
+                    ElementsAre(ArmedTimer{NEVER, timerIdle, nullptr, true}));
         EXPECT_THAT(armedBy(timerRedraw, nullptr),
-                    ElementsAre(ArmedTimer{1.0, timerRedraw, nullptr, true}));
+                    ElementsAre(ArmedTimer{NEVER, timerRedraw, nullptr, true}));
     }
 }
 
@@ -217,18 +246,127 @@ TEST_F(AppManagerTest, UpdatesAndFramesGoOnAfterTheFirst)
     EXPECT_TRUE(runUntil([&] { return count("root.doupdate") >= 5 && count("root.cull") >= 5; }));
 }
 
-TEST_F(AppManagerTest, ADestroyedManagerStopsItsTimers)
+TEST_F(AppManagerTest, TheTimersOfAWindowEndWithIt)
+{
+    Window* const window = first.get();
+    manager.addWindow(window);
+    manager.addTimeouts(40, 40);
+    EXPECT_TRUE(Fl::has_timeout(timerIdle, window));
+    EXPECT_TRUE(Fl::has_timeout(timerRedraw, window));
+    first.reset();
+    EXPECT_FALSE(Fl::has_timeout(timerIdle, window));
+    EXPECT_FALSE(Fl::has_timeout(timerRedraw, window));
+}
+
+TEST_F(AppManagerTest, RatesAreSetAfterTheWindowIsShown)
+{
+    /// Notes the rates that hold when it is shown.
+    class Watcher : public Window {
+    public:
+        std::vector<float> rates;
+        Watcher() : Window(2, 0, 0, 60, 40) { end(); }
+        void show() override { rates = {tm_idle, tm_draw}; }
+    };
+    Watcher watcher;
+    manager.addWindow(&watcher);
+    tm_idle = 11;
+    tm_draw = 22;
+    manager.addTimeouts(20, 60);
+    EXPECT_THAT(watcher.rates, ElementsAre(11, 22));
+    EXPECT_EQ(tm_idle, 20);
+    EXPECT_EQ(tm_draw, 60);
+}
+
+/// Runs the event loop on a clock that only the test moves.
+class AppManagerClockTest : public AppManagerTest {
+protected:
+    void SetUp() override
+    {
+        AppManagerTest::SetUp();
+        first->show();
+        ASSERT_TRUE(runUntil([this] { return first->valid() != 0; }));
+        handlePendingEvents();
+        testTime = 1'000'000'000;
+        // Starts anew on this clock.
+        Fl::remove_timeout(timer, first.get());
+        Fl::add_timeout(0.0, timer, first.get());
+    }
+    void TearDown() override { testTime.reset(); }
+
+    /// Starts the timers, which all fire once.
+    void start(float idle, float redraw)
+    {
+        manager.addWindow(first.get());
+        manager.addTimeouts(idle, redraw);
+        Fl::wait(0);
+    }
+    /// Lets so many milliseconds go by.
+    static void pass(int milliseconds)
+    {
+        for (int i = 0; i < milliseconds; ++i) {
+            testTime = *testTime + 1000;
+            Fl::wait(0);
+        }
+    }
+    std::pair<int, int> updatesAndFramesIn(int milliseconds)
+    {
+        journal.clear();
+        pass(milliseconds);
+        return {static_cast<int>(std::ranges::count(journal, "root.doupdate")),
+                static_cast<int>(std::ranges::count(journal, "root.cull"))};
+    }
+};
+
+TEST_F(AppManagerClockTest, UpdatesAndFramesComeAtTheirRates)
+{
+    start(20, 60);
+    // A little more than two seconds, so that no timer is due at the very end.
+    EXPECT_THAT(updatesAndFramesIn(2010), Pair(40, 120));
+    EXPECT_NEAR(first->fps, 60, 1);
+    char title[32];
+    std::snprintf(title, sizeof title, "kelpix (%.1f fps)", static_cast<double>(first->fps));
+    EXPECT_STREQ(first->label(), title);
+}
+
+TEST_F(AppManagerClockTest, TheTimersOfAWindowOutliveItsManager)
 {
     {
-        AppManager brief;
-        brief.addWindow(first.get());
-        brief.addTimeouts(40, 40);
-        EXPECT_TRUE(Fl::has_timeout(timerIdle, first.get()));
-        EXPECT_TRUE(Fl::has_timeout(timerRedraw, first.get()));
+        AppManager local;
+        local.addWindow(first.get());
+        local.addTimeouts(20, 60);
     }
-    EXPECT_FALSE(Fl::has_timeout(timerIdle, first.get()));
-    EXPECT_FALSE(Fl::has_timeout(timerRedraw, first.get()));
-    EXPECT_TRUE(first->shown());
+    Fl::wait(0);
+    EXPECT_THAT(updatesAndFramesIn(1010), Pair(20, 60));
+}
+
+TEST_F(AppManagerClockTest, AClockThatJumpsForwardsCostsTwoUpdatesAtMost)
+{
+    start(40, 40);
+    pass(1010);
+    testTime = *testTime + 3'600'000'000;
+    const auto [updates, frames] = updatesAndFramesIn(1000);
+    EXPECT_THAT(updates, AllOf(Ge(40), Le(42)));
+    EXPECT_THAT(frames, AllOf(Ge(40), Le(42)));
+    EXPECT_THAT(updatesAndFramesIn(1000), Pair(40, 40));
+}
+
+TEST_F(AppManagerClockTest, AClockThatJumpsBackwardsCostsOneUpdateAtMost)
+{
+    start(40, 40);
+    pass(1010);
+    testTime = *testTime - 3'600'000'000;
+    const auto [updates, frames] = updatesAndFramesIn(1000);
+    EXPECT_THAT(updates, AllOf(Ge(39), Le(40)));
+    EXPECT_THAT(frames, AllOf(Ge(39), Le(40)));
+    EXPECT_THAT(updatesAndFramesIn(1000), Pair(40, 40));
+}
+
+TEST_F(AppManagerClockTest, ARateOfZeroFiresOnlyOnce)
+{
+    journal.clear();
+    start(0, 40);
+    EXPECT_THAT(journal, Contains("root.doupdate").Times(1));
+    EXPECT_THAT(updatesAndFramesIn(2010), Pair(0, 80));
 }
 
 } // namespace
