@@ -52,14 +52,27 @@ if(KELPIX_FUZZ)
         -fsanitize=address,undefined -fprofile-instr-generate=/dev/null)
 endif()
 
+# kelpix_prefixed_headers(TARGET file...)
+# Lets users of the target include these headers of the calling folder as <kelpix/NAME.h>, as they can
+# where kelpix is installed. A header of that path in the build folder includes the real one.
+function(kelpix_prefixed_headers target)
+    foreach(header ${ARGN})
+        file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/include/kelpix/${header}
+            CONTENT "#include \"${CMAKE_CURRENT_SOURCE_DIR}/${header}\"\n")
+    endforeach()
+    target_include_directories(${target} INTERFACE $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include>)
+endfunction()
+
 # kelpix_library(NAME SOURCES file... HEADERS file... [PUBLIC target...] [PRIVATE target...])
-# Makes the static library kelpix::NAME of the calling folder. Its headers are included by base
-# name; the target all_verify_interface_header_sets compiles each of them alone.
+# Makes the static library kelpix::NAME of the calling folder. Its headers are included by base name,
+# "Window.h", or as <kelpix/Window.h>; the target all_verify_interface_header_sets compiles each of
+# them alone. A header that is not listed is private to the project, and is not installed.
 function(kelpix_library name)
     cmake_parse_arguments(PARSE_ARGV 1 lib "" "" "SOURCES;HEADERS;PUBLIC;PRIVATE")
     add_library(kelpix_${name} STATIC ${lib_SOURCES})
     add_library(kelpix::${name} ALIAS kelpix_${name})
     target_sources(kelpix_${name} PUBLIC FILE_SET HEADERS FILES ${lib_HEADERS})
+    kelpix_prefixed_headers(kelpix_${name} ${lib_HEADERS})
     target_link_libraries(kelpix_${name}
         PUBLIC ${lib_PUBLIC}
         PRIVATE ${lib_PRIVATE} $<BUILD_INTERFACE:kelpix_options>)

@@ -1,19 +1,14 @@
-// creature: three figures follow a recording in step with a voice, and a creature eases towards
-// their centre.
+// creature: three figures follow a recording in step with a voice, and a creature moves towards
+// their center.
 
-#include <GL/glew.h>
-
-#include "AppManager.h"
 #include "Creature.h"
 #include "MoCap.h"
 #include "OggSound.h"
-#include "PivotNode.h"
-#include "RootNode.h"
-#include "SceneGraph.h"
+#include "PlainNode.h"
+#include "SceneWindow.h"
 #include "Sensor.h"
 #include "Shapes.h"
 #include "Texture.h"
-#include "Window.h"
 
 #include <AL/alc.h>
 #include <FL/Fl.H>
@@ -22,13 +17,15 @@
 
 namespace {
 
-/// A picture on the unit square, 0 to 1 in x and y.
-class Water final : public Node {
+/// A texture on the unit square, 0 to 1 in x and y.
+class Water final : public PlainNode {
 public:
     int cull() override
     {
         if (plane.list == 0) {
+            //! [shape]
             Shapes::plane(&plane, 1);
+            //! [shape]
         }
         draw();
         return 1;
@@ -36,48 +33,40 @@ public:
 
     void draw() override
     {
-        if (!picture.isLoaded()) {
-            picture.load(); // reads the file; needs the GL context that is current here
+        //! [texture]
+        if (!texture.isLoaded()) {
+            texture.load(); // reads the file; needs the GL context that is current here
         }
         glEnable(GL_TEXTURE_2D);
-        glBindTexture(GL_TEXTURE_2D, *picture.getId());
-        glColor3f(0.5f, 0.5f, 0.5f); // texels are multiplied by the colour
+        glBindTexture(GL_TEXTURE_2D, *texture.getId());
+        glColor3f(0.5f, 0.5f, 0.5f); // texels are multiplied by the color
         glCallList(plane.list);
         glBindTexture(GL_TEXTURE_2D, 0);
         glDisable(GL_TEXTURE_2D);
+        //! [texture]
     }
 
-    void doupdate() override {}
-    void drawBBox() override {}
-    RTTI_NODE_TYPE getType() const override { return RTTI_USER9; }
-    void userEvent(UserEvent*) override {}
-    void addTexture(Texture*) override {}
-    Texture* getTexture() override { return &picture; }
-    void computeBBox() override {}
-    BBox* getBBox() override { return nullptr; }
-    void addGeometry(Geometry*) override {}
-    Geometry* getGeometry() override { return &plane; }
-    void print() override {}
-    void cleanup() override {}
-
 private:
-    Texture picture{"data/underwater.jpg", IMAGE_JPEG};
+    Texture texture{"data/underwater.jpg", IMAGE_JPEG};
     Geometry plane{};
 };
 
 /// Shows the media in the current folder until the window is closed.
 void show()
 {
+    //! [recording]
     OggSound voice;
     voice.load("sound/magpie_vocal.ogg");
     MoCap recording;
     recording.sound = &voice;
     recording.read("data/mocap.txt");
+    //! [recording]
 
-    // Figures and textures keep what they have made until the process ends, so they are static.
+    // Figures and textures never free their display lists and textures, so they are static.
     static Water water;
     static Sensor sensors[3];
     static Creature creature;
+    //! [sensors]
     std::vector<Node*> sensorList;
     for (int k = 0; k < 3; ++k) {
         sensors[k].mocap = &recording;
@@ -88,29 +77,17 @@ void show()
     creature.sensorList = &sensorList;
     creature.translate(0.5f, 0, 0);
     water.attachChild(&creature); // beside the sensors: it moves in the frame in which they move
+    //! [sensors]
 
-    RootNode root;
-    PivotNode pivot;
-    root.attachChild(&pivot);
-    pivot.attachChild(&water);
     water.scale(1.2f, 1.2f, 1);
-    water.translate(-0.5f, -0.5f, 0); // the newest operation acts first: centred, then scaled
-    SceneGraph scene;
-    scene.setRootNode(&root);
-    scene.setPivotNode(&pivot);
-
-    Window window(1, 0, 0, 740, 740);
-    window.end();
-    window.getRender()->getCamera()->setProjType(1);
-    window.getRender()->setSG(&scene);
-    AppManager manager;
-    manager.addWindow(&window);
-    manager.addTimeouts(40, 40);
+    water.translate(-0.5f, -0.5f, 0); // the newest operation acts first: centered, then scaled
+    SceneWindow window(740, 740);
+    window.pivot.attachChild(&water);
+    //! [clock]
     Fl::add_timeout(0, dataTimer, &recording); // follows the voice, 90 times a second
     voice.play();
-    while (window.shown()) {
-        Fl::wait();
-    }
+    //! [clock]
+    window.run(40, 40);
 }
 
 } // namespace

@@ -1,18 +1,12 @@
 // hello-node: the smallest scene. Kelp that sways and bubbles that rise: node classes of our own in
 // the framework's window.
 
-#include <GL/glew.h>
-
-#include "AppManager.h"
 #include "Frustum.h"
 #include "Matrix.h"
-#include "PivotNode.h"
-#include "RootNode.h"
-#include "SceneGraph.h"
+#include "PlainNode.h"
+#include "SceneWindow.h"
 #include "UserEvent.h"
-#include "Window.h"
 
-#include <FL/Fl.H>
 #include <cmath>
 #include <cstdio>
 #include <deque>
@@ -23,38 +17,14 @@ constexpr int SIZE = 740;            // pixels, of the window
 constexpr float IN_VIEW = 1.1547f;   // units that the camera sees at a distance of 1
 constexpr float HALF_TURN = 3.1416f; // radians
 
-/// A node may leave empty what it has no use for. This does it once for the classes below.
-class PlainNode : public Node {
-public:
-    void draw() override {}
-    void doupdate() override {}
-    void drawBBox() override {}
-    RTTI_NODE_TYPE getType() const override { return RTTI_USER9; }
-    void userEvent(UserEvent*) override {}
-    void addTexture(Texture*) override {}
-    Texture* getTexture() override { return nullptr; }
-    void computeBBox() override {}
-    BBox* getBBox() override { return nullptr; }
-    void addGeometry(Geometry*) override {}
-    Geometry* getGeometry() override { return nullptr; }
-    void print() override {}
-    void cleanup() override {}
-};
-
-/// A pair of kelp leaves. A plant is a chain of them, each the child of the one below: a pair sways
-/// on its own account, and takes along what grows on it.
+/// A pair of kelp leaves. A plant is a chain of them, each the child of the one below, so that a
+/// pair that sways moves all pairs above it.
+//! [node]
 class Kelp final : public PlainNode {
 public:
     Kelp(float atX, float atY, float startPhase) : x(atX), y(atY), phase(startPhase) {}
 
-    /// Once a frame: a node that is visible draws itself here.
-    int cull() override
-    {
-        draw();
-        return 1;
-    }
-
-    /// This node's transform is in the modelview matrix already.
+    /// Called once a frame, with this node's transform in GL's modelview matrix.
     void draw() override
     {
         for (const float side : {-1.0f, 1.0f}) {
@@ -70,23 +40,28 @@ public:
         }
     }
 
-    /// Once a tick, 40 times a second.
+    /// Called once an update, 40 times a second.
     void doupdate() override
     {
         phase += 0.04f;
+        //! [matrix]
         Matrix::load_identity(glTransform());
         translate(x, y, 0);
         rotate(0, 0, 1, 3 * std::sin(phase));
         scale(0.96f, 0.96f, 1); // what grows on it is smaller
+        //! [matrix]
     }
 
 private:
     float x, y;  ///< where it grows, in the frame of its parent
     float phase; ///< radians
 };
+//! [node]
 
+/// Rises, and dies when it has left the view.
 class Bubble final : public PlainNode {
 public:
+    //! [cull]
     int cull() override
     {
         float planes[6][4]; // of the view, in this node's frame
@@ -101,8 +76,9 @@ public:
         draw();
         return 1;
     }
+    //! [cull]
 
-    /// Not in the constructor, which runs without a GL context.
+    /// Compiles the display list. Called by the first cull: a constructor has no GL context.
     void initialize()
     {
         list = glGenLists(1);
@@ -119,7 +95,7 @@ public:
         glEndList();
     }
 
-    /// Changes and puts back what the next node does not expect.
+    /// Enables blending, and disables it again: no other node expects it.
     void draw() override
     {
         glEnable(GL_BLEND);
@@ -132,21 +108,21 @@ public:
     {
         translate(0, 0.2f, 0);
         if (transformmat[13] > IN_VIEW / 2) {
-            die(); // the next draw walk takes it out of the tree and deletes it
+            die(); // the next draw traversal removes it from the tree and deletes it
         }
     }
 
-    /// The last call to a node that died. Its destructor does not run.
+    /// Called before a dead node is deleted. Its destructor does not run.
     void cleanup() override { glDeleteLists(list, 1); }
 
 private:
     GLuint list = 0;
 };
 
-/// Lets a bubble rise where the mouse is clicked.
+/// Makes a bubble where the mouse is clicked.
 class Water final : public PlainNode {
 public:
-    /// The bubbles that are still alive are this node's to delete.
+    /// Deletes the bubbles that are still alive: nobody else does.
     ~Water()
     {
         for (Node* bubble : children) {
@@ -154,12 +130,11 @@ public:
         }
     }
 
-    int cull() override { return 1; }
-
+    //! [event]
     void userEvent(UserEvent* event) override
     {
-        // From pixels to the frame of the eye, at the distance of this node; then to this node's
-        // frame, by the inverse of the matrix that the last draw walk has noted.
+        // From pixels to the eye's frame, at the distance of this node; then to this node's frame,
+        // by the inverse of its object-to-eye transform in the last frame.
         const float* click = event->getEventData();
         const float x = (click[0] / SIZE - 0.5f) * IN_VIEW;
         const float y = (0.5f - click[1] / SIZE) * IN_VIEW;
@@ -170,6 +145,7 @@ public:
         bubble->scale(0.03f, 0.03f, 1);
         attachChild(bubble);
     }
+    //! [event]
 };
 
 } // namespace
@@ -183,33 +159,20 @@ int main()
         "  drag         with v moves, with z, x or c turns the scene (button first, then key)\n"
         "  q            ends");
 
-    RootNode root;   // what the mouse moves and zooms
-    PivotNode pivot; // what it turns
+    //! [scene window]
+    SceneWindow window(SIZE, SIZE);
     Water water;
-    std::deque<Kelp> kelp; // nodes stay where they are: others point to them
+    std::deque<Kelp> kelp; // does not move its elements: other nodes point to them
     for (int plant = 0; plant < 5; ++plant) {
         const auto k = static_cast<float>(plant);
         kelp.emplace_back(0.22f * (k - 2), -0.58f, k);
-        pivot.attachChild(&kelp.back());
+        window.pivot.attachChild(&kelp.back());
         for (int pair = 1; pair < 8 + plant * 3 % 5; ++pair) { // 2 + 12 levels; GL allows 15
             kelp.emplace_back(0.0f, 0.09f, k - 0.3f * static_cast<float>(pair));
             kelp[kelp.size() - 2].attachChild(&kelp.back());
         }
     }
-    root.attachChild(&pivot);
-    root.attachChild(&water);
-    SceneGraph scene;
-    scene.setRootNode(&root);
-    scene.setPivotNode(&pivot);
-
-    Window window(1, 0, 0, SIZE, SIZE);
-    window.end();
-    window.getRender()->getCamera()->setProjType(1); // perspective
-    window.getRender()->setSG(&scene);
-    AppManager manager;
-    manager.addWindow(&window);
-    manager.addTimeouts(40, 40); // updates and frames per second
-    while (window.shown()) {
-        Fl::wait();
-    }
+    window.root.attachChild(&water);   // the mouse does not turn it
+    return window.run(40, 40) ? 0 : 1; // updates and frames per second
+    //! [scene window]
 }

@@ -1,15 +1,11 @@
 // obj-viewer: loads an OBJ model, turns it on a turntable, and writes it back.
 
-#include <GL/glew.h>
-
-#include "AppManager.h"
 #include "FreeType.h"
 #include "ObjAPI.h"
 #include "PivotNode.h"
-#include "RootNode.h"
-#include "SceneGraph.h"
+#include "PlainNode.h"
+#include "SceneWindow.h"
 #include "Vector.h"
-#include "Window.h"
 
 #include <FL/Fl.H>
 #include <algorithm>
@@ -30,8 +26,9 @@ Vec3 positionOf(int file, int vertex)
     return {v[0], v[1], v[2]};
 }
 
-/// Gives the mean normal of its triangles to each vertex that was read without one: its normal is
-/// not a number.
+/// Gives each vertex that the file has no normal for, and whose normal is NaN for that, the mean
+/// normal of its triangles.
+//! [model]
 void addMissingNormals(int file)
 {
     std::vector<Vec3> sums(static_cast<std::size_t>(obj_num_vert(file)));
@@ -57,10 +54,11 @@ void addMissingNormals(int file)
             obj_set_vert_n(file, vi, mean);
         }
     }
-    obj_proc_file(file); // gives the normals their length, and computes the tangents
+    obj_proc_file(file); // normalizes the normals, and computes the tangents
 }
+//! [model]
 
-class Model final : public Node {
+class Model final : public PlainNode {
 public:
     std::string name; ///< of the OBJ file, in the current folder
     int file = -1;    ///< index in the model store
@@ -73,29 +71,29 @@ public:
     {
         if (file == -1) {
             load();
-            return -1; // its transform counts from the next frame on
+            return -1; // GL has this frame's transform already; the new one counts in the next
         }
         draw();
         return 1;
     }
 
-    /// Reads the model, and brings its middle to the origin and its radius to 0.4. Not in the
-    /// constructor: textures need the GL context.
+    /// Reads the model, moves its center to the origin, and scales its radius to 0.4. Called by the
+    /// first cull: textures need a GL context.
     void load()
     {
         file = obj_add_file(name.c_str());
         addMissingNormals(file);
         const int count = obj_num_vert(file);
-        Vec3 middle;
+        Vec3 center;
         for (int vi = 0; vi < count; ++vi) {
-            middle = middle + positionOf(file, vi) / static_cast<float>(count);
+            center = center + positionOf(file, vi) / static_cast<float>(count);
         }
         for (int vi = 0; vi < count; ++vi) {
-            radius = std::max(radius, Vec3::EuclDistance(middle, positionOf(file, vi)));
+            radius = std::max(radius, Vec3::EuclDistance(center, positionOf(file, vi)));
         }
         const float factor = radius > 0 ? 0.4f / radius : 1;
         scale(factor, factor, factor);
-        translate(-middle.x, -middle.y, -middle.z);
+        translate(-center.x, -center.y, -center.z);
     }
 
     void draw() override
@@ -122,25 +120,13 @@ public:
         std::printf("%s %s.obj and %s.mtl\n", written ? "wrote" : "cannot write", copy.c_str(),
                     copy.c_str());
     }
-
-    void doupdate() override {}
-    void drawBBox() override {}
-    RTTI_NODE_TYPE getType() const override { return RTTI_USER9; }
-    void userEvent(UserEvent*) override {}
-    void addTexture(Texture*) override {}
-    Texture* getTexture() override { return nullptr; }
-    void computeBBox() override {}
-    BBox* getBBox() override { return nullptr; }
-    void addGeometry(Geometry*) override {}
-    Geometry* getGeometry() override { return nullptr; }
-    void print() override {}
-    void cleanup() override {}
 };
 
 /// The framework's window, with two more keys and with text over the scene.
-class Viewer final : public Window {
+//! [window]
+class Viewer final : public SceneWindow {
 public:
-    explicit Viewer(Model& shown) : Window(1, 0, 0, 740, 740), model(shown) { end(); }
+    explicit Viewer(Model& shown) : SceneWindow(740, 740), model(shown) {}
 
     int handle(int event) override
     {
@@ -154,6 +140,7 @@ public:
 
     void draw() override
     {
+        //! [text]
         const bool newContext = !valid();
         Window::draw(); // loads the model in the first frame
         if (newContext) {
@@ -163,39 +150,29 @@ public:
         freetype::print(1, font, 16, 73, "%.100s\nvertices: %d\nsurfaces: %d\nmaterials: %d",
                         model.name.c_str(), obj_num_vert(model.file), obj_num_surf(model.file),
                         obj_num_mtrl(model.file));
+        //! [text]
     }
 
 private:
     Model& model;
 };
+//! [window]
 
-void show(const std::filesystem::path& path)
+/// \return the exit status
+int show(const std::filesystem::path& path)
 {
     if (path.has_parent_path()) {
         std::filesystem::current_path(path.parent_path()); // materials refer to files beside it
     }
-    RootNode root;
-    PivotNode pivot;
-    pivot.rotate(1, 0, 0, 20); // seen a little from above
     PivotNode turntable;
     turntable.setUpdateFunc([](Node* node) { node->rotate(0, 1, 0, 1); });
     Model model(path.filename());
-    root.attachChild(&pivot);
-    pivot.attachChild(&turntable);
     turntable.attachChild(&model);
-    SceneGraph scene;
-    scene.setRootNode(&root);
-    scene.setPivotNode(&pivot);
 
     Viewer window(model);
-    window.getRender()->getCamera()->setProjType(1);
-    window.getRender()->setSG(&scene);
-    AppManager manager;
-    manager.addWindow(&window);
-    manager.addTimeouts(40, 40);
-    while (window.shown()) {
-        Fl::wait();
-    }
+    window.pivot.rotate(1, 0, 0, 20); // seen a little from above
+    window.pivot.attachChild(&turntable);
+    return window.run(40, 40) ? 0 : 1;
 }
 
 } // namespace
@@ -214,10 +191,9 @@ int main(int argc, char* argv[])
               "  drag   with v moves, with z, x or c turns the model (button first, then key)\n"
               "  q      ends");
     try {
-        show(argv[1]);
+        return show(argv[1]);
     } catch (const std::exception& failure) {
         std::fprintf(stderr, "obj-viewer: %s\n", failure.what());
         return 1;
     }
-    return 0;
 }

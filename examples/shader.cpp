@@ -1,23 +1,17 @@
 // shader: compiles a vertex and a fragment shader from two files, links them, and draws a sphere
 // with them. Edit the files while it runs, and have it read them again.
 
-#include <GL/glew.h>
-
-#include "AppManager.h"
-#include "PivotNode.h"
-#include "RootNode.h"
-#include "SceneGraph.h"
 #include "Shader.h"
+#include "PlainNode.h"
+#include "SceneWindow.h"
 #include "Shapes.h"
-#include "Window.h"
 
-#include <FL/Fl.H>
 #include <cstdio>
 #include <string>
 
 namespace {
 
-/// What GL has to say about a shader or a program.
+/// \return GL's messages about a shader or a program
 std::string logOf(GLhandleARB object)
 {
     GLint length = 0;
@@ -35,8 +29,9 @@ bool succeeded(GLhandleARB object, GLenum step)
     return status != 0;
 }
 
-/// Reads and compiles a file, and says what is wrong with it. Shader itself reports GL errors only,
-/// and a mistake in the source is none.
+/// Reads and compiles a file, and prints what is wrong with it. Shader itself reports GL errors
+/// only, and a mistake in the source is not one.
+//! [compile]
 bool compile(Shader& shader, const char* path, GLenum type)
 {
     shader.create(path, type);
@@ -50,8 +45,10 @@ bool compile(Shader& shader, const char* path, GLenum type)
     }
     return true;
 }
+//! [compile]
 
-/// A program of the two files; 0 if there is something wrong with them.
+/// \return a program of the two files; 0 when they do not compile or link
+//! [link]
 GLhandleARB link(const char* vertexPath, const char* fragmentPath)
 {
     Shader vertex;
@@ -69,11 +66,12 @@ GLhandleARB link(const char* vertexPath, const char* fragmentPath)
         glDeleteObjectARB(program);
         return 0;
     }
-    return program; // keeps the shaders, which are deleted here, until it is deleted itself
+    return program; // GL keeps the shaders, which are deleted here, until the program is deleted
 }
+//! [link]
 
-/// A sphere that is drawn with the program, or plain while there is none.
-class Sphere final : public Node {
+/// A sphere that is drawn with the program, or without one if there is none.
+class Sphere final : public PlainNode {
 public:
     Sphere(const char* vertex, const char* fragment) : vertexPath(vertex), fragmentPath(fragment) {}
 
@@ -89,7 +87,8 @@ public:
         return 1;
     }
 
-    /// Needs: current GL context. Keeps the program it has when the new one is no good.
+    /// Makes a program of the files as they are now; keeps the old one when that fails.
+    /// Needs: current GL context.
     void reload()
     {
         stale = false;
@@ -120,19 +119,8 @@ public:
 
     void doupdate() override { seconds += 1.0f / 40; }
 
-    /// Events come without a GL context: the next frame sees to it.
+    /// An event comes without a GL context: the next cull reads the files.
     void userEvent(UserEvent*) override { stale = true; }
-
-    void drawBBox() override {}
-    RTTI_NODE_TYPE getType() const override { return RTTI_USER9; }
-    void addTexture(Texture*) override {}
-    Texture* getTexture() override { return nullptr; }
-    void computeBBox() override {}
-    BBox* getBBox() override { return nullptr; }
-    void addGeometry(Geometry*) override {}
-    Geometry* getGeometry() override { return nullptr; }
-    void print() override {}
-    void cleanup() override {}
 
 private:
     const char* vertexPath;
@@ -160,24 +148,9 @@ int main(int argc, char* argv[])
         "  drag         with v moves, with z, x or c turns the sphere (button first, then key)\n"
         "  q            ends");
 
-    RootNode root;
-    PivotNode pivot;
     Sphere sphere(argc == 3 ? argv[1] : KELPIX_EXAMPLES "/anemone.vert",
                   argc == 3 ? argv[2] : KELPIX_EXAMPLES "/anemone.frag");
-    root.attachChild(&pivot);
-    pivot.attachChild(&sphere);
-    SceneGraph scene;
-    scene.setRootNode(&root);
-    scene.setPivotNode(&pivot);
-
-    Window window(1, 0, 0, 740, 740);
-    window.end();
-    window.getRender()->getCamera()->setProjType(1);
-    window.getRender()->setSG(&scene);
-    AppManager manager;
-    manager.addWindow(&window);
-    manager.addTimeouts(40, 40);
-    while (window.shown()) {
-        Fl::wait();
-    }
+    SceneWindow window(740, 740);
+    window.pivot.attachChild(&sphere);
+    return window.run(40, 40) ? 0 : 1;
 }

@@ -9,7 +9,8 @@
 
 namespace {
 
-/// Not a local of main: the process may end while it is being read, and it is printed after that.
+/// Not a local of main: readDisplayCfg may end the process, and the configuration is printed at
+/// exit.
 TileConfig config;
 
 bool isThisHost(const ClusterNode& host)
@@ -17,13 +18,13 @@ bool isThisHost(const ClusterNode& host)
     return &host == config.getThisNodeCfg();
 }
 
-/// A window and its host.
+/// A window of the wall and its host.
 struct Tile {
     const ClusterNode* host = nullptr;
     const WindowEntity* window = nullptr;
 };
 
-/// The window at a place of the grid, the first one in the file; nothing if none is there.
+/// \return the first window in the file that is at a place of the grid; nulls when there is none
 Tile tileAt(int column, int row)
 {
     for (const ClusterNode* host : config.cluster->nList) {
@@ -36,7 +37,7 @@ Tile tileAt(int column, int row)
     return {};
 }
 
-/// One line of a tile, cut or padded to the width of the drawing's tiles.
+/// Prints one line of a tile, cut or padded to the width of a tile in the drawing.
 void printCell(const std::string& text)
 {
     std::printf("| %-16.16s ", text.c_str());
@@ -50,9 +51,9 @@ void printRule(int columns)
     std::puts("+");
 }
 
-/// The file gives numbers without units or directions. This drawing takes TileMap for columns and
-/// rows, Map for the column and row of a window, both from 0 at the top left, and Location for x,
-/// y, width and height in pixels.
+/// Draws the wall. The file gives numbers without units or directions. This drawing reads TileMap
+/// as columns and rows; Map as the column and row of a window, counted from 0 at the top left;
+/// Location as x, y, width and height in pixels.
 void printWall()
 {
     const int columns = config.cluster->tilemap[0];
@@ -118,12 +119,14 @@ int main(int argc, char* argv[])
         std::fputs("tiles FILE: shows the tiled display wall that FILE describes\n", stderr);
         return 2;
     }
-    // readDisplayCfg ends the process where the file does not list this host, since such a host has
-    // nothing to show. This program has: what is to be printed in any case is printed at the end.
+    // readDisplayCfg ends the process when the file does not list this host. This program prints
+    // the wall in any case, so it does that at exit.
+    //! [read]
     std::atexit(printConfiguration);
     if (config.readDisplayCfg(argv[1]) == -1) {
         std::fprintf(stderr, "tiles: %s is no tile configuration, or breaks off\n", argv[1]);
         return 1;
     }
+    //! [read]
     return 0;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <GL/glew.h>
+#include "GLTypes.h"
 
 /// One GLSL shader object of the ARB_shader_objects extension, made from a source file.
 ///

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <GL/glew.h>
+#include "GLTypes.h"
 
 /// A shape that was compiled into a display list.
 struct Geometry {
@@ -10,19 +10,22 @@ struct Geometry {
 
 /// Generators of simple shapes.
 ///
-/// Each compiles its shape into a new display list and records the list and the shape's name in a
-/// Geometry of the caller, who draws it with glCallList and owns the list. Shapes lie in the frame
-/// of the node that draws them, in its units.
+/// Each compiles its shape into a new display list and stores the list and the shape's name in the
+/// caller's Geometry. The caller owns the list and draws it with glCallList. Shapes are in the
+/// frame and units of the node that draws them.
 ///
 /// All need a current GL context with no display list open.
+///
+/// \par Example
+/// \snippet creature.cpp shape
 namespace Shapes {
 
-/// A textured square from (0, 0) to (scale, scale) in the plane z = 0, not centred, one polygon,
+/// A textured square from (0, 0) to (scale, scale) in the plane z = 0, not centered, one polygon,
 /// counter-clockwise, with texture coordinates from 0 to 1. Name "plane".
 void plane(Geometry* g, float scale);
 
 /// An arrow of three lines in the plane z = 0 that points along y: a shaft of length \p scale
-/// centred at the origin and two barbs at its upper end. Name "arrow".
+/// centered at the origin and two barbs at its upper end. Name "arrow".
 void arrow(Geometry* g, float scale);
 
 /// A textured sphere about the origin: n/2 quad strips from the south pole to the north pole (the
@@ -30,9 +33,9 @@ void arrow(Geometry* g, float scale);
 /// \param r  radius; its sign does not count
 /// \param n  quads around the equator; its sign does not count; the cost grows with its square
 ///
-/// Do not call it with fewer than 4 quads or a radius of 0: the list then holds one point and
-/// stays open. That is deliberate; whoever draws degenerate spheres adds to that list and closes
-/// it.
+/// Do not call it with fewer than 4 quads or a radius of 0.
+/// Fixed behavior: the list then holds one point and stays open; the caller has to close it.
+/// Pinned by ShapesTest.ADegenerateSphereIsOnePointAndLeavesItsListOpen; do not correct.
 void sphere(Geometry* g, float r, int n);
 
 /// Not defined: does nothing and leaves \p g untouched.

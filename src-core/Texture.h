@@ -1,8 +1,7 @@
 #pragma once
 
 #include "BasicImage.h"
-
-#include <GL/glew.h>
+#include "GLTypes.h"
 
 /// An image file that becomes a GL texture when it is first drawn with.
 ///

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <GL/glew.h>
+#include "GLTypes.h"
 
 /// OBJ models: a process-wide store that reads, edits, draws and writes them.
 ///

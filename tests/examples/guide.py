@@ -1,5 +1,5 @@
-"""Checks that the code in docs/framework.md stands in the examples as it is quoted, and that what
-the page links to is there.
+"""Checks that the code in docs/framework.md stands in the examples, or in the framework's
+SceneWindow.cpp, as it is quoted, and that what the page links to is there.
 
 Usage: guide.py ROOT
 """
@@ -14,7 +14,7 @@ PAGE = (ROOT / "docs/framework.md").read_text()
 
 
 def stands_in(quote, lines):
-    """Whether the lines of a quote follow each other there, perhaps further indented."""
+    """Whether the lines of a quote follow each other there, with any indentation."""
     count = len(quote.splitlines())
     return any(textwrap.dedent("\n".join(lines[i:i + count])) + "\n" == quote
                for i in range(len(lines)))
@@ -22,7 +22,10 @@ def stands_in(quote, lines):
 
 class Guide(unittest.TestCase):
     def test_quotes_the_examples(self):
-        sources = [path.read_text().splitlines() for path in (ROOT / "examples").iterdir()]
+        files = [*(ROOT / "examples").iterdir(), ROOT / "src-core/SceneWindow.cpp"]
+        # The lines that mark snippets for the reference are not quoted.
+        sources = [[line for line in path.read_text().splitlines() if "//! [" not in line]
+                   for path in files]
         quotes = re.findall(r"```(?:cpp|cmake)\n(.*?)```", PAGE, re.DOTALL)
         self.assertGreater(len(quotes), 20)
         for quote in quotes:

@@ -1,6 +1,7 @@
 #include "Node.h"
 #include "NodeStack.h"
 #include "PivotNode.h"
+#include "PlainNode.h"
 #include "RootNode.h"
 #include "UserEvent.h"
 
@@ -367,6 +368,41 @@ TYPED_TEST(StructuralNodeTest, TheOtherOperationsDoNothing)
     EXPECT_EQ(node.getGeometry(), nullptr);
     EXPECT_TRUE(node.isAlive());
     EXPECT_THAT(node.transformmat, ElementsAreArray(IDENTITY));
+}
+
+TEST(PlainNodeTest, IsAlwaysVisibleAndDrawsInItsCull)
+{
+    class Drawn : public PlainNode {
+    public:
+        int draws = 0;
+        void draw() override { ++draws; }
+    };
+    Drawn node;
+    EXPECT_EQ(node.cull(), 1);
+    EXPECT_EQ(node.draws, 1);
+}
+
+TEST(PlainNodeTest, TheOtherOperationsDoNothing)
+{
+    PlainNode node;
+    UserEvent event(MOUSE_CLICK);
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(node.cull(), 1);
+    node.update();
+    node.drawBBox();
+    node.userEvent(&event);
+    node.addTexture(nullptr);
+    node.computeBBox();
+    node.addGeometry(nullptr);
+    node.print();
+    node.cleanup();
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    EXPECT_EQ(node.getType(), RTTI_USER9);
+    EXPECT_EQ(node.getTexture(), nullptr);
+    EXPECT_EQ(node.getBBox(), nullptr);
+    EXPECT_EQ(node.getGeometry(), nullptr);
+    EXPECT_TRUE(node.isAlive());
+    EXPECT_EQ(sizeof(PlainNode), sizeof(Node));
 }
 
 } // namespace

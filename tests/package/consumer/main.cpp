@@ -1,13 +1,13 @@
-// A program of somebody else: a node, its transform, a model, and a window that is never shown.
+// A program of somebody else: a node, its transform, a model, and a window that is never shown. It
+// includes headers with and without their folder, and in no particular order.
 
-#include <GL/glew.h>
-
-#include "ObjAPI.h"
-#include "PivotNode.h"
-#include "SceneGraph.h"
 #include "Window.h"
-
+#include <FL/gl.h>
 #include <cstdio>
+#include <kelpix/ObjAPI.h>
+#include <kelpix/PivotNode.h>
+#include <kelpix/SceneGraph.h>
+#include <kelpix/Window.h>
 
 int main()
 {
