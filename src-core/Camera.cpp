@@ -69,7 +69,7 @@ Point2* Camera::unproject(Point2* out, const Point2* in, const float* model)
     glGetDoublev(GL_MODELVIEW_MATRIX, modelview);
     glPopMatrix();
 
-    // GLU takes the viewport's origin off once more: deliberate, see the header.
+    // GLU subtracts the viewport's origin once more, see Camera.h.
     const double windowX = static_cast<double>(in->x) - viewport[0];
     const double windowY = (viewport[3] - 1) - (static_cast<double>(in->y) - viewport[1]);
     GLdouble x = 0;

@@ -14,13 +14,13 @@ struct Point2 {
 };
 
 /// Sets up GL's viewport, scissor box, projection and view transform. The view transform stays in
-/// the modelview matrix from frame to frame: SceneGraph's walks leave that matrix as they found it.
+/// the modelview matrix from frame to frame: SceneGraph leaves that matrix as it found it.
 class Camera {
 public:
     std::vector<Viewport*> viewportList; ///< borrows; parts of a tiled display, not used here
     int projType = -1;                   ///< -1 undefined, 0 orthographic, else perspective
     int view[2] = {};                    ///< width and height of the GL viewport, pixels
-    float eye[3] = {0, 0, 0};            ///< scene units; every set-up rewrites z: 1 or 0 (ortho)
+    float eye[3] = {0, 0, 0};            ///< scene units; each set-up writes z: 1, orthographic 0
     float center[3] = {0, 0, -1};        ///< point looked at, scene units
     float up[3] = {0, 1, 0};
 
@@ -28,18 +28,24 @@ public:
 
     /// The set-up for a new GL context. Perspective: 60 degrees vertically, planes at 0.01 and 100,
     /// eye at z = 1. Orthographic: -w..w, -h..h, -100..100, eye at z = 0. Then moves the scene by
-    /// -offset times the window's size, counted in scene units of the eye frame.
+    /// (-offset[0] * w, -offset[1] * h) scene units in the eye's frame.
     /// \param x,y     ignored
     /// \param w,h     window size in pixels; a height of 0 gives no usable projection
     /// \param offset  float[2], fractions of w and h
     /// Needs: current GL context. Leaves the modelview matrix selected.
-    /// An undefined projection type prints "Please define camera projection type." and ends the
-    /// process with status 0.
+    ///
+    /// Fixed behavior: an undefined projection type prints "Please define camera projection type."
+    /// on standard output and ends the process with status 0.
+    /// Pinned by CameraDeathTest.AnUndefinedProjectionEndsTheProcessWithOneMessage; do not correct.
     void ortho2D(int x, int y, int w, int h, const float* offset);
 
-    /// The set-up after a resize: as ortho2D, but it neither stores the size in view nor applies an
-    /// offset, and an undefined type counts as perspective. Deliberate: after the first resize a
-    /// tile shows the whole scene.
+    /// The set-up after a resize, as ortho2D. Needs: current GL context.
+    ///
+    /// Fixed behavior: it does not store the size in view, applies no offset (the first resize
+    /// removes it), and takes an undefined type for perspective.
+    /// Pinned by CameraTest.ReshapeSetsTheNewSizeUpAndKeepsTheOldOneInView,
+    /// CameraTest.TheOffsetMovesTheSceneUntilTheNextReshape,
+    /// CameraTest.AnUndefinedTypeCountsAsPerspectiveInReshape; do not correct.
     void reshape(int x, int y, int w, int h);
 
     /// \return pointers to the three float[3] fields
@@ -55,13 +61,14 @@ public:
     /// \param model  float[16], column-major: frame of the node to the frame of the current
     ///               modelview matrix
     /// \return \p out
-    /// With the orthographic camera that is where the click is at every depth. In perspective the
-    /// line of sight goes on from the eye through that point: x and y, counted from the eye, grow
-    /// with the distance from it. From the near plane to z = 0, with the eye at z = 1, that is
-    /// 1 / 0.01 = 100 times.
-    /// The origin of the viewport is taken off twice, here and by GLU: deliberate, callers depend
-    /// on it. After one of the set-ups it is (0, 0). Needs: current GL context with the modelview
-    /// matrix selected. Restores: matrix stack.
+    /// With the orthographic camera, that is the click's x and y at every depth. In perspective, x
+    /// and y measured from the eye grow with the distance from it. The near plane is 0.01 from the
+    /// eye and the plane z = 0 is 1 from it: multiply by 1 / 0.01 = 100 for a node at z = 0.
+    /// Needs: current GL context with the modelview matrix selected. Restores: matrix stack.
+    ///
+    /// Fixed behavior: the origin of the viewport is subtracted twice, here and by GLU. It is (0,
+    /// 0) after either set-up. Pinned by CameraTest.UnprojectTakesAViewportsOriginOffTwice; do not
+    /// correct.
     Point2* unproject(Point2* out, const Point2* in, const float* model);
 
 private:

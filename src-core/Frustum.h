@@ -4,11 +4,15 @@
 ///
 /// A plane is 4 floats (a, b, c, d); a point (x, y, z) is on its inner side when
 /// a*x + b*y + c*z + d > 0. A frustum is six planes in the order left, right, bottom, top, near,
-/// far. A node that asks from its cull gets the planes in its own frame, since the traversal has
-/// multiplied its transform into the modelview matrix: it tests its own coordinates as they are.
+/// far. Called from a node's cull, get_frustum gives the planes in the node's own frame, because
+/// the draw traversal has multiplied the node's transform into the modelview matrix. The node then
+/// tests its own coordinates without transforming them.
+///
+/// \par Example
+/// \snippet hello-node.cpp cull
 namespace Frustum {
 
-/// Extracts the six planes from the current projection and modelview matrices and normalises them
+/// Extracts the six planes from the current projection and modelview matrices and normalizes them
 /// (Gribb and Hartmann, "Fast Extraction of Viewing Frustum Planes", 2001).
 /// Needs: current GL context; reads its two matrices. A degenerate matrix divides by zero.
 void get_frustum(float planes[6][4]);
@@ -26,7 +30,7 @@ int test_plane(const float* plane, const float* bounds);
 
 /// \param bounds  float[6], same frame as the planes
 /// \return -1 when all corners are outside one of the planes, 1 when all are inside all planes,
-///         else 0. Stops at the first plane that has the whole box outside.
+///         else 0. A corner on a plane counts as outside.
 int test_frustum(const float planes[6][4], const float* bounds);
 
 /// \param p  float[3], same frame as the planes
@@ -34,11 +38,13 @@ int test_frustum(const float planes[6][4], const float* bounds);
 int test_point(const float planes[6][4], const float* p);
 
 /// Writes the viewer's position in the frame of the current modelview matrix.
-/// \param out  float[4]: the translation of the inverse modelview matrix, its first three elements
-///             each divided by the matching diagonal element of the inverse, then element 15.
-///             The division is deliberate: under a scaling by s the position comes out s times as
-///             large.
+/// \param out  float[4]: elements 12 to 15 of the inverse modelview matrix, the first three each
+///             divided by the diagonal element of its row
 /// Needs: current GL context; reads its modelview matrix.
+///
+/// Fixed behavior: because of the division, the position under a scaling by s comes out s times as
+/// large. Pinned by FrustumTest.TheViewPointUnderAScalingIsTheInverseTranslationTimesTheScale; do
+/// not correct.
 void get_view_point(float* out);
 
 /// Prints an empty line, then each plane as "%f %f %f %f\n".

@@ -9,7 +9,19 @@ struct Geometry;
 class Texture;
 class UserEvent;
 
-/// What getType tells about a node. Classes share values; see each class's getType.
+/// What getType tells about a node: a hint for tools that count or print nodes, not a class.
+/// Nothing in the framework depends on it, and classes share values:
+///
+/// | Value         | Classes                 |
+/// |---------------|-------------------------|
+/// | RTTI_PIVOT    | RootNode, PivotNode     |
+/// | RTTI_PARTICLE | Boid                    |
+/// | RTTI_USER0    | Environment, Boider     |
+/// | RTTI_USER1    | Sensor, SensorRep       |
+/// | RTTI_USER2    | Creature                |
+/// | RTTI_USER9    | PlainNode, the examples |
+///
+/// The others are free.
 enum RTTI_NODE_TYPE {
     RTTI_SCENE,
     RTTI_PIVOT,
@@ -28,23 +40,29 @@ enum RTTI_NODE_TYPE {
     RTTI_USER9,
 };
 
-/// The base of everything that lives in the scene.
+/// The base of everything that lives in the scene. Derive from PlainNode to override only what a
+/// node needs.
 ///
-/// A node has a local transform (object frame to its parent's frame; column-major, see Matrix.h),
-/// an ordered list of children and a life flag. SceneGraph walks the tree from the root: each frame
-/// it multiplies the node's transform into GL's modelview matrix and calls cull, in which a visible
-/// node draws itself; each tick it calls update; each input event goes to userEvent.
+/// A node has a local transform (from the node's own frame to its parent's; column-major, see
+/// Matrix.h), an ordered list of children and a life flag. SceneGraph traverses the tree from the
+/// root: once a frame it multiplies the node's transform into GL's modelview matrix and calls cull,
+/// in which a visible node draws itself; at each update it calls update; it hands each input event
+/// to userEvent. These are the only operations that the framework calls, with cleanup and, on root
+/// and pivot, translate, scale and rotate. The others are for the program's own use.
 ///
-/// Nodes belong to whoever makes them, and must outlive the walks over their tree; those that can
-/// die are made with new. After die, the next draw walk that visits their parent calls cleanup,
-/// runs the Node destructor and gives the storage back. That destructor is not virtual, so cleanup
-/// is the only hook of a derived class: a class whose objects can die keeps no memory beyond it.
-/// The children of a dead node are not deleted with it.
+/// Nodes belong to whoever makes them, and must outlive the traversals of their tree. A node that
+/// can die is made with new: after die, the next draw traversal that visits its parent calls
+/// cleanup, runs the destructor of Node and frees the storage. That destructor is not virtual, so
+/// the derived class's destructor does not run: members that own memory leak unless cleanup
+/// releases it. The children of a dead node are not deleted with it.
 ///
 /// The order of the virtual operations is part of the interface.
+///
+/// \par Example
+/// \snippet hello-node.cpp node
 class Node {
 public:
-    bool alive = true;             ///< false: the next draw walk of the parent deletes this node
+    bool alive = true;             ///< false: the next draw of the parent deletes this node
     NodeStack nullchildren;        ///< freed child slots, for derived classes; not used here
     std::list<Node*> children;     ///< borrows, in order of attachment; may hold null
     Node* parent = nullptr;        ///< borrows; null until attached
@@ -53,7 +71,7 @@ public:
     float worldmat[16] = {};       ///< object-to-eye transform of the last frame that reached it
     const char* name = "noname";   ///< borrows
     void (*updateptr)(Node*) = {}; ///< replaces doupdate unless null
-    float pscale = 0;              ///< scale for nodes that draw in screen units; not set here
+    float pscale = 0;              ///< scale for nodes that draw in screen units; not used here
 
     Node();
     Node(const Node&) = delete;
@@ -61,41 +79,64 @@ public:
     ~Node() = default;
 
     /// Post-multiplies the local transform by a translation, as glTranslatef would: the newest
-    /// operation acts first on the node's geometry, in the node's own frame.
+    /// operation acts first on the node's geometry, in the node's own frame. The window calls it on
+    /// the root for a pan.
     virtual void translate(float x, float y, float z);
 
-    /// Post-multiplies by a scaling, as glScalef would.
+    /// Post-multiplies by a scaling, as glScalef would. The window calls it on the root for a zoom.
     virtual void scale(float x, float y, float z);
 
-    /// Post-multiplies by a rotation of \p angle degrees about (x, y, z); the angle comes last.
+    /// Post-multiplies by a rotation of \p angle degrees about (x, y, z); the angle comes last. The
+    /// window calls it on the pivot for a turn.
     virtual void rotate(float x, float y, float z, float angle);
 
-    /// Decides whether the node is visible, and draws it if so. Called once a frame with the node's
-    /// transform in GL's modelview matrix. Makes GL resources on the first call.
+    /// Decides whether the node is visible, and draws it if so: the framework does not call draw.
+    /// Called by the draw traversal, once a frame, with the node's transform in GL's modelview
+    /// matrix. Makes GL resources on the first call. Needs: current GL context.
     /// \return -1 to skip this node and its whole subtree in this frame, else 1
     virtual int cull() = 0;
 
-    /// Issues the node's GL calls. The walk never calls it: cull does.
+    /// Issues the node's GL calls. Not called by the framework: cull calls it.
     virtual void draw() = 0;
 
-    /// One step of the node's simulation.
+    /// One step of the node's simulation. Called by update, once per update of the scene, unless an
+    /// update function is set. There may be no GL context.
     virtual void doupdate() = 0;
 
+    /// Draws the bounding box, for debugging. Not called by the framework.
     virtual void drawBBox() = 0;
+
+    /// Tells what kind of node this is. Not called by the framework.
     virtual RTTI_NODE_TYPE getType() const = 0;
 
-    /// Receives an input event. Must neither keep nor free it.
+    /// Receives an input event; must neither keep nor free it. Called by the event traversal, for
+    /// visible and invisible nodes. There may be no GL context.
     virtual void userEvent(UserEvent* event) = 0;
 
+    /// Gives the node a texture to draw with. Not called by the framework. Each class says whether
+    /// it uses the texture and who owns it.
     virtual void addTexture(Texture* texture) = 0;
+
+    /// \return the node's texture, or null. Not called by the framework.
     virtual Texture* getTexture() = 0;
+
+    /// Computes the box that getBBox returns. Not called by the framework.
     virtual void computeBBox() = 0;
+
+    /// \return the node's bounding box in its own frame, or null. Not called by the framework.
     virtual BBox* getBBox() = 0;
+
+    /// Gives the node a shape to draw. Not called by the framework.
     virtual void addGeometry(Geometry* geometry) = 0;
+
+    /// \return the node's shape, or null. Not called by the framework.
     virtual Geometry* getGeometry() = 0;
+
+    /// Prints the node, for debugging. Not called by the framework.
     virtual void print() = 0;
 
-    /// Releases what a derived class holds; called once, just before a dead node is deleted.
+    /// Releases what a derived class holds. Called by the draw traversal, once, just before it
+    /// deletes the node because it has died. Needs: current GL context.
     virtual void cleanup() = 0;
 
     /// Appends \p child (borrowed: it must outlive this node, or die) and becomes its parent. Not
@@ -134,10 +175,11 @@ public:
 
     bool isAlive() const { return alive; }
 
-    /// Marks the node dead. It stays in its parent's list until the next draw walk visits it there.
+    /// Marks the node dead. It stays in its parent's list, and is updated, until a draw traversal
+    /// visits its parent.
     void die() { alive = false; }
 
-    /// Notes that child slot \p index is free.
+    /// Pushes \p index onto nullchildren: child slot \p index is free.
     void appendNull(int index) { nullchildren.push(index); }
 
 private:

@@ -2,8 +2,8 @@
 
 #include "Node.h"
 
-/// A joint of the scene: the mouse turns it. Never culled, draws nothing, and keeps the viewer's
-/// position for its children.
+/// The node that the mouse turns. It is never culled, draws nothing, and keeps the viewer's
+/// position in viewpoint for its children.
 class PivotNode : public Node {
 public:
     /// Draws and returns 1. Needs: current GL context; reads its modelview matrix.

@@ -4,10 +4,10 @@
 
 class SceneGraph;
 
-/// A window's bridge to the scene it shows: a scene graph and the camera that looks at it.
+/// What a window shows: a scene graph, and the camera that looks at it.
 class Render {
 public:
-    SceneGraph* sg = nullptr; ///< borrows; set it before the first frame
+    SceneGraph* sg = nullptr; ///< borrows; set it before the first frame, it is not checked
     Camera camera;
 
     /// Draws the scene graph. Needs: current GL context, a scene graph.

@@ -2,8 +2,8 @@
 
 #include "Node.h"
 
-/// The top of a scene: the mouse pans and zooms it. Never culled, draws nothing, and keeps the
-/// viewer's position for its children.
+/// The top of a scene, which the mouse pans and zooms. It is never culled, draws nothing, and keeps
+/// the viewer's position in viewpoint for its children.
 class RootNode : public Node {
 public:
     /// Draws and returns 1. Needs: current GL context; reads its modelview matrix.
@@ -14,7 +14,8 @@ public:
 
     void doupdate() override {}
     void drawBBox() override {}
-    /// The same value as a PivotNode, deliberately: no node returns RTTI_SCENE.
+    /// Fixed behavior: a root returns the value of a PivotNode, and no node returns RTTI_SCENE.
+    /// Pinned by StructuralNodeTest.HasTheTypeOfAPivot; do not correct.
     RTTI_NODE_TYPE getType() const override { return RTTI_PIVOT; }
     void userEvent(UserEvent*) override {}
     void addTexture(Texture*) override {}

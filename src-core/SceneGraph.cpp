@@ -8,7 +8,7 @@
 
 namespace {
 
-/// Multiplies the node's transform into the modelview matrix and notes the result in the node.
+/// Multiplies the node's transform into the modelview matrix and stores the result in worldmat.
 void enterFrame(Node* node)
 {
     glPushMatrix();
@@ -28,9 +28,9 @@ bool isDead(Node* node)
     return node && !node->isAlive();
 }
 
-/// Deletes a dead node. Its destructor is not virtual and only Node's is run, so the size of the
-/// storage is not known here: it goes back through the unsized operator delete.
-void bury(Node* node)
+/// Deletes a node that has died. Its destructor is not virtual, so its class and size are not known
+/// here: only Node's destructor runs, and the unsized operator delete frees the storage.
+void deleteDead(Node* node)
 {
     node->cleanup();
     node->Node::~Node();
@@ -72,7 +72,7 @@ void SceneGraph::drawScene(Node* node)
     for (auto child = children.begin(); child != children.end();) {
         glPushMatrix();
         if (isDead(*child)) {
-            bury(*child);
+            deleteDead(*child);
             *child = nullptr;
             child = children.erase(child);
         } else {

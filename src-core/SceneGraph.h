@@ -5,12 +5,15 @@
 class Node;
 class UserEvent;
 
-/// The entry points of a scene and the three walks over its tree: drawing, updating, events.
-/// Owns no node. All walks run on one thread, never one within another.
+/// The entry points of a scene and the three traversals of its tree: drawing, updating, events.
+/// Owns no node. All traversals run on one thread, never one within another.
+///
+/// \par Example
+/// \snippet SceneWindow.cpp scene
 class SceneGraph {
 public:
-    Node* pivotNode = nullptr;       ///< borrows; what the mouse turns, not used by the walks
-    Node* rootNode = nullptr;        ///< borrows; where every walk starts
+    Node* pivotNode = nullptr;       ///< borrows; what the mouse turns; not used here
+    Node* rootNode = nullptr;        ///< borrows; where every traversal starts
     Node* envNode = nullptr;         ///< borrows; drawn alone before the tree, without its children
     std::vector<Node*> listOfLights; ///< borrows; drawn before the tree, in this order
     int node_count = 0;              ///< nodes found visible in the tree by the last draw
@@ -22,10 +25,10 @@ public:
     void setEnvNode(Node* node) { envNode = node; }
     void addLight(Node* node) { listOfLights.push_back(node); }
 
-    /// Draws one frame: the environment node, the lights, then the tree; deletes dead children on
-    /// the way (see Node), and flushes GL.
-    /// Needs: current GL context with the view transform in the modelview matrix.
-    /// Changes: selects the modelview matrix, and what the nodes change. Restores: matrix stack.
+    /// Draws one frame: the environment node, the lights, then the tree. Deletes dead children
+    /// whose parent is visible (see Node). Then flushes GL. Needs: current GL context with the view
+    /// transform in the modelview matrix. Changes: selects the modelview matrix; the nodes may
+    /// change other state. Restores: matrix stack.
     void draw();
 
     /// Updates every node of the tree once, parents before children. Dead nodes are updated too.
@@ -35,7 +38,7 @@ public:
     /// Takes the event (made with new) and frees it.
     void event(UserEvent* ev);
 
-    /// The walks behind draw, update and event, from any node; a null node is skipped.
+    /// The traversals of draw, update and event, from any node; they do nothing for a null node.
     void drawScene(Node* node);
     void updateScene(Node* node);
     void eventScene(Node* node, UserEvent* ev);

@@ -1,7 +1,6 @@
 #pragma once
 
-/// Kinds of input that nodes can receive. The window sends MOUSE_CLICK only; the others are for
-/// nodes' own use.
+/// Kinds of events. The window sends MOUSE_CLICK only; the others are for nodes to send.
 enum USER_EVENT {
     MOUSE_MOVE,
     MOUSE_DRAG,
@@ -9,7 +8,12 @@ enum USER_EVENT {
     MOUSE_WHEEL,
 };
 
-/// An input event on its way through the scene graph.
+/// An input event, which SceneGraph::event hands to every node of the tree. A node that sends one
+/// makes it with new and needs a pointer to the SceneGraph for that: the program has to give it
+/// one.
+///
+/// \par Example
+/// \snippet hello-node.cpp event
 class UserEvent {
 public:
     USER_EVENT eventType;

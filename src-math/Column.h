@@ -3,12 +3,12 @@
 #include <array>
 #include <cstring>
 
-/// Arithmetic on the columns of 4x4 matrices, for the sources of this framework.
+/// Arithmetic on the columns of 4x4 matrices. Private to kelpix::math and kelpix::core.
 namespace columns {
 
-/// One column (or row) of a 4x4 matrix; each operation acts on its four elements, and rounds each
-/// as the same operation on a float does. A vector type of the compilers, which becomes a register
-/// where the processor has one and four numbers elsewhere.
+/// One column (or row) of a 4x4 matrix. An operation acts on each of the four elements and rounds
+/// like the same operation on a float. This is the vector type of g++ and clang: a SIMD register
+/// where the processor has one, else four numbers.
 using Column = float __attribute__((vector_size(16)));
 
 /// Reads 4 floats.
@@ -32,7 +32,7 @@ Column pick(Column column)
     return __builtin_shufflevector(column, column, a, b, c, d);
 }
 
-/// The rows of the matrix that has these columns, or the other way round.
+/// Transposes a matrix: four columns become four rows, or the reverse.
 inline std::array<Column, 4> transposed(const std::array<Column, 4>& m)
 {
     const Column low01 = __builtin_shufflevector(m[0], m[1], 0, 4, 1, 5);

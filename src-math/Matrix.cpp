@@ -15,7 +15,7 @@ namespace {
 using Bits = std::uint32_t __attribute__((vector_size(16)));
 constexpr std::uint32_t SIGN = 0x80000000;
 
-/// Negates the elements whose bit of the sign is set in \p signs.
+/// Negates the elements for which \p signs has the sign bit set.
 Column negate(Column column, Bits signs)
 {
     return std::bit_cast<Column>(std::bit_cast<Bits>(column) ^ signs);
@@ -80,7 +80,7 @@ void do_multiply(float* out, const float* a, const float* b)
         return a0 * pick<0, 0, 0, 0>(k) + a1 * pick<1, 1, 1, 1>(k) + a2 * pick<2, 2, 2, 2>(k) +
                a3 * pick<3, 3, 3, 3>(k);
     };
-    // All four before the first is stored: out may be a or b.
+    // All four are computed before the first is stored, because out may be a or b.
     const Column c0 = column(b);
     const Column c1 = column(b + 4);
     const Column c2 = column(b + 8);
@@ -98,8 +98,8 @@ void do_inverse(float* out, const float* m)
     const Column m2 = load(m + 8);
     const Column m3 = load(m + 12);
 
-    // The 2x2 minors of two columns that the four columns of the inverse are made of: of rows 2 and
-    // 3 for the first two, of rows 1 and 3, and of rows 1 and 2.
+    // The 2x2 minors of columns p and q, one for each column of the inverse: of rows 2 and 3 for
+    // columns 0 and 1, of rows 1 and 3 for column 2, of rows 1 and 2 for column 3.
     const auto minors = [](Column p, Column q) {
         return pick<2, 2, 1, 1>(p) * pick<3, 3, 3, 2>(q) -
                pick<2, 2, 1, 1>(q) * pick<3, 3, 3, 2>(p);
@@ -111,13 +111,14 @@ void do_inverse(float* out, const float* m)
     const Column s13 = minors(m1, m3);
     const Column s23 = minors(m2, m3);
 
-    // The row that completes each of these to a 3x3 minor.
+    // The elements of the row that extends each of these to a 3x3 minor.
     const Column e0 = pick<1, 0, 0, 0>(m0);
     const Column e1 = pick<1, 0, 0, 0>(m1);
     const Column e2 = pick<1, 0, 0, 0>(m2);
     const Column e3 = pick<1, 0, 0, 0>(m3);
 
-    // The four rows of cofactors, whose signs alternate. Their first elements make the determinant.
+    // The cofactors, with alternating signs, as the rows of the inverse times the determinant. The
+    // first element of each row is a cofactor of the first row of m, which gives the determinant.
     constexpr Bits ODD = {0, SIGN, 0, SIGN};
     constexpr Bits EVEN = {SIGN, 0, SIGN, 0};
     const Column r0 = negate(e1 * s23 - e2 * s13 + e3 * s12, ODD);

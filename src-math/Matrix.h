@@ -9,6 +9,9 @@
 ///
 /// The caller owns every array. A function that writes a matrix writes all 16 elements. Nothing
 /// here allocates, fails or needs a GL context; bad numbers give infinities or NaN.
+///
+/// \par Example
+/// \snippet hello-node.cpp matrix
 namespace Matrix {
 
 /// Writes the identity.
@@ -32,10 +35,12 @@ void do_multiply(float* out, const float* a, const float* b);
 /// row). \p out may be the same array as \p m. A singular matrix gives infinities or NaN.
 void do_inverse(float* out, const float* m);
 
-/// Copies the 16 elements of \p src to \p dst; prints nothing.
+/// Copies the 16 elements of \p src to \p dst.
+/// Fixed behavior: despite its name it prints nothing. Pinned by
+/// MatrixTest.DumpCopiesAndPrintsNothing; do not correct.
 void dump_matrix(float* dst, const float* src);
 
-/// Prints the matrix to standard output, one row a line, each element as "%f ".
+/// Prints the matrix to standard output, one row per line, each element as "%f ".
 void print(const float* m);
 
 } // namespace Matrix

@@ -4,17 +4,17 @@
 #include <cmath>
 #include <cstdint>
 
-/// Radians per degree as the steering and the body geometry use it: 3.14159 / 180 in single
-/// precision, slightly below pi / 180. The shortened value is deliberate, the scene was tuned to
-/// it.
+/// Radians per degree, in single precision.
+/// Fixed behavior: it is 3.14159 / 180, slightly less than pi / 180. Pinned by
+/// VectorTest.RotateTakesTheNewXForTheNewY; do not correct.
 inline constexpr float DEG2RAD = static_cast<float>(3.14159 / 180);
 static_assert(std::bit_cast<std::uint32_t>(DEG2RAD) == 0x3C8EFA2D);
 
 /// Three single-precision components: a position, velocity or orientation of the scene.
 ///
-/// Arithmetic is in single precision unless an operation says otherwise. Some operations are
-/// deliberately not the textbook ones (limit, rotate, MinCompDist): the constants of the steering
-/// were tuned against them. Nothing here fails; bad numbers give infinities or NaN.
+/// Arithmetic is in single precision unless an operation says otherwise. limit, rotate and
+/// MinCompDist are not the textbook operations of these names. Nothing here fails; bad numbers give
+/// infinities or NaN.
 class Vec3 {
 public:
     float x = 0;
@@ -53,22 +53,26 @@ public:
         z = z_;
     }
 
-    /// Bounds the largest absolute component (not the length) to \p lim, keeping the direction.
+    /// Scales the vector down so that no component exceeds \p lim in magnitude; keeps the
+    /// direction. Fixed behavior: it bounds the largest component, not the length. Pinned by
+    /// VectorTest.LimitBoundsTheLargestComponentNotTheLength; do not correct.
     void limit(float lim);
 
-    /// Truncates each component to a 32-bit integer and shifts it right, keeping the sign.
-    /// Components beyond that range saturate, NaN counts as 0. \p n of 0 or less does not shift,
-    /// 32 or more leaves only the sign.
+    /// Truncates each component to a 32-bit integer and shifts it right by \p n bits, keeping the
+    /// sign. Components beyond that range saturate, NaN counts as 0. An \p n of 0 or less does not
+    /// shift; 32 or more leaves 0 or -1.
     void rshift(int n);
 
-    /// The same with a shift to the left; bits that leave the 32 are lost.
+    /// The same with a shift to the left; bits beyond the 32 are lost.
     void lshift(int n);
 
-    /// True when a component differs from 0 (-0 does not).
+    /// True when a component is neither 0 nor -0.
     bool isnonzero() const { return x != 0 || y != 0 || z != 0; }
 
-    /// Turns the vector in the x-y plane by \p alpha degrees. The new y is computed from the new
-    /// x, not from the old one: deliberate, so this is no exact rotation and changes the length.
+    /// Turns the vector in the x-y plane by \p alpha degrees, clockwise.
+    /// Fixed behavior: the new y is computed from the new x, not from the old one, so this is not
+    /// an exact rotation and changes the length. Pinned by VectorTest.RotateTakesTheNewXForTheNewY;
+    /// do not correct.
     void rotate(float alpha);
 
     /// True when all three components are exactly equal.
@@ -88,8 +92,8 @@ public:
         return {a.y * b.z - b.y * a.z, a.z * b.x - b.z * a.x, a.x * b.y - b.x * a.y};
     }
 
-    /// The square of the distance of two points: the difference in single precision, its squares
-    /// and their sum in double.
+    /// The squared distance of two points: the difference in single precision, the squares and
+    /// their sum in double.
     static double SquaredDistance(const Vec3& a, const Vec3& b)
     {
         const Vec3 d = a - b;
@@ -99,17 +103,20 @@ public:
         return dx * dx + dy * dy + dz * dz;
     }
 
-    /// The distance of two points: the root of that square, rounded to single precision.
+    /// The distance of two points: the root of SquaredDistance, rounded to single precision.
     static float EuclDistance(const Vec3& a, const Vec3& b)
     {
         return static_cast<float>(std::sqrt(SquaredDistance(a, b)));
     }
 
-    /// The largest (despite its name) absolute difference of a component: the Chebyshev distance.
+    /// The Chebyshev distance of two points.
+    /// Fixed behavior: despite its name, it is the largest difference of a component, not the
+    /// smallest. Pinned by VectorTest.MinCompDistIsTheLargestComponentDifference; do not correct.
     static float MinCompDist(const Vec3& a, const Vec3& b);
 
-    /// The angle between two vectors in radians. Neither clamped nor checked: a vector of length 0
-    /// gives NaN, and so does rounding that pushes the cosine beyond 1, which steering reads as
-    /// "do not turn".
+    /// The angle between two vectors in radians; NaN for a vector of length 0.
+    /// Fixed behavior: the cosine is not clamped. Rounding can push that of parallel vectors beyond
+    /// 1, and the result is NaN then. Pinned by VectorTest.AngleBetweenIsNeitherClampedNorChecked;
+    /// do not correct.
     static float AngleBetween(const Vec3& a, const Vec3& b);
 };
