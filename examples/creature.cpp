@@ -87,7 +87,7 @@ void show()
     Fl::add_timeout(0, dataTimer, &recording); // follows the voice, 90 times a second
     voice.play();
     //! [clock]
-    window.run(40, 40);
+    window.run();
 }
 
 } // namespace

@@ -172,7 +172,7 @@ int main()
             kelp[kelp.size() - 2].attachChild(&kelp.back());
         }
     }
-    window.root.attachChild(&water);   // the mouse does not turn it
-    return window.run(40, 40) ? 0 : 1; // updates and frames per second
+    window.root.attachChild(&water); // the mouse does not turn it
+    return window.run() ? 0 : 1;     // 40 updates and frames per second
     //! [scene window]
 }

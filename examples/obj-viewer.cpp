@@ -172,7 +172,7 @@ int show(const std::filesystem::path& path)
     Viewer window(model);
     window.pivot.rotate(1, 0, 0, 20); // seen a little from above
     window.pivot.attachChild(&turntable);
-    return window.run(40, 40) ? 0 : 1;
+    return window.run() ? 0 : 1;
 }
 
 } // namespace

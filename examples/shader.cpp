@@ -117,7 +117,7 @@ public:
         Shader::GL_err("shader");
     }
 
-    void doupdate() override { seconds += 1.0f / 40; }
+    void doupdate() override { seconds += 1.0f / Rates::UPDATES; }
 
     /// An event comes without a GL context: the next cull reads the files.
     void userEvent(UserEvent*) override { stale = true; }
@@ -152,5 +152,5 @@ int main(int argc, char* argv[])
                   argc == 3 ? argv[2] : KELPIX_EXAMPLES "/anemone.frag");
     SceneWindow window(740, 740);
     window.pivot.attachChild(&sphere);
-    return window.run(40, 40) ? 0 : 1;
+    return window.run() ? 0 : 1;
 }

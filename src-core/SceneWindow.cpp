@@ -17,7 +17,7 @@ SceneWindow::SceneWindow(int w, int h) : Window(1, 0, 0, w, h)
 }
 //! [scene]
 
-bool SceneWindow::run(float idle, float redraw)
+bool SceneWindow::run(float updates, float frames)
 {
     // A window that has run before has its timers already.
     Fl::remove_timeout(timerRedraw, this);
@@ -26,7 +26,7 @@ bool SceneWindow::run(float idle, float redraw)
     //! [timers]
     AppManager manager;
     manager.addWindow(this);
-    manager.addTimeouts(idle, redraw);
+    manager.addTimeouts(updates, frames);
     const bool isShown = shown();
     while (shown()) {
         Fl::wait();

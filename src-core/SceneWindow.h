@@ -1,6 +1,7 @@
 #pragma once
 
 #include "PivotNode.h"
+#include "Rates.h"
 #include "RootNode.h"
 #include "SceneGraph.h"
 #include "Window.h"
@@ -21,8 +22,8 @@ public:
     SceneWindow(int w, int h);
 
     /// Shows the window, updates and draws its scene, and returns when the window is hidden.
-    /// \param idle    updates per second, see AppManager::addTimeouts
-    /// \param redraw  frames per second
+    /// \param updates  per second, see AppManager::addTimeouts
+    /// \param frames   per second
     /// \return false when the display cannot show the window
-    bool run(float idle, float redraw);
+    bool run(float updates = Rates::UPDATES, float frames = Rates::REDRAWS);
 };

@@ -16,7 +16,7 @@ ALLOWED = {
     "src-sound": [],
     "src-font": [],
     "src-cluster": [],
-    "src-core": ["src-math", "src-image", "src-font"],
+    "src-core": ["src-math", "src-rates", "src-image", "src-font"],
     "kelpix": ["src-math", "src-rates", "src-image", "src-core", "src-sound"],
     "media": [],
     "media/pictures": ["media"],
