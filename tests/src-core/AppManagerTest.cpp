@@ -1,10 +1,10 @@
 #include "AppManager.h"
 
+#include "ArmedTimers.h"
 #include "ProbeNode.h"
 #include "SceneGraph.h"
-#include "ArmedTimers.h"
-#include "WindowInput.h"
 #include "Window.h"
+#include "WindowInput.h"
 
 #include <FL/Fl.H>
 #include <algorithm>

@@ -1,8 +1,9 @@
 #include "SceneWindow.h"
 
 #include "AppManager.h"
+#include "ArmedTimers.h"
 #include "ProbeNode.h"
-#include "Toolkit.h"
+#include "WindowInput.h"
 
 #include <FL/Fl.H>
 #include <algorithm>
