@@ -18,6 +18,7 @@ Needs an X server without a window manager, and xdotool. Without a display:
         cmake/with-display.sh tools/soak/watch.py build/release/kelpix/kelpix build/release/scene
 """
 import argparse
+import math
 import os
 import pathlib
 import re
@@ -41,11 +42,18 @@ def open_files(process):
     return len(os.listdir(f"/proc/{process}/fd"))
 
 
+def settled_at(minutes):
+    """The minute from which growth counts, in a run of so many minutes."""
+    return min(SETTLED, minutes / 6)
+
+
 def judge(samples):
     """Judges samples (minute, KiB, files) in the order of time: pairs of a text and whether met."""
-    settled = min(SETTLED, samples[-1][0] / 6)
+    settled = settled_at(samples[-1][0])
     start = next(sample for sample in samples if sample[0] >= settled)
     end = samples[-1]
+    if start == end:
+        return [("too short a run: there is one sample in it to judge growth by", False)]
     growth = max(kib for minute, kib, _ in samples if minute >= settled) - start[1]
     files = sorted({count for minute, _, count in samples if minute >= settled})
     return [
@@ -92,29 +100,28 @@ def watch(scene, minutes):
     samples = []
     rates = []
     start = time.monotonic()
-    minute = 0
     print("minute  resident KiB  files  rate mean  least", flush=True)
-    while minute < minutes:
-        minute = min(minute + 1, minutes)
+    for minute in sorted({*range(1, math.ceil(minutes)), settled_at(minutes), minutes}):
         while time.monotonic() < start + 60 * minute:
             time.sleep(min(LOOK, max(start + 60 * minute - time.monotonic(), 0)))
             scene.check()
             rates.append(scene.rate())
         rates = [rate for rate in rates if rate is not None] or [0.0]
         samples.append((minute, resident(scene.process.pid), open_files(scene.process.pid)))
-        print("%6g  %12d  %5d  %9.1f  %5.1f"
+        print("%6.3g  %12d  %5d  %9.1f  %5.1f"
               % (*samples[-1], sum(rates) / len(rates), min(rates)), flush=True)
         rates = []
     return samples
 
 
 def main():
-    parser = argparse.ArgumentParser(usage="watch.py [--minutes N] PROGRAM FOLDER")
+    parser = argparse.ArgumentParser(usage="watch.py [--minutes N] PROGRAM FOLDER",
+                                     allow_abbrev=False)
     parser.add_argument("--minutes", type=float, default=30)
     parser.add_argument("program")
     parser.add_argument("folder")
     options = parser.parse_args()
-    if not options.minutes > 0:
+    if not 0 < options.minutes < math.inf:
         parser.error("--minutes takes a number above 0")
     scene = Scene(options.program, options.folder)
     try:
