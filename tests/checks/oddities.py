@@ -13,8 +13,7 @@ import pathlib
 import re
 import sys
 
-FOLDERS = ["kelpix", "src-core", "src-math", "src-image", "src-sound", "src-cluster", "src-files",
-           "media", "tools", "packaging", "examples"]
+FOLDERS = ["kelpix", "src-*", "media", "tools", "packaging", "examples"]
 PAGE = "docs/oddities.md"
 HEAD = """# Oddities that are kept
 
@@ -29,10 +28,9 @@ TEST = re.compile(r"^TEST(?:_F|_P)?\(\s*(\w+),\s*(\w+)\)", re.MULTILINE)
 
 
 def sources(root):
-    for folder in FOLDERS:
-        for path in sorted((root / folder).rglob("*")):
-            if path.suffix in (".h", ".cpp"):
-                yield path
+    for pattern in FOLDERS:
+        for folder in sorted(root.glob(pattern)):
+            yield from sorted(path for path in folder.rglob("*") if path.suffix in (".h", ".cpp"))
 
 
 def comment_of(line):

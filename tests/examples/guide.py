@@ -1,5 +1,5 @@
 """Checks that the code in docs/framework.md stands in the examples, or in the framework's
-SceneWindow.cpp, as it is quoted, and that what the page links to is there.
+SceneWindow.cpp, as it is quoted.
 
 Usage: guide.py ROOT
 """
@@ -30,13 +30,6 @@ class Guide(unittest.TestCase):
         self.assertGreater(len(quotes), 20)
         for quote in quotes:
             self.assertTrue(any(stands_in(quote, source) for source in sources), quote)
-
-    def test_links_to_files_that_are_there(self):
-        prose = re.sub(r"```.*?```", "", PAGE, flags=re.DOTALL)
-        links = re.findall(r"\]\(([^)#]+)\)", prose)
-        self.assertIn("pictures/hello-node.png", links)
-        for link in links:
-            self.assertTrue((ROOT / "docs" / link).is_file(), link)
 
 
 unittest.main()

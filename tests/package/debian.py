@@ -17,6 +17,8 @@ FOLDER = pathlib.Path(sys.argv.pop())
 ROOT = pathlib.Path(sys.argv.pop())
 KELPIX, DEV = sorted((FOLDER / "packages").glob("*.deb"))
 USR = FOLDER / "root/usr"
+sys.path.insert(0, str(ROOT / "tests/checks"))
+import links  # noqa: E402, from ROOT
 
 
 def output(*command, **options):
@@ -87,10 +89,8 @@ class Packages(unittest.TestCase):
             self.assertEqual(sorted(path.stem for path in folder.glob("*.md")), names.split())
             for path in folder.glob("*.md"):
                 prose = re.sub(r"^```.*?^```$", "", path.read_text(), flags=re.M | re.S)
-                links = re.findall(r"\]\(([^)#]+)", prose)
-                count += len(links)
-                for link in links:
-                    self.assertTrue((folder / link).is_file(), f"{path.name}: {link}")
+                count += len(links.links(path))
+                self.assertEqual(links.broken(path), [])
                 self.assertEqual(prose.count("\n"), re.sub(
                     r"^```.*?^```$", "", (ROOT / "docs" / path.name).read_text(),
                     flags=re.M | re.S).count("\n"), "nothing of it is lost")
