@@ -83,7 +83,7 @@ class Packages(unittest.TestCase):
 
     def test_the_documents_are_in_and_what_they_show_and_link_to(self):
         for package, names in [("kelpix", "faults media recording running"),
-                               ("libkelpix-dev", "architecture first-hour framework")]:
+                               ("libkelpix-dev", "architecture first-hour framework limits")]:
             count = 0
             folder = USR / "share/doc" / package
             self.assertEqual(sorted(path.stem for path in folder.glob("*.md")), names.split())
