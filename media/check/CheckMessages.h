@@ -5,9 +5,9 @@
 
 namespace media {
 
-/// Catches what is written to standard output and standard error while it lives: the readers of
-/// pictures say there what is wrong with a file. Where no temporary file can be made, the messages
-/// go where they always go.
+/// Catches what is written to standard output and standard error during its lifetime: the readers
+/// of images say there what is wrong with a file. When no temporary file can be made, nothing is
+/// caught and the messages are printed.
 class CheckMessages {
 public:
     CheckMessages();
@@ -15,13 +15,13 @@ public:
     CheckMessages& operator=(const CheckMessages&) = delete;
     ~CheckMessages() { take(); }
 
-    /// Ends the catching.
+    /// Stops catching.
     /// \return the messages, those of one stream in their order, separated by "; "
     std::string take();
 
 private:
-    std::FILE* caught = nullptr; ///< owns; null when nothing is caught, or no more
-    int output = -1;             ///< owns: the descriptors that were there before
+    std::FILE* caught = nullptr; ///< owns; null when nothing is being caught
+    int output = -1;             ///< owns: the descriptors of the two streams before
     int errors = -1;
 };
 

@@ -10,7 +10,7 @@ namespace media {
 
 namespace {
 
-/// Where the scene puts a figure for a recorded position.
+/// The world position of a figure for a recorded position.
 Point worldOf(Point recorded, int figure)
 {
     constexpr float SCALE = 0.45f;
@@ -27,10 +27,10 @@ std::string at(double seconds)
     return decimal(seconds, 1) + " s";
 }
 
-/// Where a figure is at each update of the scene while the voice lasts.
+/// The world position of a figure at each update of the scene until the voice ends.
 std::vector<Point> updatesOf(const Motion& motion)
 {
-    // A day of voice is beyond what the scene can hold.
+    // The scene cannot hold a voice of a day.
     const double most = 86400.0 * Rates::UPDATES;
     const auto updates = static_cast<std::size_t>(std::min(motion.seconds * Rates::UPDATES, most));
     std::vector<Point> places;
@@ -76,7 +76,7 @@ void checkSpeed(const Motion& motion, const std::vector<Point>& places, FileRepo
 
 void checkPlace(const Motion& motion, const std::vector<Point>& places, FileReport& report)
 {
-    // Where figures rest is 0.1 below the picture.
+    // Figures rest 0.1 below the visible world.
     constexpr float BELOW = -0.15f;
     std::size_t seen = 0;
     std::size_t astray = 0;
@@ -107,8 +107,7 @@ void checkRest(const Motion& motion, FileReport& report)
                     " is not at 0 0: before the voice starts and after its end, the figure drops "
                     "from there to below the picture");
     }
-    // A recording of which only a part is played does not have to rest where that part ends: the
-    // shorter one is at fault, see checkLengths.
+    // When a shorter recording ends the dance early, the remark goes to that one: see checkLengths.
     const bool whole = motion.path.size() <= motion.steps + 1;
     if (whole && length(last) > NEAR) {
         report.hint(nameOf(motion.figure) + " does not end at 0 0: at the end of the voice it "

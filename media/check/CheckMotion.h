@@ -15,7 +15,7 @@ struct Motion {
     double seconds;          ///< the length of the voice
 };
 
-/// Says what a figure on that path looks like where that is not as it should be.
+/// Remarks on a path on which a figure does not look right.
 void checkMotion(const Motion& motion, FileReport& report);
 
 } // namespace media

@@ -13,15 +13,15 @@ namespace media {
 
 namespace {
 
-/// What every OpenGL of the last fifteen years takes.
+/// The texture size that every OpenGL of the last fifteen years supports.
 constexpr int LARGE = 8192;
 
-/// Alpha below this cannot be seen at the half opacity of sprites, and from here on a texel counts
-/// as part of the figure.
+/// Sprites are drawn at half opacity: alpha below FAINT cannot be seen then. A texel with an alpha
+/// of SOLID or more is part of the figure.
 constexpr int FAINT = 8;
 constexpr int SOLID = 64;
 
-/// What a PNG file says of itself in its first bytes.
+/// Bit depth and color type, from the header of a PNG file.
 struct PngHeader {
     int bits = 0;
     int colourType = -1;
@@ -71,7 +71,7 @@ void checkSize(BasicImage& image, FileReport& report)
     }
 }
 
-/// A sprite as its file holds it, pixels of red, green, blue and alpha.
+/// The RGBA pixels of a sprite.
 class Sprite {
 public:
     explicit Sprite(ImagePNG& image) : image(image) {}
@@ -89,7 +89,7 @@ public:
 
     int alpha(int x, int y) const { return at(x, y)[3]; }
 
-    /// The brightness as the eye weighs the colours, 0 .. 255.
+    /// The luma of a pixel, 0 to 255.
     int brightness(int x, int y) const
     {
         const unsigned char* p = at(x, y);
@@ -127,8 +127,8 @@ void checkBorder(const Sprite& sprite, FileReport& report)
     }
 }
 
-/// Where a solid texel and a transparent one meet, the graphics card mixes their colours: the
-/// colour of what is transparent shows.
+/// Linear filtering mixes the colors of a solid texel and its transparent neighbor, so the color of
+/// the transparent one shows. Remarks on figures with a dark fringe.
 void checkFringe(const Sprite& sprite, FileReport& report)
 {
     constexpr int STEPS[][2] = {{1, 0}, {-1, 0}, {0, 1}, {0, -1}};
@@ -158,7 +158,7 @@ void checkFringe(const Sprite& sprite, FileReport& report)
     }
 }
 
-/// Whether there is anything to see.
+/// \return whether a texel can be seen
 bool checkVisible(const Sprite& sprite, FileReport& report)
 {
     for (int y = 0; y < sprite.height(); ++y) {
@@ -172,7 +172,7 @@ bool checkVisible(const Sprite& sprite, FileReport& report)
     return false;
 }
 
-/// A fish seen from above is heaviest at its head.
+/// A fish seen from above is widest near its head, so most of its texels lie there.
 void checkHeading(const Sprite& sprite, FileReport& report)
 {
     std::int64_t mass = 0;
@@ -180,19 +180,19 @@ void checkHeading(const Sprite& sprite, FileReport& report)
     for (int y = 0; y < sprite.height(); ++y) {
         for (int x = 0; x < sprite.width(); ++x) {
             mass += sprite.alpha(x, y);
-            // Twice the distance below the middle.
+            // Twice the distance from the middle downwards.
             moment += static_cast<std::int64_t>(sprite.alpha(x, y)) * (2 * y + 1 - sprite.height());
         }
     }
-    // The centre of mass is lower than the middle by 2 percent of the height.
+    // The center of mass lies more than 2 percent of the height below the middle.
     if (mass > 0 && moment * 25 > mass * sprite.height()) {
         report.hint("most of the fish lies in the lower half: if that is its head it swims "
                     "backwards; fish head towards the top of the picture");
     }
 }
 
-/// Reads a sprite and remarks on what does not depend on what it shows.
-/// \return whether its pixels can be looked at
+/// Reads a sprite and remarks on what fish and bubble have in common.
+/// \return whether it could be read as RGBA and has something to see
 bool readSprite(const std::filesystem::path& path, const std::string& instead, ImagePNG& image,
                 FileReport& report)
 {
@@ -203,7 +203,7 @@ bool readSprite(const std::filesystem::path& path, const std::string& instead, I
     CheckMessages messages;
     const bool read = image.read(path.c_str()) == 1;
     const std::string said = messages.take();
-    // The name that the image keeps outlives it.
+    // The image does not delete its name.
     delete[] image.sourceFile;
     image.sourceFile = nullptr;
     if (!read) {

@@ -15,7 +15,7 @@ constexpr std::size_t WORDS = 25;           ///< of a record
 constexpr std::size_t WORDS_PER_SENSOR = 6; ///< three for the position, three for the orientation
 constexpr std::size_t SENSORS = 3;
 
-/// A place in a file that is reported.
+/// Places in a file that one remark is about: their number, and the first of them.
 struct Finding {
     std::size_t count = 0;
     std::size_t line = 0;  ///< of the first one, from 1
@@ -65,7 +65,7 @@ private:
     std::size_t lines = 1;
 };
 
-/// The number that a word is; none when the word is anything else, or the number not finite.
+/// Reads a word as a number. \return none for other words and for numbers that are not finite
 std::optional<float> numberOf(std::string_view word)
 {
     const std::string text(word);
@@ -77,14 +77,14 @@ std::optional<float> numberOf(std::string_view word)
     return value;
 }
 
-/// The coordinate that the \p i th word of a record holds for the figures, x = 0 and y = 1 of
-/// each sensor: the sensor is \p i / 6. Everything else of a record changes nothing in the picture.
+/// Which coordinate of a figure word \p i of a record is: 0 for x, 1 for y. It belongs to sensor
+/// \p i / 6. The other words change nothing that is seen.
 bool isPosition(std::size_t i)
 {
     return i >= 1 && i < 1 + SENSORS * WORDS_PER_SENSOR && (i - 1) % WORDS_PER_SENSOR < 2;
 }
 
-/// Looks for the first line that is not one record, where most lines are.
+/// Looks for the first line that is not one record, in a file in which most lines are.
 std::size_t firstOddLine(std::string_view text)
 {
     std::size_t line = 1;

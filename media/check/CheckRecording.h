@@ -14,10 +14,9 @@ struct Recording {
     std::vector<std::array<Point, 3>> positions;
 };
 
-/// Reads a recording's file as the scene does, and remarks on what it reads in another way than
-/// was meant. A folder and a file without words give a single record of zeros.
-/// \param shown  a figure follows it; of others the scene only counts the records
-/// \return no records when the file cannot be opened
+/// Reads a recording as the scene does, and remarks on what was probably meant otherwise. A folder
+/// and a file without words give a single record of zeros. \param shown  a figure follows it; of
+/// others the scene only counts the records \return no records when the file cannot be opened
 Recording readRecording(const std::filesystem::path& path, bool shown, FileReport& report);
 
 } // namespace media

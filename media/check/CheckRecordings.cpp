@@ -17,7 +17,7 @@ constexpr int SHOWN = static_cast<int>(FIGURES);
 
 constexpr const char* ENDS_AT_ONCE = "the scene ends as it starts, with status 0";
 
-/// What an index says.
+/// The content of data/mocap.txt.
 struct Index {
     int recordings = 0;
     int sensors = 0; ///< kept of each recording
@@ -25,7 +25,7 @@ struct Index {
 };
 
 /// Reads data/mocap.txt as the scene does.
-/// \return whether the scene gets on to the recordings
+/// \return whether the scene goes on to read the recordings
 bool readIndex(const std::filesystem::path& path, Index& index, FileReport& report)
 {
     if (!checkReadable(path, Mark::stops, ENDS_AT_ONCE, report)) {
@@ -77,21 +77,21 @@ void checkCounts(Index& index, FileReport& report)
     }
 }
 
-/// Where the path of a figure comes from.
+/// The recording that a figure follows, and the sensor in it.
 struct Source {
     std::size_t recording;
     std::size_t sensor;
 };
 
-/// The series of the recordings are counted through, file by file; figure k follows series k.
+/// The series of all recordings are numbered file by file. Figure k follows series k.
 Source sourceOf(int figure, const Index& index)
 {
     return {static_cast<std::size_t>(figure / index.sensors),
             static_cast<std::size_t>(figure % index.sensors)};
 }
 
-/// The step of the scene's clock reaches the count of the shortest recording when the voice ends,
-/// and a figure whose recording has no such record ends the scene.
+/// When the voice ends, the scene's clock reaches a step equal to the length of the shortest
+/// recording. A figure whose recording has no record of that number ends the scene.
 void checkEnd(const Index& index, const std::vector<Recording>& recordings, std::size_t steps,
               FileReport& report)
 {
@@ -122,8 +122,9 @@ void checkRate(std::size_t steps, double seconds, FileReport& report)
     }
 }
 
-/// Of a shown recording only as many records are played as the shortest recording has, and one
-/// more. \param shortest  its index
+/// Remarks on the shortest recording when a shown one is longer by more than one record: the end of
+/// that dance is not played.
+/// \param shortest  index of that recording
 void checkLengths(const Index& index, const std::vector<Recording>& recordings,
                   std::size_t shortest, FileReport& report)
 {

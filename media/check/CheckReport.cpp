@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::array NAMES = {"ok", "hint", "wrong", "stops"};
 
-/// One line, whatever the text holds: names of files come from outside.
+/// A remark as one line. Names and texts come from files, so control characters are escaped.
 std::string line(Mark mark, const std::string& name, const std::string& text)
 {
     std::string result = NAMES[static_cast<std::size_t>(mark)];

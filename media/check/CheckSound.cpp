@@ -21,7 +21,7 @@ public:
     explicit Track(const std::filesystem::path& path) : file(path.c_str())
     {
         for (auto block = file.read(); !block.empty(); block = file.read()) {
-            // Of a mixed chain only the channels that every link may have are measured.
+            // The tracks of a chain may have different channels. The first two are measured.
             const int channels = file.blockChannels();
             const int present = std::min(channels, MEASURED);
             for (int c = 0; c < present; ++c) {
@@ -37,10 +37,10 @@ public:
 
     OggFile file;
     long samples = 0;         ///< per channel
-    long clipped = 0;         ///< samples beyond full scale, all channels
+    long clipped = 0;         ///< samples at full scale, all channels
     float peak = 0;           ///< the largest absolute sample
-    float seam = 0;           ///< the jump from the last sample to the first, the largest channel's
-    float steepestNearby = 0; ///< the largest jump between neighbours close to that seam
+    float seam = 0;           ///< the largest jump of a channel from its last sample to its first
+    float steepestNearby = 0; ///< the largest jump between two samples close to the seam
 
     double seconds() const
     {
@@ -135,7 +135,7 @@ void checkFormat(const Track& track, FileReport& report)
 void checkLevel(const Track& track, float gain, FileReport& report)
 {
     constexpr float SILENT = 0.001f;
-    constexpr long SOME = 10000; // a clipped sample in so many is heard
+    constexpr long SOME = 10000; // one clipped sample in so many can be heard
     if (track.peak < SILENT) {
         report.wrong("is silent");
     } else if (track.clipped > 0) {
