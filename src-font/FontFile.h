@@ -77,8 +77,8 @@ public:
     /// The coverage of a bitmap's pixels, as in Glyph. Bitmaps of other kinds than 8-bit grey, and
     /// those whose last row comes first, are converted.
     ///
-    /// Fixed behavior: the rows of an 8-bit grey bitmap with the first row first are read as if they
-    /// were not padded, whatever the pitch. Pinned by
+    /// Fixed behavior: the rows of an 8-bit grey bitmap with the first row first are read as if
+    /// they were not padded, whatever the pitch. Pinned by
     /// CoverageTest.GreyRowsAreTakenWithoutTheirPadding; do not correct.
     ///
     /// \return width * rows bytes; empty for a bitmap without pixels or without a buffer

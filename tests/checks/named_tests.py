@@ -8,7 +8,7 @@ import re
 import sys
 
 NAMED = re.compile(r"`(\w+Test)\.(\w+)`")
-TEST = re.compile(r"^TEST(?:_F|_P)?\(\s*(\w+),\s*(\w+)\)", re.MULTILINE)
+TEST = re.compile(r"^(?:TYPED_)?TEST(?:_F|_P)?\(\s*(\w+),\s*(\w+)\)", re.MULTILINE)
 
 
 def main(root, *documents):

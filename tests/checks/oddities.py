@@ -24,7 +24,7 @@ page from those comments.
 COMMENT = re.compile(r"///?<?(?P<text>.*)")
 FIXED = re.compile(r"Fixed behavior: (?P<what>(?:(?!Fixed behavior:).)+?) "
                    r"Pinned by (?P<tests>[\w./, ]+?); do not correct\.")
-TEST = re.compile(r"^TEST(?:_F|_P)?\(\s*(\w+),\s*(\w+)\)", re.MULTILINE)
+TEST = re.compile(r"^(?:TYPED_)?TEST(?:_F|_P)?\(\s*(\w+),\s*(\w+)\)", re.MULTILINE)
 
 
 def sources(root):
