@@ -29,8 +29,8 @@ ALLOWED = {
     "tools/stage": ["src-math", "src-rates", "src-image", "src-core", "src-sound", "kelpix"],
     "tools/nullgl": ["src-math"],
     "tools/commandline": [],
-    "tools/record": ["src-math", "src-image", "src-core", "src-sound", "kelpix", "tools/stage",
-                     "tools/commandline"],
+    "tools/record": ["src-math", "src-rates", "src-image", "src-core", "src-sound", "kelpix",
+                     "tools/stage", "tools/commandline"],
     "tools/soak": ["src-math", "src-image", "src-core", "src-sound", "kelpix", "tools/stage",
                    "tools/nullgl", "tools/commandline"],
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CommandLine.h"
+#include "Rates.h"
 #include "Time.h"
 
 #include <filesystem>
@@ -19,7 +20,7 @@ struct Options {
     Microseconds seconds = 30 * SECOND; ///< length of the film
     int width = 740;                    ///< pixels, like the height
     int height = 740;
-    int fps = 40;                            ///< frames of the film per second
+    int fps = Rates::REDRAWS;                ///< frames of the film per second
     unsigned seed = 1;                       ///< of the scene's random numbers
     std::filesystem::path media;             ///< empty = as mediaToPlay chooses
     std::filesystem::path script;            ///< empty = no input
