@@ -9,6 +9,7 @@
 #include "Sensor.h"
 #include "Shapes.h"
 #include "Texture.h"
+#include "Usage.h"
 
 #include <AL/alc.h>
 #include <FL/Fl.H>
@@ -94,8 +95,12 @@ void show()
 
 int main(int argc, char* argv[])
 {
+    constexpr const char* USAGE = "usage: creature [FOLDER]\n"
+                                  "Plays the generated media, or a folder's data/ and sound/.\n";
+    if (const auto status = answerUsage(argc, argv, {0, 1}, USAGE)) {
+        return *status;
+    }
     std::puts("creature: a creature eases towards three dancing figures\n"
-              "creature FOLDER plays another folder's data/ and sound/\n"
               "  wheel  zooms\n"
               "  drag   with v moves, with z, x or c turns the scene (button first, then key)\n"
               "  q      ends");

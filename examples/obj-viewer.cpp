@@ -5,6 +5,7 @@
 #include "PivotNode.h"
 #include "PlainNode.h"
 #include "SceneWindow.h"
+#include "Usage.h"
 #include "Vector.h"
 
 #include <FL/Fl.H>
@@ -179,10 +180,15 @@ int show(const std::filesystem::path& path)
 
 int main(int argc, char* argv[])
 {
+    constexpr const char* USAGE = "usage: obj-viewer FILE.obj\n"
+                                  "Shows the model in that file.\n";
+    if (const auto status = answerUsage(argc, argv, {1}, USAGE)) {
+        return *status;
+    }
     std::error_code error;
-    if (argc != 2 || !std::filesystem::is_regular_file(argv[1], error)) {
-        std::fputs("obj-viewer FILE.obj: shows the model in that file\n", stderr);
-        return 2;
+    if (!std::filesystem::is_regular_file(argv[1], error)) {
+        std::fprintf(stderr, "obj-viewer: there is no file %s\n", argv[1]);
+        return 1;
     }
     std::puts("obj-viewer: a model on a turntable\n"
               "  a      shows the axes of each vertex: tangent red, normal blue, the third green\n"

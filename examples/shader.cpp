@@ -5,6 +5,7 @@
 #include "PlainNode.h"
 #include "SceneWindow.h"
 #include "Shapes.h"
+#include "Usage.h"
 
 #include <cstdio>
 #include <string>
@@ -136,10 +137,10 @@ private:
 
 int main(int argc, char* argv[])
 {
-    if (argc != 1 && argc != 3) {
-        std::fputs("shader [VERTEX_FILE FRAGMENT_FILE]: draws a sphere with these shaders\n",
-                   stderr);
-        return 2;
+    constexpr const char* USAGE = "usage: shader [VERTEX_FILE FRAGMENT_FILE]\n"
+                                  "Draws a sphere with these shaders.\n";
+    if (const auto status = answerUsage(argc, argv, {0, 2}, USAGE)) {
+        return *status;
     }
     std::puts(
         "shader: a sphere drawn with a vertex and a fragment shader\n"

@@ -2,6 +2,7 @@
 // each host shows on it.
 
 #include "TileConfig.h"
+#include "Usage.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -115,9 +116,10 @@ void printConfiguration()
 
 int main(int argc, char* argv[])
 {
-    if (argc != 2) {
-        std::fputs("tiles FILE: shows the tiled display wall that FILE describes\n", stderr);
-        return 2;
+    constexpr const char* USAGE = "usage: tiles FILE\n"
+                                  "Shows the tiled display wall that FILE describes.\n";
+    if (const auto status = answerUsage(argc, argv, {1}, USAGE)) {
+        return *status;
     }
     // readDisplayCfg ends the process when the file does not list this host. This program prints
     // the wall in any case, so it does that at exit.

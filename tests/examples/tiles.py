@@ -80,7 +80,7 @@ class Tiles(unittest.TestCase):
 
     def test_tells_how_it_is_used(self):
         result = run()
-        self.assertTrue(result.stderr.startswith("tiles FILE: "))
+        self.assertTrue(result.stderr.startswith("usage: tiles FILE\n"))
         self.assertEqual((result.stdout, result.returncode), ("", 2))
 
     def test_reports_a_missing_file(self):
