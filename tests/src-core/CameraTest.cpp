@@ -6,6 +6,7 @@
 #include <climits>
 #include <cmath>
 #include <cstdio>
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <numbers>
 #include <unistd.h>
@@ -140,7 +141,8 @@ TEST(CameraDataTest, RecordsKeepTheirFieldsInOrder)
     EXPECT_EQ(point.y, 8);
 }
 
-/// In a process without a GL context, where GL's calls do nothing.
+/// In a process without a GL context, where GL's calls do nothing. The standard output of that
+/// process goes where its standard error is looked at, and its standard error goes nowhere.
 TEST(CameraDeathTest, AnUndefinedProjectionEndsTheProcessWithOneMessage)
 {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
@@ -148,6 +150,7 @@ TEST(CameraDeathTest, AnUndefinedProjectionEndsTheProcessWithOneMessage)
         {
             std::fflush(stdout);
             dup2(STDERR_FILENO, STDOUT_FILENO);
+            dup2(open("/dev/null", O_WRONLY), STDERR_FILENO);
             Camera camera;
             camera.ortho2D(0, 0, 740, 740, NO_OFFSET);
         },

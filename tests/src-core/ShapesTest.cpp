@@ -5,12 +5,48 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <dlfcn.h>
 #include <vector>
 
 namespace {
 
 using Point = std::array<float, 3>;
 using Outline = std::vector<Point>;
+
+/// A primitive between glBegin and glEnd.
+struct Strip {
+    GLenum mode;
+    int vertices;
+
+    bool operator==(const Strip&) const = default;
+};
+std::vector<Strip> strips;
+
+/// \return GL's own function \p name
+template<typename Function>
+Function* next(const char* name)
+{
+    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+} // namespace
+
+// Stand before GL's own: feedback breaks strips up.
+void glBegin(GLenum mode)
+{
+    static const auto call = next<void(GLenum)>("glBegin");
+    strips.push_back({mode, 0});
+    call(mode);
+}
+
+void glVertex3f(GLfloat x, GLfloat y, GLfloat z)
+{
+    static const auto call = next<void(GLfloat, GLfloat, GLfloat)>("glVertex3f");
+    ++strips.back().vertices;
+    call(x, y, z);
+}
+
+namespace {
 
 constexpr std::array<GLenum, 3> GENERATORS = {GL_TEXTURE_GEN_S, GL_TEXTURE_GEN_T, GL_TEXTURE_GEN_R};
 
@@ -204,8 +240,11 @@ TEST_F(ShapesTest, ASphereIsStripsOfQuadsFromPoleToPole)
     for (const int n : {4, 5, 8, 13}) {
         const Sphere expected(1.5, n);
         Geometry g{0, nullptr};
+        strips.clear();
         Shapes::sphere(&g, 1.5f, n);
         EXPECT_STREQ(g.name, "sphere");
+        EXPECT_EQ(strips, std::vector<Strip>(static_cast<std::size_t>(n / 2),
+                                             Strip{GL_QUAD_STRIP, 2 * (n + 1)}));
         generateNothing();
         // n/2 strips of 2 * (n + 1) vertices make n quads each.
         ASSERT_EQ(quads(g).size(), static_cast<std::size_t>(n / 2 * n));

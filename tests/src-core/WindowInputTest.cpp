@@ -5,8 +5,8 @@
 #include "PivotNode.h"
 #include "ProbeNode.h"
 #include "SceneGraph.h"
-#include "WindowInput.h"
 #include "UserEvent.h"
+#include "WindowInput.h"
 
 #include <FL/Fl.H>
 #include <algorithm>
@@ -147,6 +147,27 @@ TEST_F(WindowInputTest, ARightClickReachesEveryNode)
     EXPECT_THAT(journal, ElementsAre("root.userEvent", "leaf.userEvent"));
     EXPECT_THAT(root.clicks, ElementsAre(ElementsAre(100, 200, 1)));
     EXPECT_THAT(leaf.clicks, ElementsAre(ElementsAre(100, 200, 1)));
+    EXPECT_THAT(window.MOUSE, ElementsAre(100, 200));
+}
+
+TEST_F(WindowInputTest, ThePositionIsStoredAfterTheClickHasBeenSent)
+{
+    class Observer : public ProbeNode {
+    public:
+        Window& window;
+        std::vector<int> position;
+        Observer(Window& observed, Journal& notes) : ProbeNode("observer", notes), window(observed)
+        {
+        }
+        void userEvent(UserEvent*) override { position = {window.MOUSE[0], window.MOUSE[1]}; }
+    };
+    Observer observer(window, journal);
+    leaf.attachChild(&observer);
+    placePointer(12, 34);
+    window.handle(FL_MOVE);
+    placePointer(100, 200);
+    press(FL_RIGHT_MOUSE);
+    EXPECT_THAT(observer.position, ElementsAre(12, 34));
     EXPECT_THAT(window.MOUSE, ElementsAre(100, 200));
 }
 

@@ -2,11 +2,11 @@
 
 #include "Window.h"
 
+#include "ArmedTimers.h"
 #include "FreeType.h"
 #include "ProbeNode.h"
 #include "SceneGraph.h"
 #include "TempDirectory.h"
-#include "ArmedTimers.h"
 #include "WindowInput.h"
 
 #include <FL/Fl.H>
@@ -346,11 +346,14 @@ TEST_F(WindowTest, AnInvalidContextIsInitialisedAgain)
 TEST_F(WindowTest, AFrameIsClearedDrawnTitledAndCounted)
 {
     static Journal* sharedJournal = nullptr;
+    static Window* sharedWindow = nullptr;
     sharedJournal = &journal;
     auto window = showWindow();
+    sharedWindow = window.get();
     journal.clear();
     window->frames = 0;
     root.onCull = [](ProbeNode&) {
+        EXPECT_STREQ(sharedWindow->label(), "kelpix (0.0 fps)") << "titled after the frame";
         std::array<unsigned char, 4> pixel{};
         glReadPixels(150, 100, 1, 1, GL_RGB, GL_UNSIGNED_BYTE, pixel.data());
         // 0.02, 0.1 and 0.15 of 255.
@@ -374,6 +377,7 @@ TEST_F(WindowTest, AFrameIsClearedDrawnTitledAndCounted)
     EXPECT_THAT(journal, ElementsAre("root.cull", "callback kelpix (12.2 fps) 0"));
     EXPECT_EQ(window->frames, 1);
     window->setDrawCallback(nullptr);
+    root.onCull = nullptr;
     window->draw();
     EXPECT_EQ(window->frames, 2);
 }
@@ -461,6 +465,10 @@ TEST_F(WindowTest, ASizeGivenBeforeTheFirstFrameIsAppliedInIt)
     EXPECT_NEAR(getFloats(GL_PROJECTION_MATRIX, 16)[0], std::sqrt(3.0) / 6, 1e-6);
     EXPECT_EQ(getFloats(GL_PROJECTION_MATRIX, 16)[12], 0);
     EXPECT_THAT(window->getRender()->getCamera()->view, ElementsAre(300, 200));
+
+    window->valid(0); // as FLTK does for a new context: the early size is not applied again
+    window->draw();
+    EXPECT_THAT(viewportOf(*window), ElementsAre(0, 0, 300, 200));
 }
 
 TEST_F(WindowTest, ASizeFromTheXServerBeforeTheFirstFrameIsAppliedInIt)
