@@ -68,7 +68,7 @@ TEST_F(BoidDrawTest, TheOutlineIsBlendedOverWhatIsThere)
     for (std::size_t i = 0; i < picture.size(); i += 4) {
         if (picture[i + 2] > 0) {
             ++drawn;
-            // At least once 0.5 * (0.8, 0.8, 1) + 0.5 * what is there; lines cross at the centre.
+            // At least once 0.5 * (0.8, 0.8, 1) + 0.5 * what is there; lines cross at the center.
             EXPECT_GE(picture[i + 1], 100);
             EXPECT_GE(picture[i + 2], 126);
             EXPECT_LT(picture[i], 231);

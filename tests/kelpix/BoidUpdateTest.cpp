@@ -294,7 +294,7 @@ TEST_F(BoidUpdateTest, ABoidThatOthersLetDieLeavesItsCellWhenItIsCleanedUp)
         killed->doupdate();
         EXPECT_TRUE(sees(boid, killed));
         killed->die();
-        killed->cleanup(); // as the walk that deletes it does
+        killed->cleanup(); // as the traversal that deletes it does
         EXPECT_EQ(killed->myBucket, nullptr);
     }
     boid->doupdate(); // and finds nobody where the other one was

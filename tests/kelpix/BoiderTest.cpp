@@ -12,7 +12,7 @@ using testing::ElementsAre;
 
 namespace {
 
-/// A texture that counts as loaded: four texels with the corner colours red, green, blue, white
+/// A texture that counts as loaded: four texels with the corner colors red, green, blue, white
 /// (texture coordinates (0, 0), (1, 0), (0, 1), (1, 1)), all with the same alpha.
 std::unique_ptr<Texture> fourCorners(unsigned char alpha)
 {

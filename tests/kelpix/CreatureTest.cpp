@@ -143,7 +143,7 @@ TEST(CreatureUpdateTest, KeepsItsDepth)
     creature.sensorList = &group.list;
     creature.translate(0, 0, 3);
     creature.update();
-    // The centre's depth shows in vel, the creature's own is not taken off it.
+    // The center's depth shows in vel, the creature's own is not taken off it.
     EXPECT_EQ(creature.vel.z, 5 * 0.1f);
     EXPECT_EQ(creature.transformmat[14], 3);
 }

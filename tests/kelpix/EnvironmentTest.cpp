@@ -249,7 +249,7 @@ TEST_F(EnvironmentTest, WithoutATextureThePlaneIsGrey)
 TEST_F(EnvironmentTest, WithoutAPlaneOnlyBubblesAreEmitted)
 {
     for (int call = 1; call <= 16; ++call) {
-        world->draw(); // never initialised
+        world->draw(); // never initialized
     }
     EXPECT_EQ(world->children.size(), 106u);
     EXPECT_EQ(pixel(WIDTH / 2 + 100, HEIGHT / 2 + 100)[0], 0);

@@ -64,7 +64,7 @@ public:
     {
         // The eye stands at z = 1 and looks at the origin.
         frames = {{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, -1, 1}};
-        trace.take("glDrawBuffer", {"GL_BACK"}); // the toolkit's
+        trace.take("glDrawBuffer", {"GL_BACK"}); // FLTK's
         trace.take("glClear", {"GL_DEPTH_BUFFER_BIT | GL_COLOR_BUFFER_BIT"});
         trace.take("glMatrixMode", {"GL_MODELVIEW"});
         enter();

@@ -78,7 +78,7 @@ protected:
     }
     void expectNoNewContext() { EXPECT_THAT(printed, Not(HasSubstr("GLEW ok;"))); }
 
-    /// Frames as the toolkit draws them, each after an update.
+    /// Frames as FLTK draws them, each after an update.
     void play(int frames)
     {
         for (int n = 0; n < frames; ++n) {
@@ -102,7 +102,7 @@ protected:
         EXPECT_EQ(viewport, (std::array<GLint, 4>{0, 0, w, h}));
     }
 
-    /// Whether a frame shows the picture of the water: nothing else has so many colours.
+    /// Whether a frame shows the image of the water: nothing else has so many colors.
     bool hasWater()
     {
         stage->window.make_current();
