@@ -32,8 +32,8 @@ public:
 
     /// Builds the world from "data/mocap.txt" (see MoCap::read, which can end the process) and
     /// starts the motion-capture clock. Makes no GL call. Draws 406 numbers of rand(): four for
-    /// each fish, then two for each sensor. \param snd  borrows; the voice, whose position is that
-    /// clock
+    /// each fish, then two for each sensor.
+    /// \param snd  borrows; the voice, whose position is that clock
     explicit Environment(OggSound* snd);
 
     /// Makes the plane and the grid lines. Needs: current GL context.

@@ -24,7 +24,8 @@ using Word = std::array<char, 4096>;
 
 /// Reads one word and all white space behind it, as fscanf(file, "%s\n", word) does: after the last
 /// word the file is at its end. Only what fits is kept. At the end of the file, and for a null
-/// file, the word stays as it was. \return whether there was a word
+/// file, the word stays as it was.
+/// \return whether there was a word
 bool readWord(std::FILE* file, Word& word)
 {
     if (file == nullptr || !Files::readWord(file, word)) {

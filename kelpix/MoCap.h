@@ -69,6 +69,6 @@ public:
 };
 
 /// The motion-capture clock, a callback of FLTK's timers: sets the step from the sound's position
-/// and re-arms itself for the next tick (Rates::CLOCK_TICKS). Without a sound the step is 0. \param
-/// arg  borrows: the MoCap, or null to only re-arm the timer
+/// and re-arms itself for the next tick (Rates::CLOCK_TICKS). Without a sound the step is 0.
+/// \param arg  borrows: the MoCap, or null to only re-arm the timer
 void dataTimer(void* arg);

@@ -54,7 +54,7 @@ struct Neighborhood {
     static Neighborhood inCells(const std::vector<Bucket*>& cells, const Boid& boid);
 };
 
-/// \return the largest double whose root, rounded to single precision, is at most \p radius; -1
-/// when
-///         there is none
+/// \return the largest double whose root, rounded to single precision, is at most \p radius, or -1
+/// if
+///         no double is
 double largestSquareWithin(float radius);

@@ -22,7 +22,7 @@ public:
     float tilt[2];          ///< lower and upper limit of the tilt, degrees
     float current_tilt = 0; ///< tilt of the body, degrees; one step beyond a limit at most
     bool initialized = false;
-    SensorRep* rep; ///< the body, also its child, which owns it
+    SensorRep* rep; ///< owns; the body, also its child
 
     /// Makes the body, and a small random velocity from two numbers of rand().
     Sensor();

@@ -13,7 +13,7 @@ constexpr int SEGMENTS = 6;
 constexpr int FRAMES = 240;
 constexpr std::size_t TENTACLE_POINTS = 24;
 
-/// The product is single precision, the argument of the functions that take it is double.
+/// Degrees to radians: a product in single precision, widened for functions of double precision.
 double radians(float degrees)
 {
     return static_cast<double>(DEG2RAD * degrees);

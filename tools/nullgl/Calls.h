@@ -6,7 +6,8 @@
 
 namespace nullgl {
 
-/// How often one function was called. All of them are chained up before main runs.
+/// How often one function was called. The counters of all functions form a list, which is complete
+/// before main runs.
 struct Counter {
     const char* function;
     std::int64_t calls = 0;
@@ -17,7 +18,7 @@ struct Counter {
     Counter& operator=(const Counter&) = delete;
 };
 
-/// The head of the chain.
+/// The first counter of the list.
 Counter*& counters();
 
 /// A function's name as a template argument.

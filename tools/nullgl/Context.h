@@ -59,10 +59,10 @@ struct Context {
     std::unordered_map<GLuint, List> lists;
     Names listNames;
     Names textureNames;
-    GLuint openName = 0; ///< the list that is being compiled; 0 = none
+    GLuint openName = 0; ///< the display list that is being compiled; 0 = none
     GLenum openMode = 0;
     List open;
-    int callDepth = 0; ///< lists that call each other
+    int callDepth = 0; ///< display lists that are being executed, one called by the other
 
     /// Keeps the first error.
     void raise(GLenum what);

@@ -6,18 +6,18 @@
 
 namespace nullgl {
 
-/// The names of one kind of object. Names that are given back are given out again, so that a scene
-/// that makes and deletes objects for days needs no more of them than it has at once.
+/// The names of one kind of object. A released name is used again, so a scene that makes and
+/// deletes objects for days needs only as many names as it has objects at once.
 class Names {
 public:
-    /// \return the first of \p count names in a row, from now on in use; 0 when that many are not
-    ///         left, or for a count of 0
+    /// Takes \p count free names in a row.
+    /// \return the first of them; 0 when there are not so many, or for a count of 0
     unsigned take(unsigned count);
 
-    /// Has a name in use that the caller chose.
+    /// Marks a name that the caller chose as used.
     void use(unsigned name);
 
-    /// Has it in use no more, if it was.
+    /// Marks the name as free, if it is used.
     void release(unsigned name);
 
     bool contains(unsigned name) const { return used.count(name) != 0; }
@@ -25,8 +25,8 @@ public:
 
 private:
     std::unordered_set<unsigned> used;
-    std::set<unsigned> free; ///< names below the highest that were given back
-    unsigned highest = 0;    ///< no name above it is in use
+    std::set<unsigned> free; ///< free names below the highest used one
+    unsigned highest = 0;    ///< the highest used name; 0 = none
 };
 
 } // namespace nullgl

@@ -10,24 +10,25 @@
 /// GLU and GLEW too. It needs no display, and its one context is always current.
 ///
 /// It keeps what can be read back with effect on a scene: the matrix stacks and the matrix mode,
-/// viewport, list base, bound 2-D texture, pixel storage, the names of display lists and of
-/// textures, and in a list those commands that change one of these; calling a list repeats them.
+/// viewport, list base, bound 2-D texture, pixel storage, and the names of display lists and of
+/// textures. A display list keeps the commands that change one of these; calling it repeats them.
 /// Matrices are multiplied in single precision, each element as a0*b0 + a1*b1 + a2*b2 + a3*b3 from
 /// the left, as software implementations do. glPushAttrib saves matrix mode, viewport, list base
-/// and texture binding. Each stack of matrices holds 32, those of attributes 16; what does not fit,
-/// or is not there, raises GL_STACK_OVERFLOW or GL_STACK_UNDERFLOW and does nothing.
+/// and texture binding. Each matrix stack holds 32 entries, each attribute stack 16. A push onto a
+/// full stack raises GL_STACK_OVERFLOW, a pop of the last entry GL_STACK_UNDERFLOW; both change
+/// nothing.
 ///
-/// All else is only counted. Arguments are not checked; a query that is not about the
-/// above raises GL_INVALID_ENUM and leaves its output alone. There are no extensions: GLEW's
-/// pointers stay null.
+/// All other calls are only counted. Arguments are not checked. A query for any other state raises
+/// GL_INVALID_ENUM and leaves its output unchanged. There are no extensions: GLEW's pointers stay
+/// null.
 ///
 /// One thread.
 namespace nullgl {
 
-/// Back to a fresh context: identity matrices, no lists, no textures, no error, no calls.
+/// Starts a fresh context: identity matrices, no display lists, no textures, no error, no calls.
 void reset();
 
-/// Forgets the calls, nothing else.
+/// Sets the numbers of calls to 0, and nothing else.
 void resetCalls();
 
 /// \param function  its name, as "glVertex2f"
@@ -35,7 +36,7 @@ void resetCalls();
 ///         not have. Calls by a display list do not count, the call that compiles them does.
 std::int64_t calls(const std::string& function);
 
-/// The functions that were called at all, and how often.
+/// \return the functions that were called at least once, and how often
 std::map<std::string, std::int64_t> calls();
 
 /// Receives arguments that nullgl itself does not look at. Nothing is called where a pointer is
@@ -50,16 +51,16 @@ struct Hooks {
 /// \return the hooks, to be set; reset leaves them
 Hooks& hooks();
 
-/// Names of display lists that exist: given out or compiled, and not deleted.
+/// \return the number of display lists that exist: made by glGenLists or compiled, and not deleted
 std::size_t lists();
 
-/// Commands that a display list holds; 0 for a name that does not exist.
+/// \return the number of commands in a display list; 0 for a name that does not exist
 std::int64_t listCommands(unsigned name);
 
-/// Commands that all display lists hold together.
+/// \return the number of commands in all display lists together
 std::int64_t listCommands();
 
-/// Names of textures that exist: given out or bound, and not deleted.
+/// \return the number of textures that exist: made by glGenTextures or bound, and not deleted
 std::size_t textures();
 
 } // namespace nullgl

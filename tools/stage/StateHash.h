@@ -36,7 +36,8 @@ struct StateHash {
 };
 
 /// Computes the numbers of a scene. Draws no random number, changes nothing and needs no GL
-/// context. Takes about twenty microseconds. The state of rand() must be the process's first one,
-/// or one of 128 bytes made with initstate. \param water   the scene's environment, with figures
-/// that have a recording \param window  shows the scene
+/// context. Takes about twenty microseconds. rand() must use the state that a process starts with,
+/// or one of 128 bytes made with initstate.
+/// \param water   the scene's environment, with figures that have a recording
+/// \param window  shows the scene
 StateHash hashOf(const Environment& water, const Window& window);
