@@ -12,8 +12,8 @@ int idOf(Node* node)
     return static_cast<Boid*>(node)->getId();
 }
 
-/// Truncates towards zero, NaN to 0. Values beyond a million, which are outside every grid, are
-/// clamped: they would not fit into an int.
+/// Truncates towards zero, NaN to 0. Values beyond a million are outside every grid: they are
+/// clamped, so that the result fits into an int.
 int truncate(float value)
 {
     if (std::isnan(value)) {

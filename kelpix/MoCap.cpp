@@ -162,8 +162,8 @@ int MoCap::read(const char* indexPath)
     for (const SensorData* series : sensorDataList) {
         numSteps = std::min(numSteps, static_cast<int>(series->pos.size()));
     }
-    // Fixed behavior: the message says sensorDataList and prints the number of steps. Pinned by
-    // MoCapTest.ARecordIsATimeThreeSensorsAndSixIgnoredWords; do not correct.
+    // Fixed behavior: the last message about a recording says sensorDataList and prints the number
+    // of steps. Pinned by MoCapTest.ARecordIsATimeThreeSensorsAndSixIgnoredWords; do not correct.
     std::printf("\n\nsize of sensorDataList = %d\n\n", numSteps);
     return 1;
 }

@@ -54,7 +54,6 @@ struct Neighborhood {
     static Neighborhood inCells(const std::vector<Bucket*>& cells, const Boid& boid);
 };
 
-/// \return the largest double whose root, rounded to single precision, is at most \p radius, or -1
-/// if
-///         no double is
+/// \return the largest double whose root, rounded to single precision, is at most \p radius; -1
+///         for a negative radius and for NaN
 double largestSquareWithin(float radius);
