@@ -12,8 +12,8 @@
 
 namespace {
 
-/// Holds every record that was ever read. Records are never freed, since users keep pointers to
-/// them; a deque leaves its elements where they are as it grows.
+/// All records that were ever read. A deque does not move its elements when it grows: pointers to
+/// them stay valid.
 struct Records {
     std::deque<Cluster> clusters;
     std::deque<ClusterNode> nodes;
@@ -43,8 +43,8 @@ bool readNumber(std::FILE* file, float& value)
     return std::fscanf(file, "%f", &value) == 1;
 }
 
-/// Reads a keyword and the numbers after it. Words that are no numbers leave theirs as they were.
-/// \return false when the keyword is wrong or the file ends too early; so do all functions below
+/// Reads a keyword and the numbers after it. A word that is not a number changes no value.
+/// \return false when the keyword is wrong or the file ends too early, as in all functions below
 template<typename Number, std::size_t COUNT>
 bool readField(std::FILE* file, const char* keyword, Number (&values)[COUNT])
 {
@@ -132,7 +132,7 @@ int TileConfig::readDisplayCfg(const char* path)
             complete = readCluster(file.get(), *cluster);
         }
     } catch (const std::bad_alloc&) {
-        // A wall that memory cannot hold is incomplete like one that the file breaks off.
+        // A wall that does not fit into memory counts as incomplete.
     }
     file.reset();
     if (!complete) {

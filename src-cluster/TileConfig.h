@@ -6,8 +6,8 @@
 ///
 /// One text file, shared by all hosts, lists the tile grid, the bezels ("mullions") and every
 /// host's windows with their cameras. Each host reads it and picks the entry that has its own host
-/// name. The grammar, with words in quotes as they stand (case matters) and any white space
-/// between words:
+/// name. This is the grammar. Words in quotes are literal and case matters; any white space
+/// separates words:
 ///
 ///     "Cluster"
 ///     "TileMap" int int
@@ -22,11 +22,13 @@
 ///                 "Rectangle" float float float float
 ///                 "Offset" float float
 ///
-/// Units are the user's: all numbers are kept as written, and nothing here interprets them. A
-/// word that is no number leaves its field at 0; a count of 0 or less means none.
+/// All numbers are kept as written; their units are up to the user of the class. A word that is not
+/// a number leaves its field at 0; a count of 0 or less means none.
 ///
-/// The records live until the process ends, those of an earlier or failed read too, so that
-/// pointers to them hold for good.
+/// Fixed behavior: the records of a wall are never freed, those of an earlier or a failed read
+/// included. Pointers to them stay valid until the process ends. Pinned by
+/// TileConfigTest.RecordsOutliveTheirReader,
+/// TileConfigTest.AnotherReadReplacesTheClusterAndKeepsItsRecords; do not correct.
 
 /// One camera of a window.
 struct CameraEntity {
@@ -57,22 +59,25 @@ struct Cluster {
 /// Reads such a file and finds the entry of the host that it runs on.
 class TileConfig {
 public:
-    Cluster* cluster = nullptr;      ///< borrows: what the last file gave; null before
-    ClusterNode* thisNode = nullptr; ///< borrows: this host's entry in it, as cfgNode found it
+    Cluster* cluster = nullptr;      ///< borrows: the wall that was read last; null before
+    ClusterNode* thisNode = nullptr; ///< borrows: this host's entry in it, set by cfgNode
 
     /// Parses the file at \p path into a new cluster and calls cfgNode.
-    /// \return 0 after a complete parse; -1, without a message and with thisNode as it was, when
-    ///         the file cannot be opened or does not start with "Cluster" (cluster then stays as it
-    ///         was), or when a later keyword is wrong or the file ends too early (cluster then has
-    ///         the hosts that were complete by then). A pipe or a device counts as a file that
-    ///         cannot be opened.
+    /// \return 0 after a complete parse; -1, without a message, after a failure. thisNode is then
+    ///         unchanged. If the file cannot be opened (a pipe or a device cannot) or does not
+    ///         start with "Cluster", cluster is unchanged too; if a later keyword is wrong or the
+    ///         file ends too early, cluster has the hosts that were complete
     int readDisplayCfg(const char* path);
 
-    /// Prints this machine's host name, cut to 31 characters, and points thisNode at the first host
-    /// of the cluster that has exactly this name. Without one (also without a cluster) prints "No
-    /// information for this node!" and ends the process with status 0.
+    /// Prints this machine's host name, cut to 31 characters, and sets thisNode to the first host
+    /// of the cluster with exactly this name.
+    ///
+    /// Fixed behavior: a host that is not in the wall prints "No information for this node!" and
+    /// ends the process with status 0, as does any host without a cluster. Pinned by
+    /// TileConfigDeathTest.AWallWithoutThisHostEndsTheProcess,
+    /// TileConfigDeathTest.WithoutAClusterNoHostIsFound; do not correct.
     void cfgNode();
 
-    /// \return a pointer into the cluster: thisNode
+    /// \return thisNode, a pointer into the cluster
     ClusterNode* getThisNodeCfg() { return thisNode; }
 };

@@ -10,10 +10,10 @@
 
 namespace {
 
-/// True once a GL error was reported.
+/// True once a GL error was reported, by any shader.
 bool halted = false;
 
-/// Far above any shader. What is larger is no shader, and its size would not fit GL's count.
+/// In bytes; far more than any shader has. GL counts the characters of a source in an int.
 constexpr long MAX_SOURCE = 16L << 20;
 
 struct Source {

@@ -14,13 +14,16 @@ public:
     Shader(const Shader&) = delete;
     Shader& operator=(const Shader&) = delete;
 
-    /// Deletes the shader object, 0 included, which GL ignores. Needs: the GL context, unless the
-    /// entry points were never loaded.
+    /// Deletes the shader object; GL ignores a handle of 0. Needs: the GL context, unless the entry
+    /// points were never loaded.
     ~Shader();
 
-    /// Reads a source file and compiles it. The compile log is not read: a compile that fails is
-    /// reported, by GL_err("Compile"), only when GL holds an error at that moment. A second call
-    /// makes a second object and leaves the first one to its GL context.
+    /// Reads a source file and compiles it. A second call makes a second object, and does not
+    /// delete the first.
+    ///
+    /// Fixed behavior: the compile log is never read. A compile that fails calls GL_err("Compile"),
+    /// which prints nothing unless GL holds an error at that moment. Pinned by
+    /// ShaderTest.ASourceThatDoesNotCompilePassesSilently; do not correct.
     /// \param path  a regular file of 1 byte to 16 MiB; nothing happens, and nothing is printed,
     ///              when it is null or cannot be read
     /// \param type  GL_VERTEX_SHADER_ARB or GL_FRAGMENT_SHADER_ARB
@@ -29,8 +32,11 @@ public:
 
     GLhandleARB getHandle() const { return handle; }
 
-    /// Reports a pending GL error once in the life of the program: takes it with glGetError and
-    /// writes "%s: %s\n" (label, GLU's text) to standard error. After the first report GL is not
-    /// asked again, by no shader. Needs: current GL context.
+    /// Reports a pending GL error: takes it with glGetError and writes "%s: %s\n" (label, GLU's
+    /// text) to standard error. Needs: current GL context.
+    ///
+    /// Fixed behavior: Shader::GL_err reports one error in the life of the program. Later errors,
+    /// of all shaders, are neither printed nor cleared. Pinned by
+    /// ShaderErrorTest.OnlyTheFirstErrorIsReported; do not correct.
     static void GL_err(const char* label);
 };

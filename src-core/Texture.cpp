@@ -32,8 +32,8 @@ void upload(BasicImage& image, GLuint* texId)
     glBindTexture(GL_TEXTURE_2D, *texId);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
-    // Rows are not padded. The pixels are taken when the command is compiled, not when the list is
-    // called, and the alignment is never compiled into a list.
+    // Rows are not padded. GL reads the pixels when it compiles the command, not when the display
+    // list is called, and glPixelStorei is executed at once, not compiled.
     GLint alignment = 0;
     glGetIntegerv(GL_UNPACK_ALIGNMENT, &alignment);
     glPixelStorei(GL_UNPACK_ALIGNMENT, 1);

@@ -3,11 +3,11 @@
 #include "BasicImage.h"
 #include "GLTypes.h"
 
-/// An image file that becomes a GL texture when it is first drawn with.
+/// An image file that becomes a GL texture when something is first drawn with it.
 ///
-/// Textures are made early, before there is a GL context, with a name and a kind only. What draws
-/// with one calls load when isLoaded is false, and then binds *getId(). There is no way back: the
-/// texture, the image and its pixels stay until the program ends.
+/// A texture is constructed early, before there is a GL context, from a name and a kind only. A
+/// node that draws with it calls load when isLoaded is false, and then binds *getId(). Nothing is
+/// unloaded: the GL texture, the image and its pixels stay until the program ends.
 class Texture {
 public:
     const char* imageFileName; ///< borrows
@@ -18,22 +18,29 @@ public:
     int imageInfo[3];          ///< width and height in pixels, bytes per pixel; 0 before load
 
     /// Reads nothing and needs no GL context.
-    /// \param fname  borrows; must be there until load has run
+    /// \param fname  borrows; must outlive the call of load
     Texture(const char* fname, IMAGE_TYPE fmt);
 
     /// Reads the file and makes the texture: level 0 only, linear filters, everything else as GL
-    /// sets it. An unknown kind only sets loaded, and so does a picture for which there is no
-    /// memory at all.
+    /// sets it. An unknown kind only sets loaded, and so does an image object for which there is no
+    /// memory. Prints "loaded texture data.\n" when the reader's result is not 0.
     ///
     /// Needs: current GL context, no display list open. Changes: the binding of GL_TEXTURE_2D.
     /// Leaves a display list behind; a second call makes a second texture.
     ///
-    /// The pixels are handed to GL as RGB for a JPEG and as RGBA for a PNG, and the component count
-    /// is the internal format, whatever components the file has: deliberate, pictures were made to
-    /// look right that way. What a read that fails left is uploaded all the same.
+    /// Fixed behavior: the pixels are uploaded as RGB for a JPEG and as RGBA for a PNG, with the
+    /// component count as the internal format. A gray JPEG, and a gray or RGB PNG, thus get pixels
+    /// that were put together wrongly. Pinned by
+    /// TextureTest.EveryKindAndComponentCountIsUploadedAsItsKind; do not correct.
     ///
-    /// Prints "loaded texture data.\n" when the reader's result is not 0. That includes -1, by
-    /// which a PNG that could not be read tells so.
+    /// Fixed behavior: after a failed read, whatever the image holds (the rows that were read so
+    /// far or nothing) is still uploaded, and loaded is set. Pinned by
+    /// TextureTest.AMissingJpegIsLoadedWithoutTheLoadedLine,
+    /// TextureTest.APngThatIsNotSupportedIsLoadedWithoutPixels; do not correct.
+    ///
+    /// Fixed behavior: a PNG that cannot be read prints "loaded texture data." too, since the
+    /// reader's result is then -1. Pinned by TextureTest.AMissingPngSaysThatItWasLoaded; do not
+    /// correct.
     void load();
 
     bool isLoaded() const { return loaded; }

@@ -9,8 +9,7 @@
 
 namespace {
 
-/// The whole number of source pixels from one copied pixel to the next along an axis of \p count
-/// pixels.
+/// The stride along an axis of \p count copied pixels, in source pixels.
 std::int64_t strideOf(int count, float scale)
 {
     if (!std::isfinite(scale)) {

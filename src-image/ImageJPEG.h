@@ -2,10 +2,10 @@
 
 #include "BasicImage.h"
 
-/// A picture from a JPEG file. A colour file gives 3 components, a grey one 1, a CMYK one 4.
+/// An image from a JPEG file: 3 components from a color file, 1 from a gray one, 4 from CMYK.
 ///
-/// Behind the w * h * c bytes the buffer stays readable, as zeros, up to w * h * 3: a JPEG texture
-/// is uploaded as RGB whatever its components.
+/// The buffer is padded with zeros to w * h * 3 bytes: the upload of a JPEG texture reads RGB,
+/// whatever the component count.
 class ImageJPEG : public BasicImage {
 public:
     char* sourceFile = nullptr;      ///< heap copy of the name of the last file that was read
@@ -18,23 +18,29 @@ public:
     ImageJPEG(const ImageJPEG&) = delete;
     ImageJPEG& operator=(const ImageJPEG&) = delete;
 
-    /// Releases the buffer. sourceFile stays: who asked for it may go on reading it.
+    /// Releases the buffer.
+    ///
+    /// Fixed behavior: the destructor of an image does not release sourceFile. Pinned by
+    /// ImageJPEGTest.KeepsACopyOfTheFileNameThatOutlivesTheImage; do not correct.
     ~ImageJPEG();
 
-    /// Reads a JPEG file. A damaged one is read as far as the library can repair it; a progressive
-    /// one of more than 100 scans (18 to 99 for pictures of more than 43 million pixels) cannot be
-    /// decoded.
-    /// \return 1; 0 when it fails: a file that cannot be opened gives "can't open %s\n" on standard
-    ///         output, one that cannot be decoded the library's message on standard error
+    /// Reads a JPEG file. A damaged file is read as far as the library can repair it. The limit of
+    /// a progressive file is 100 scans; of an image of more than 43 million pixels it is 2^32 /
+    /// pixels, but at least 18.
+    /// \return 1; 0 after a failure. A file that cannot be opened prints "can't open %s\n" on
+    ///         standard output, one that cannot be decoded the library's message on standard error
     int read(const char* filename) override;
 
-    /// Writes the buffer as an RGB JPEG file, buffer row 0 first, which is the reverse of read:
-    /// writing a picture that was just read stores it upside down. That is deliberate; files that
-    /// went through this pair are that way up.
-    /// \param quality  0 to 100; values beyond count as the nearer end
-    /// \return 1; 0 when there is no buffer (no file is made then), when the file cannot be opened
-    ///         ("can't open %s\n" on standard error), or when the library refuses (its message on
-    ///         standard error): the disk is full, or the pixels have not 3 components
+    /// Writes the buffer as an RGB JPEG file.
+    ///
+    /// Fixed behavior: write starts with buffer row 0, which read fills with the last row of a
+    /// file. An image that was just read is written upside down. Pinned by
+    /// ImageJPEGTest.APictureThatWasJustReadIsWrittenUpsideDown; do not correct.
+    /// \param quality  0 to 100; other values count as the nearer end
+    /// \return 1; 0 after a failure: there is no buffer (no file is made), the file cannot be
+    /// opened
+    ///         ("can't open %s\n" on standard error), or the library refuses (its message on
+    ///         standard error) because the disk is full or the pixels do not have 3 components
     int write(const char* filename, int quality) override;
 
     unsigned char* getPixelBuffer() override { return buffer; }

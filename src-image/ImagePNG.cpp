@@ -10,7 +10,7 @@
 
 namespace {
 
-/// Textures take grey, RGB, and RGB with alpha, but neither a palette nor grey with alpha.
+/// Textures take gray, RGB, and RGB with alpha, but neither a palette nor gray with alpha.
 bool isSupported(const ImageFrame& frame)
 {
     return !frame.hasPalette && frame.channels != 2;

@@ -2,11 +2,11 @@
 
 #include "BasicImage.h"
 
-/// A picture from a PNG file: grey gives 1 component, RGB 3, RGB with alpha 4. Samples of 16 bits
+/// An image from a PNG file: gray gives 1 component, RGB 3, RGB with alpha 4. Samples of 16 bits
 /// are cut to their upper 8; samples of 1, 2 or 4 bits become bytes with the same value, unscaled.
 ///
-/// Behind the w * h * c bytes the buffer stays readable, as zeros, up to w * h * 4: a PNG texture
-/// is uploaded as RGBA whatever its components.
+/// The buffer is padded with zeros to w * h * 4 bytes: the upload of a PNG texture reads RGBA,
+/// whatever the component count.
 class ImagePNG : public BasicImage {
 public:
     char* sourceFile = nullptr;      ///< heap copy of the name of the last file that was read
@@ -19,15 +19,23 @@ public:
     ImagePNG(const ImagePNG&) = delete;
     ImagePNG& operator=(const ImagePNG&) = delete;
 
-    /// Releases the buffer. sourceFile stays: who asked for it may go on reading it.
+    /// Releases the buffer, but not sourceFile, as ImageJPEG does.
     ~ImagePNG();
 
     /// Reads a PNG file.
-    /// \param filename  must contain ".png" or ".PNG" somewhere, else it is refused silently
-    /// \return 1; -1 (not 0: textures count it as a success) when it fails: a file that cannot be
-    ///         opened gives "Can't open file %s\n", a palette or grey with alpha "Unsupported color
-    ///         type!\n", a picture too large for memory "Can't get pixels from PNG\n", a damaged
-    ///         file the library's message, all on standard error
+    ///
+    /// Fixed behavior: ImagePNG::read returns -1 after a failure, not 0, so that a caller which
+    /// only asks whether the result is 0 takes it for a success. Pinned by
+    /// ImagePNGTest.AJpegWhoseNamePassesFailsInTheLibrary,
+    /// TextureTest.AMissingPngSaysThatItWasLoaded; do not correct.
+    ///
+    /// Fixed behavior: the name of a PNG file has ".png" or ".PNG" anywhere, not only at its end;
+    /// another name is refused without a message. Pinned by ImagePNGTest.TheSuffixMayStandAnywhere,
+    /// ImagePNGTest.ANameWithoutTheSuffixIsRefusedSilently; do not correct.
+    /// \return 1; -1 after a failure. On standard error, a file that cannot be opened prints "Can't
+    ///         open file %s\n", a palette or gray with alpha "Unsupported color type!\n", an image
+    ///         too large for memory "Can't get pixels from PNG\n", a damaged file the library's
+    ///         message
     int read(const char* filename) override;
 
     /// Does nothing: PNG files are not written. \return 0

@@ -24,8 +24,8 @@ public:
         damaged   ///< it is damaged, or longer than MAX_BYTES
     };
 
-    /// The most bytes of a decoded track: what one OpenAL buffer can hold. A file of some kilobytes
-    /// can claim, and decode to, far more.
+    /// The most bytes of a decoded track: the largest OpenAL buffer. A file of a few kilobytes can
+    /// decode to far more.
     static constexpr std::size_t MAX_BYTES = 0x7fffffff;
 
     /// \param path  may be null, which is no file

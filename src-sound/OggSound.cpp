@@ -34,13 +34,13 @@ OggFile::State decode(const char* path, std::vector<char>& out, int& format, uns
             out.insert(out.end(), block.begin(), block.end());
         }
     } catch (const std::bad_alloc&) {
-        // A track that memory cannot hold ends like a damaged one.
+        // A track that does not fit into memory counts as damaged.
         return OggFile::State::damaged;
     }
     return file.state();
 }
 
-/// The bytes of whole frames in \p bytes, at most OggFile::MAX_BYTES.
+/// \p bytes, rounded down to whole frames; at most OggFile::MAX_BYTES.
 ALsizei wholeFrames(std::size_t bytes, ALenum format)
 {
     const std::size_t frameBytes = format == AL_FORMAT_MONO16 ? 2 : 4;
@@ -61,7 +61,7 @@ void OggSound::initAL(int* argc, char** argv)
 
 void OggSound::exitAL()
 {
-    // alutExit closes nothing while an error is pending, and cleanUp leaves one behind.
+    // alutExit closes nothing while an error is pending, and cleanUp causes one.
     alGetError();
     alutExit();
 }
@@ -69,7 +69,7 @@ void OggSound::exitAL()
 void OggSound::load(const char* path)
 {
     if (sourceID != 0) {
-        // The source goes first here: OpenAL keeps a buffer that a source holds.
+        // Here the source is deleted first, so that OpenAL can delete the buffer that it holds.
         alDeleteSources(1, &sourceID);
         sourceID = 0;
     }
@@ -135,7 +135,9 @@ ALint OggSound::getState()
 
 float OggSound::getPlaybackOffset()
 {
-    // The position in seconds is deliberately asked for and not used.
+    // Fixed behavior: getPlaybackOffset also asks OpenAL for the position in seconds and does not
+    // use it. Pinned by OggSoundCallsTest.ThePositionIsAskedForInSecondsTooAndDividedBySamples; do
+    // not correct.
     ALfloat seconds = 0;
     alGetSourcef(sourceID, AL_SEC_OFFSET, &seconds);
     sampleOffset = 0;

@@ -4,14 +4,14 @@
 #include <ogg/ogg.h>
 #include <vector>
 
-/// One Ogg Vorbis file, decoded whole and played by one OpenAL source.
+/// One Ogg Vorbis file, decoded as a whole and played by one OpenAL source.
 ///
-/// Nothing is streamed: load leaves the whole track in one OpenAL buffer, so playing costs no
-/// further reads and the source's position serves as a clock. Call initAL once, then per sound
-/// load, setVolume and play or loopyPlay; destroy the sounds before exitAL.
+/// Nothing is streamed: load leaves the whole track in one OpenAL buffer, so that playing reads no
+/// file and the source's position can serve as a clock. Call initAL once, then for each sound load,
+/// setVolume and play or loopyPlay; destroy the sounds before exitAL.
 ///
-/// OpenAL's error state is never looked at. Without a sound device, and before load, every
-/// operation but the decoding is without effect, getState returns 0 and the playback fraction is 0.
+/// OpenAL's error state is never checked. Without a sound device, and before load, all operations
+/// except the decoding have no effect, getState returns 0, and the playback fraction is 0.
 class OggSound {
 public:
     ALint state = 0;              ///< the source's state as getState read it last
@@ -38,44 +38,52 @@ public:
     /// Closes the device that initAL opened.
     static void exitAL();
 
-    /// Makes buffer and source, decodes the file at \p path into bufferData and hands it over to
-    /// OpenAL; source and listener are placed at the origin. The sound is stopped afterwards.
-    /// Of a track with three or more channels OpenAL gets whole stereo frames only, bufferData
-    /// keeps every byte. Loading again replaces the sound.
-    /// Ends the process as loadOGG does.
+    /// Makes buffer and source, decodes the file at \p path into bufferData and passes it to
+    /// OpenAL. Source and listener are placed at the origin. The sound does not play yet. If a
+    /// track of three or more channels does not end with a whole stereo frame, OpenAL does not get
+    /// the rest; bufferData keeps every byte. A second load replaces the sound. A file that cannot
+    /// be decoded ends the process as in loadOGG.
     void load(const char* path);
 
-    /// Decodes the file at \p path, also without OpenAL. Sets numSamples.
+    /// Decodes the file at \p path. Needs no OpenAL. Sets numSamples.
+    ///
+    /// Writes one line to standard error and ends the process with status -1 when the file cannot
+    /// be opened, is not Ogg Vorbis, or is damaged. A pipe or a device counts as a file that cannot
+    /// be opened, so that nothing waits for it. A track of more than 2 GiB, which no OpenAL buffer
+    /// can hold, counts as damaged.
+    ///
+    /// Fixed behavior: every number of channels but 1 counts as stereo. A track of three or more
+    /// channels plays as a stereo track of its interleaved samples. Pinned by
+    /// OggDecodingTest.MoreThanTwoChannelsCountAsStereoAndKeepAllBytes; do not correct.
     /// \param out     the track is appended to it: 2 bytes * channels * numSamples
-    /// \param format  set to AL_FORMAT_MONO16 for one channel, else to AL_FORMAT_STEREO16
+    /// \param format  set to AL_FORMAT_MONO16 or AL_FORMAT_STEREO16
     /// \param freq    set to the samples per second
-    /// A file that cannot be opened, that is no Ogg Vorbis, or that is damaged: writes one line to
-    /// the standard error stream and ends the process with status -1. A track of more than 2 GiB,
-    /// which no OpenAL buffer can hold, counts as damaged. A pipe or a device counts as
-    /// a file that cannot be opened, so that nothing waits for it.
     void loadOGG(const char* path, std::vector<char>& out, int& format, unsigned& freq);
 
-    /// Plays from the start, once, or without end after loopyPlay.
+    /// Plays from the start: once; after loopyPlay, again and again.
     void play();
 
-    /// Plays for ever.
+    /// Plays again and again, until stop.
     void loopyPlay();
 
-    /// \param gain  factor to the amplitude, passed on as it is, values above 1 too; what is heard
-    ///              is limited to the source's maximum, 1 unless somebody raised it
+    /// \param gain  factor of the amplitude, passed to OpenAL as it is. OpenAL limits it to the
+    ///              source's AL_MAX_GAIN, which is 1 by default
     void setVolume(float gain);
 
+    /// Stops playing.
     void stop();
 
     /// \return AL_INITIAL, AL_PLAYING or AL_STOPPED; also kept in state
     ALint getState();
 
-    /// \return the playback position as a fraction of the track: 0 before playing and after the
-    ///         end, else growing from 0 towards 1; 0 for a track without samples
+    /// \return the playback position as a fraction of the track, 0 to 1: 0 before the sound is
+    ///         played, after its end, and for a track without samples
     float getPlaybackOffset();
 
-    /// Deletes buffer and source, in this order, and forgets their names; bufferData stays.
-    /// OpenAL refuses to delete a buffer while a source holds it: that of a loaded sound lives on
-    /// in OpenAL until exitAL.
+    /// Deletes buffer and source and sets both names to 0; bufferData stays.
+    ///
+    /// Fixed behavior: OggSound::cleanUp deletes the buffer before the source. OpenAL refuses to
+    /// delete a buffer that a source holds, so that the buffer of a loaded sound stays until
+    /// exitAL. Pinned by OggSoundCallsTest.CleanUpDeletesTheBufferThenTheSource; do not correct.
     void cleanUp();
 };

@@ -19,7 +19,7 @@ namespace {
 /// The vertex attribute of the tangent: one that no fixed-function attribute shares.
 constexpr GLuint TANGENT = 6;
 
-/// The kinds of maps that units 0 to 3 take.
+/// The property whose map is bound to each texture unit.
 constexpr int UNITS = 4;
 constexpr int UNIT_KINDS[UNITS] = {0, 1, 3, 4};
 
@@ -34,19 +34,20 @@ bool uses_buffer(const obj_file& f)
     return f.vbo != 0 && glBindBufferARB != nullptr;
 }
 
-/// Where a part of the first vertex lies for GL: in the bound buffer, or in client memory.
+/// The pointer that GL takes for a part of the first vertex: an offset into the bound buffer, or an
+/// address in client memory.
 const GLvoid* location(const obj_file& f, std::size_t offset)
 {
     const std::uintptr_t base = uses_buffer(f) ? 0 : reinterpret_cast<std::uintptr_t>(f.vv);
     return reinterpret_cast<const GLvoid*>(base + offset);
 }
 
-/// Draws triangles or lines, all in one call if their vertices are there.
+/// Draws triangles or lines, except those with an index out of range, in as few calls as possible.
 template<typename Primitive>
 void draw_elements(GLenum mode, const Primitive* array, int count, int vertices)
 {
     constexpr int SIZE = sizeof(Primitive) / sizeof(GLuint);
-    constexpr int MOST = INT_MAX / SIZE; // whose vertices one call can count
+    constexpr int MOST = INT_MAX / SIZE; // per call: GL counts their vertices in an int
     int first = 0;
     while (first < count) {
         int last = first;
@@ -60,8 +61,8 @@ void draw_elements(GLenum mode, const Primitive* array, int count, int vertices)
     }
 }
 
-/// Keeps what drawing a material changes outside the attribute groups: the matrix mode, and the
-/// texture matrices of the units that take maps.
+/// Saves and restores what drawing a material changes outside the attribute groups: the matrix mode
+/// and the texture matrices of the units that maps are bound to.
 class TextureMatrices {
 public:
     TextureMatrices()
@@ -144,8 +145,8 @@ void obj_init_gl()
                                   glBufferDataARB != nullptr && glDeleteBuffersARB != nullptr &&
                                   glGetBufferParameterivARB != nullptr;
     GL_has_multitexture = gl_ext("GL_ARB_multitexture") && glActiveTextureARB != nullptr;
-    // Without a context the GL answers nothing, and before glewInit there are no entry points: both
-    // may come later, so the question stays open.
+    // Without a context GL returns nothing, and before glewInit there are no entry points. Both may
+    // come later: the next call queries again.
     GL_is_initialized = glGetString(GL_VERSION) != nullptr && GLEW_VERSION_1_1;
 }
 
@@ -165,7 +166,7 @@ void obj_init_file(int fi)
     glBufferDataARB(GL_ARRAY_BUFFER_ARB, wanted, f.vv, GL_STATIC_DRAW_ARB);
     glGetBufferParameterivARB(GL_ARRAY_BUFFER_ARB, GL_BUFFER_SIZE_ARB, &size);
     glBindBufferARB(GL_ARRAY_BUFFER_ARB, static_cast<GLuint>(bound));
-    if (size != wanted) { // out of memory: the buffer would be drawn from beyond its end
+    if (size != wanted) { // out of memory: drawing would read beyond the end of the buffer
         glDeleteBuffersARB(1, &f.vbo);
         f.vbo = 0;
     }
@@ -217,7 +218,7 @@ void obj_draw_mtrl(int fi, int mi)
     const obj_mtrl& m = *mtrl(fi, mi);
     obj_init_gl();
     if (GL_has_multitexture) {
-        // Downwards, so that unit 0 is active in the end when it has a map.
+        // Unit 0 last, so that it is the active one if it has a map.
         for (int unit = UNITS - 1; unit >= 0; --unit) {
             const int ki = UNIT_KINDS[unit];
             if (GL_max_texture_image_units > unit && m.kv[ki].map != 0) {
@@ -232,7 +233,7 @@ void obj_draw_mtrl(int fi, int mi)
     glMaterialfv(GL_FRONT_AND_BACK, GL_AMBIENT, m.kv[1].c);
     glMaterialfv(GL_FRONT_AND_BACK, GL_EMISSION, m.kv[2].c);
     glMaterialfv(GL_FRONT_AND_BACK, GL_SPECULAR, m.kv[3].c);
-    // Material libraries go up to 1000, and may hold NaN, which GL would take without an error.
+    // Material libraries have values up to 1000, and may have NaN, which GL accepts without error.
     const float shininess = m.kv[4].c[0];
     glMaterialf(GL_FRONT_AND_BACK, GL_SHININESS, shininess > 0 ? std::min(shininess, 128.0f) : 0);
 }
@@ -276,7 +277,7 @@ void obj_draw_axes(int fi, float k)
     const obj_file& f = *file(fi);
     obj_init_gl();
     obj_init_file(fi);
-    // The material follows the colour while it is tracked, so it is kept as well.
+    // Color tracking changes the material, so the lighting group is saved too.
     glPushAttrib(GL_CURRENT_BIT | GL_ENABLE_BIT | GL_LIGHTING_BIT);
     glEnable(GL_COLOR_MATERIAL);
     glDisable(GL_LIGHTING);

@@ -12,11 +12,11 @@
 
 namespace {
 
-/// A picture in memory: 8 bits per component, rows bottom-up.
-struct Picture {
+/// An image in memory: 8 bits per component, rows bottom-up.
+struct Image {
     int width = 0;
     int height = 0;
-    int components = 0; ///< 0: indices into a palette, which no texture is made of
+    int components = 0; ///< 0: indices into a palette, of which no texture is made
     std::unique_ptr<unsigned char[]> pixels;
 };
 
@@ -45,21 +45,21 @@ std::unique_ptr<unsigned char[]> allocate(const ImageFrame& frame)
         bytes < ImageFile::MAX_BYTES ? new (std::nothrow) unsigned char[bytes] : nullptr);
 }
 
-bool read_picture(std::FILE* file, IMAGE_TYPE type, Picture& picture)
+bool decode_image(std::FILE* file, IMAGE_TYPE type, Image& image)
 {
-    // What is wrong with a PNG is not said, nor is anything wrong behind its pixels.
+    // Of a PNG, errors are not reported, and what follows the pixels is not checked.
     const DecoderOptions options = {.saysWhatIsWrong = type != IMAGE_PNG, .readsTrailer = false};
     const auto decoder = newImageDecoder(type, options);
     if (decoder == nullptr || !decoder->readHeader(file)) {
         return false;
     }
     const ImageFrame& frame = decoder->frame();
-    picture.width = static_cast<int>(frame.width);
-    picture.height = static_cast<int>(frame.height);
-    picture.components = frame.hasPalette ? 0 : static_cast<int>(frame.channels);
+    image.width = static_cast<int>(frame.width);
+    image.height = static_cast<int>(frame.height);
+    image.components = frame.hasPalette ? 0 : static_cast<int>(frame.channels);
     // Before the decoder starts, which may take as much memory again.
-    picture.pixels = allocate(frame);
-    return picture.pixels != nullptr && decoder->start() && decoder->readRows(picture.pixels.get());
+    image.pixels = allocate(frame);
+    return image.pixels != nullptr && decoder->start() && decoder->readRows(image.pixels.get());
 }
 
 /// 0 leaves the texture without an image.
@@ -79,9 +79,9 @@ GLenum format_of(int components)
     }
 }
 
-GLuint make_texture(const Picture& picture)
+GLuint make_texture(const Image& image)
 {
-    const GLenum format = format_of(picture.components);
+    const GLenum format = format_of(image.components);
     GLuint texture = 0;
     glGenTextures(1, &texture);
     glBindTexture(GL_TEXTURE_2D, texture);
@@ -91,8 +91,8 @@ GLuint make_texture(const Picture& picture)
     glPixelStorei(GL_UNPACK_SKIP_ROWS, 0);
     glPixelStorei(GL_UNPACK_SKIP_PIXELS, 0);
     glPixelStorei(GL_UNPACK_ALIGNMENT, 1); // rows are not padded
-    gluBuild2DMipmaps(GL_TEXTURE_2D, static_cast<GLint>(format), picture.width, picture.height,
-                      format, GL_UNSIGNED_BYTE, picture.pixels.get());
+    gluBuild2DMipmaps(GL_TEXTURE_2D, static_cast<GLint>(format), image.width, image.height, format,
+                      GL_UNSIGNED_BYTE, image.pixels.get());
     glPopClientAttrib();
 
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
@@ -111,12 +111,12 @@ GLuint read_img(const char* path)
         return 0;
     }
     const Files::Handle file = Files::openRegular(path);
-    Picture picture;
-    if (file == nullptr || !read_picture(file.get(), *kind, picture)) {
+    Image image;
+    if (file == nullptr || !decode_image(file.get(), *kind, image)) {
         return 0;
     }
     obj_init_gl();
-    return make_texture(picture);
+    return make_texture(image);
 }
 
 } // namespace obj

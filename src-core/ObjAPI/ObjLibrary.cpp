@@ -25,7 +25,7 @@ bool take_clamp(const char*& text, bool& clamp)
     return true;
 }
 
-/// Takes an option with one to three numbers; those that are not there stay as they are.
+/// Takes an option with one to three numbers; the values of missing numbers are unchanged.
 bool take_vector(const char*& text, std::string_view option, float* v)
 {
     const char* p = text;
@@ -36,7 +36,7 @@ bool take_vector(const char*& text, std::string_view option, float* v)
     return true;
 }
 
-/// Reads the options of a map. The last word that is none of them is the name of the picture.
+/// Reads the options of a map. The last word that is not an option is the name of the image file.
 Map read_image(const char* text)
 {
     Map map;
@@ -47,7 +47,7 @@ Map read_image(const char* text)
         }
         const std::string_view word = take_word(text);
         if (word.empty()) {
-            break; // blanks before the end of the line
+            break; // white space before the end of the line
         }
         map.name = word;
     }

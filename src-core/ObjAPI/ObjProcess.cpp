@@ -48,7 +48,7 @@ void for_each_triangle(obj_file& f, Visit visit)
     }
 }
 
-/// How many elements of which rank have been counted: a binary indexed tree.
+/// Counts elements by rank: a binary indexed tree.
 class RankCounter {
 public:
     explicit RankCounter(std::size_t ranks) : tree_(ranks + 1) {}
@@ -74,22 +74,23 @@ private:
     std::vector<std::size_t> tree_;
 };
 
-/// Elements with the same key, in order: a ring in which each is linked to the next.
+/// Elements with equal keys, in order: a ring in which each is linked to the next.
 struct Run {
     std::size_t last = 0;   ///< the last element; its next is the first
     std::size_t size = 0;   ///< number of elements
-    std::size_t passed = 0; ///< number of larger keys that have passed by
+    std::size_t passed = 0; ///< number of larger keys that have passed the run
 };
 
-/// The order in which the keys are left when, for each i and each j > i, both ascending, elements i
-/// and j change places if key j is larger than key i. That sort is not stable, and the drawing
-/// order of translucent surfaces depends on what it makes of equal keys. It takes quadratic time;
-/// this is how it comes out.
+/// Computes the permutation that an exchange sort (for each i, for each j > i: swap elements i and
+/// j if key[j] > key[i]) leaves, in O(n log n) instead of O(n^2). That sort is not stable, and the
+/// drawing order of surfaces with equal alpha is defined by it. The tests compare this function
+/// with the quadratic form.
 ///
-/// Look at one element after the other, from the first on. The larger ones before it stay in front
-/// of it. It comes to stand behind its equals; and in each run of smaller equals, the first, which
-/// it meets first, is carried to the end of the run, since equals do not change places. With NaN
-/// nothing compares as larger: such an element keeps its place and lets the others pass.
+/// Idea: insert the elements one after the other. The elements with one key form a run, kept as a
+/// ring. A new element goes to the end of its run. It passes every run of smaller keys, and each
+/// pass rotates that run by one: the sort swaps the new element with the first element of the run,
+/// which thereby moves to the end. Rotations are counted and done later. NaN compares as neither
+/// larger nor smaller: such an element keeps its place, and the others pass it.
 std::vector<std::size_t> exchange_order(const std::vector<float>& keys)
 {
     std::vector<float> ranks;
@@ -166,7 +167,7 @@ void drop_unused_materials(obj_file& f)
             used[static_cast<std::size_t>(f.sv[si].mi)] = true;
         }
     }
-    std::vector<int> dropped(count + 1); // how many of the materials before this one
+    std::vector<int> dropped(count + 1); // the number of unused materials before each one
     for (std::size_t i = 0; i < count; ++i) {
         dropped[i + 1] = dropped[i] + !used[i];
     }
@@ -226,7 +227,7 @@ void obj_mini_file(int fi)
     try {
         drop_unused_materials(f);
     } catch (const std::bad_alloc&) {
-        // They stay, which changes nothing in the picture.
+        // They stay, which changes nothing that is drawn.
     }
 }
 
@@ -253,7 +254,7 @@ void obj_proc_file(int fi)
     try {
         order_surfaces(f);
     } catch (const std::bad_alloc&) {
-        // They stay in their order.
+        // The surfaces keep their order.
     }
 }
 
@@ -262,7 +263,7 @@ void obj_norm_file(int fi)
     for_each_triangle(*file(fi), [](obj_vert& a, obj_vert& b, obj_vert& c) {
         float n[3];
         normal(n, a.v, b.v, c.v);
-        n[2] = n[0]; // deliberate, see the header
+        n[2] = n[0]; // see obj_norm_file
         add(a.n, n);
         add(b.n, n);
         add(c.n, n);

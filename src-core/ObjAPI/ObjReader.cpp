@@ -16,10 +16,10 @@ namespace obj {
 
 namespace {
 
-/// Paths are joined in buffers of this size; what does not fit cannot be opened.
+/// A path with this many characters or more cannot be opened.
 constexpr std::size_t PATH_BYTES = 1024;
 
-// ---- The tables of the model being read; they grow and are kept for the next one ----------------
+// ---- The tables of the model being read; their memory is kept for the next model ----------------
 
 struct vec2 {
     float v[2];
@@ -109,17 +109,18 @@ void read_vn(const char* text)
 
 // ---- Faces and lines ----------------------------------------------------------------------------
 
-/// From one-based, or negative and counted from the end of the table, to zero-based.
+/// Converts an index that is one-based, or negative and counted from the end of the table, to a
+/// zero-based one. 0 becomes -1: absent.
 int to_index(int number, int count)
 {
     return number < 0 ? number + count : number - 1;
 }
 
-/// Takes a corner of a face: v/t/n, v/t, v//n or v; what else its word holds is passed over.
-/// \return false at the end of the line or when the word is no corner, which ends the face
+/// Takes a corner of a face: v/t/n, v/t, v//n or v. The rest of its word is skipped.
+/// \return false at the end of the line, and when the word is not a corner, which ends the face
 bool read_poly_indices(const char*& text, iset& corner)
 {
-    const char* p = skip_blanks(text);
+    const char* p = skip_space(text);
     int v = 0;
     int t = 0;
     int n = 0;
@@ -142,10 +143,10 @@ bool read_poly_indices(const char*& text, iset& corner)
     return true;
 }
 
-/// Takes a corner of a line: v/t or v.
+/// Takes a corner of a line: v/t or v, without normal and group.
 bool read_line_indices(const char*& text, iset& corner)
 {
-    const char* p = skip_blanks(text);
+    const char* p = skip_space(text);
     int v = 0;
     int t = 0;
     if (!take_int(p, v)) {
@@ -162,7 +163,7 @@ bool read_line_indices(const char*& text, iset& corner)
     return true;
 }
 
-/// Adds the store vertex of a corner that is met for the first time.
+/// Adds a store vertex for a corner.
 int add_vertex(int fi, const iset& corner)
 {
     const int vi = obj_add_vert(fi);
@@ -198,9 +199,10 @@ bool same_in_line(const iset& a, const iset& b)
 /// chain and is linked to the corner that was found. A corner whose position is out of range has no
 /// chain.
 ///
-/// Fixed behavior: the corners in front of the one that was found drop out of the chain, or the
-/// whole chain if none was found; a later corner that is equal to one of these gets a vertex of its
-/// own. Pinned by ObjReaderTest.ACornerAfterAnotherOfItsPositionIsANewVertexAgain; do not correct.
+/// Fixed behavior: when a model's corner is looked up, the corners of its position that are
+/// searched before the equal one, or all if there is none, are not searched again. A later corner
+/// that is equal to one of these gets a store vertex of its own. Pinned by
+/// ObjReaderTest.ACornerAfterAnotherOfItsPositionIsANewVertexAgain; do not correct.
 /// \return false, and nothing has changed, when memory runs out
 template<typename Same>
 bool resolve(int fi, iset& corner, Same same)
@@ -235,11 +237,11 @@ bool resolve(int fi, iset& corner, Same same)
     return true;
 }
 
-/// The corners of one line of text: each takes two characters of it at least.
+/// The corners of one line of text. Each takes at least two characters.
 using Corners = std::array<iset, (LineReader::LONGEST + 1) / 2>;
 
 /// Reads the corners of a face.
-/// \return how many
+/// \return their number
 int read_poly_vertices(const char* text, int fi, int gi, Corners& corners)
 {
     int count = 0;
@@ -254,7 +256,7 @@ int read_poly_vertices(const char* text, int fi, int gi, Corners& corners)
 }
 
 /// Reads the corners of a polyline.
-/// \return how many
+/// \return their number
 int read_line_vertices(const char* text, int fi, Corners& corners)
 {
     int count = 0;
@@ -271,9 +273,9 @@ int read_line_vertices(const char* text, int fi, Corners& corners)
 /// has no normal. Indices that are out of range are passed over; without the positions of the first
 /// three corners there is no normal.
 ///
-/// Fixed behavior: the normal is added to the store vertices whose indices are the *position*
-/// indices of the corners, not to the corners' own vertices, and only the first corner tells
-/// whether the face has normals. Pinned by
+/// Fixed behavior: the normal of a face is added to the store vertices whose indices are the
+/// *position* indices of the corners, not to the corners' own vertices, and only the first corner
+/// tells whether the face has normals. Pinned by
 /// ObjReaderTest.TheFaceNormalGoesToTheVerticesWithTheNumbersOfThePositions,
 /// ObjReaderTest.OnlyTheFirstCornerTellsWhetherAFaceHasNormals; do not correct.
 void smooth(int fi, const iset* corners, int n)
@@ -295,7 +297,7 @@ void smooth(int fi, const iset* corners, int n)
     }
 }
 
-/// A face becomes a fan of triangles around its first corner.
+/// Reads a face, as a fan of triangles around its first corner.
 void read_f(const char* text, int fi, int si, int gi)
 {
     Corners room;
@@ -327,7 +329,7 @@ void read_l(const char* text, int fi, int si)
 
 // ---- Materials ----------------------------------------------------------------------------------
 
-/// \return the path of a file in a directory; empty, which cannot be opened, when it is too long
+/// \return the path of a file in a directory; empty, which cannot be opened, if it is too long
 std::string join(const std::string& directory, std::string_view name)
 {
     if (directory.size() + 1 + name.size() >= PATH_BYTES) {
@@ -336,9 +338,9 @@ std::string join(const std::string& directory, std::string_view name)
     return directory + '/' + std::string(name);
 }
 
-/// The model's directory and the libraries in it that were used so far. Each is looked up once for
-/// a name and read once, however many names a model has for it ("m.mtl", "./m.mtl", a link): the
-/// time and memory that a model takes stay in proportion to the files there are.
+/// The model's directory and the libraries in it that were used so far. A name is looked up once. A
+/// file is read once, even if the model uses several names for it ("m.mtl", "./m.mtl", a link): the
+/// time and memory for a model are in proportion to the size of its files.
 class Libraries {
 public:
     explicit Libraries(std::string directory) : directory_(std::move(directory)) {}
@@ -370,12 +372,12 @@ private:
 
     std::string directory_;
     std::map<std::string, const Library*> named_;
-    std::map<std::pair<dev_t, ino_t>, Library> libraries_; ///< by their files
-    const Library none_;                                   ///< of a file that is not there
+    std::map<std::pair<dev_t, ino_t>, Library> libraries_; ///< by device and inode
+    const Library none_;                                   ///< for a missing file
 };
 
-/// Gives a new material the name and properties of one in the library; if it is not there, the
-/// material stays as it is. An empty name is no material.
+/// Copies the name and properties of a material in the library to a new material. A name that is
+/// empty or not in the library changes nothing.
 void read_mtl(Libraries& libraries, const std::string& library, const std::string& name, int fi,
               int mi)
 {
@@ -397,7 +399,7 @@ void read_mtl(Libraries& libraries, const std::string& library, const std::strin
     }
 }
 
-/// Adds a material and a surface for it, new ones even for a name that was used before.
+/// Adds a material and a surface for it, also for a name that was used before.
 /// \return the surface; surface 0 when memory runs out
 int usemtl(Libraries& libraries, const std::string& library, const char* text, int fi)
 {
@@ -444,8 +446,8 @@ void read_lines(int fi, LineReader& reader, Libraries& libraries)
         } else if (word == "usemtl") {
             si = usemtl(libraries, library, text, fi);
         } else if (word == "s") {
-            gi = 0; // what is no number ("off") is group 0
-            text = skip_blanks(text);
+            gi = 0; // also for "off", which is not a number
+            text = skip_space(text);
             take_int(text, gi);
         }
     }
@@ -463,7 +465,7 @@ void read_obj(int fi, const char* filename)
     if (!reader.is_open()) {
         return;
     }
-    // For what comes before the first usemtl; obj_mini_file takes it away when nothing does.
+    // For faces and lines before the first usemtl. Without any, obj_mini_file deletes both.
     const int mi = obj_add_mtrl(fi);
     const int si = obj_add_surf(fi);
     if (si >= 0) {
@@ -473,7 +475,7 @@ void read_obj(int fi, const char* filename)
         Libraries libraries(directory_of(filename));
         read_lines(fi, reader, libraries);
     } catch (const std::bad_alloc&) {
-        // What was read so far is the model.
+        // The model has what was read so far.
     }
 }
 

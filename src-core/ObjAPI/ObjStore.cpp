@@ -20,7 +20,7 @@ namespace {
 // The store.
 obj_file* fv = nullptr; ///< files
 int fc = 0;             ///< number of files
-int fm = 0;             ///< room for
+int fm = 0;             ///< capacity
 
 [[noreturn]] void fail(const char* source, unsigned line, const char* condition)
 {
@@ -53,7 +53,7 @@ void delete_texture(obj_prop& p)
     }
 }
 
-/// Deletes the vertex buffer: what is in it is no longer what is in the store.
+/// Deletes the vertex buffer, which no longer equals the vertices in the store.
 void invalidate(obj_file& f)
 {
     if (f.vbo != 0) {
@@ -78,7 +78,7 @@ void release(obj_file& f)
     std::free(f.sv);
 }
 
-/// Takes vertex \p vi out of a list of triangles or lines.
+/// Removes the triangles or lines that use vertex \p vi and decrements the higher indices.
 template<typename Primitive>
 void drop_vertex(Primitive* array, int& count, int vi)
 {
@@ -146,7 +146,7 @@ void release(obj_mtrl& m)
 {
     for (int ki = 0; ki < 5; ++ki) {
         std::free(m.kv[ki].str);
-        if (ki < 4) { // the texture of property 4 lives on, see obj_del_mtrl
+        if (ki < 4) { // the texture of property 4 is not deleted, see obj_del_mtrl
             delete_texture(m.kv[ki]);
         }
     }
@@ -205,7 +205,7 @@ int obj_add_vert(int fi)
     const int vi = grow(f->vv, f->vc, f->vm);
     if (vi >= 0) {
         f->vv[vi] = {};
-        invalidate(*f); // it is one vertex short now
+        invalidate(*f); // it lacks the new vertex
     }
     return vi;
 }

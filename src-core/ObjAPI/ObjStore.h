@@ -16,7 +16,7 @@ struct obj_prop {
     char* str;  ///< owns: the map's name; null = none
     int opt;    ///< map options; bit 0 = clamp to the edge
     GLuint map; ///< owns: the map's texture; 0 = none
-    float c[4]; ///< colour and alpha; of property 4, c[0] is the shininess exponent
+    float c[4]; ///< color and alpha; of property 4, c[0] is the shininess exponent
     float o[3]; ///< map offset
     float s[3]; ///< map scale
 };
@@ -26,7 +26,7 @@ struct obj_mtrl {
     obj_prop kv[5]; ///< diffuse, ambient, emissive, specular, shininess
 };
 
-/// The colours of a new material.
+/// The colors of a new material.
 inline constexpr float DEFAULT_COLORS[5][4] = {
     {0.8f, 0.8f, 0.8f, 1}, {0.2f, 0.2f, 0.2f, 1}, {0, 0, 0, 1}, {0, 0, 0, 1}, {8, 0, 0, 0}};
 
@@ -43,34 +43,34 @@ static_assert(offsetof(obj_vert, t) == 24 && offsetof(obj_vert, v) == 32);
 
 /// A triangle.
 struct obj_poly {
-    int vi[3]; ///< vertices, counter-clockwise; perhaps not there
+    int vi[3]; ///< vertices, counter-clockwise; may be out of range
 };
 
 struct obj_line {
-    int vi[2]; ///< vertices; perhaps not there
+    int vi[2]; ///< vertices; may be out of range
 };
 // The index arrays go to GL as they stand.
 static_assert(sizeof(obj_poly) == 3 * sizeof(GLuint) && sizeof(obj_line) == 2 * sizeof(GLuint));
 
 struct obj_surf {
-    int mi;       ///< material; perhaps not there
-    int pc, pm;   ///< number of triangles, room for
-    int lc, lm;   ///< number of lines, room for
+    int mi;       ///< material; may be out of range
+    int pc, pm;   ///< number of triangles, capacity
+    int lc, lm;   ///< number of lines, capacity
     obj_poly* pv; ///< owns
     obj_line* lv; ///< owns
 };
 
 struct obj_file {
     GLuint vbo;   ///< owns: a vertex buffer that holds vv; 0 = none
-    int mc, mm;   ///< number of materials, room for
-    int vc, vm;   ///< number of vertices, room for
-    int sc, sm;   ///< number of surfaces, room for
+    int mc, mm;   ///< number of materials, capacity
+    int vc, vm;   ///< number of vertices, capacity
+    int sc, sm;   ///< number of surfaces, capacity
     obj_mtrl* mv; ///< owns
     obj_vert* vv; ///< owns
     obj_surf* sv; ///< owns
 };
 
-// What the GL can do, filled by obj_init_gl.
+// Capabilities of the GL context, set by obj_init_gl.
 extern bool GL_is_initialized;
 extern int GL_max_texture_image_units;
 extern bool GL_has_vertex_buffer_object;
@@ -88,7 +88,7 @@ obj_surf* surf(int fi, int si);
 obj_poly* poly(int fi, int si, int pi);
 obj_line* line(int fi, int si, int li);
 
-/// True when all vertices of a triangle or line are in a table of \p vertices.
+/// True when all indices of a triangle or line are below \p vertices.
 template<typename Primitive>
 bool in_range(const Primitive& primitive, int vertices)
 {
@@ -102,7 +102,7 @@ bool in_range(const Primitive& primitive, int vertices)
 
 // ---- Arrays -------------------------------------------------------------------------------------
 
-/// Makes room for one more element: a full array is moved to one of twice its capacity, at least 2.
+/// Adds an element to an array. A full array is reallocated with twice its capacity, at least 2.
 /// \return the index of the new element, whose memory is not cleared; -1, and nothing has changed,
 ///         when memory runs out
 template<typename T>
@@ -126,7 +126,7 @@ int grow(T*& array, int& count, int& capacity)
     return count++;
 }
 
-/// Takes out, in order, the elements for which \p drop is true; it is called once for each.
+/// Removes the elements for which \p drop is true. It is called once for each, in order.
 template<typename T, typename Drop>
 void drop_if(T* array, int& count, Drop drop)
 {
@@ -156,23 +156,25 @@ void normal(float* out, const float* a, const float* b, const float* c);
 
 // ---- Reading ------------------------------------------------------------------------------------
 
-/// Fills the empty file \p fi from an OBJ file; one that cannot be opened leaves it empty.
+/// Reads an OBJ file into the empty file \p fi, which stays empty when it cannot be opened.
 void read_obj(int fi, const char* filename);
 
-/// Makes a texture with all its mipmap levels from a picture.
-/// \param path  may be null; the kind of picture is told by the last four characters
-/// \return the texture, now bound; 0 when the picture cannot be read or no GL context is current
+/// Makes a texture with all its mipmap levels from an image file.
+/// \param path  may be null; the last four characters tell the kind of file
+/// \return the texture, now bound; 0 when the file cannot be read or no GL context is current
 GLuint read_img(const char* path);
 
-/// Gives a property the texture of the picture at \p path (null = none) and the map name \p name
-/// (null = none); deletes its texture first.
+/// Deletes a property's texture, and sets its texture to that of the image file at \p path (null =
+/// none) and the name of its map to a copy of \p name (null = none).
 void set_map(obj_prop* p, const char* name, const char* path);
 
 // ---- Drawing ------------------------------------------------------------------------------------
 
-/// True when a blank-separated list of extensions holds \p needle. After a mismatch the search goes
-/// on behind the point of mismatch, not behind the start of the attempt: deliberate, the answer for
-/// a needle that overlaps itself depends on it.
+/// True when a list of extensions, separated by spaces, has \p needle.
+///
+/// Fixed behavior: after a partial match the search for an extension continues after the mismatch,
+/// not after the start of the match, so that a name which begins with a repeated prefix can be
+/// missed. Pinned by ObjExtensionTest.TheSearchGoesOnBehindAMismatch; do not correct.
 /// \param extensions  null counts as empty
 bool extension_in(const char* extensions, const char* needle);
 

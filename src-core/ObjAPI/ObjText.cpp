@@ -10,11 +10,11 @@
 
 namespace {
 
-using obj::skip_blanks;
+using obj::skip_space;
 using obj::take_digits;
 using obj::take_int;
 
-/// One "%f", by the library itself.
+/// "%f", by the C library.
 bool take_odd_float(const char*& text, float& value)
 {
     const obj::PlainNumbers plain;
@@ -30,16 +30,16 @@ bool take_odd_float(const char*& text, float& value)
 constexpr double POWERS[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
                              1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 
-/// value = mantissa * 10^exponent, rounded once, for numbers of a usual length.
-/// \param digits  how many digits have gone into the mantissa
-/// \return false, and nothing is written, for others
+/// value = mantissa * 10^exponent, rounded once, for numbers of not too many digits.
+/// \param digits  the number of digits in the mantissa
+/// \return false, and nothing is written, for other numbers
 bool round_to_float(std::uint64_t mantissa, std::ptrdiff_t digits, std::ptrdiff_t exponent,
                     float& value)
 {
-    // Up to 2^53 an integer is exact in double, and so are powers of ten up to the 22nd: their
-    // product or quotient is rounded once (Clinger, "How to Read Floating Point Numbers
-    // Accurately", 1990). To round it again, to single precision, gives another result than to
-    // round once only if it lies half-way between two floats.
+    // Integers up to 2^53 and powers of ten up to the 22nd are exact in double: their product or
+    // quotient is rounded once (Clinger, "How to Read Floating Point Numbers Accurately", 1990).
+    // Rounding that to single precision is a second rounding. It can only differ from rounding once
+    // if the double is a tie between two floats.
     constexpr std::ptrdiff_t MOST_DIGITS = 19; // no more fit the mantissa
     if (digits > MOST_DIGITS || mantissa > std::uint64_t{1} << 53 || exponent < -22 ||
         exponent > 22) {
@@ -55,11 +55,11 @@ bool round_to_float(std::uint64_t mantissa, std::ptrdiff_t digits, std::ptrdiff_
     return true;
 }
 
-/// One "%f". Decimal numbers are read here, to the same bits; the library reads what is odd:
-/// hexadecimal numbers, infinities, results out of range, and what only begins like a number.
+/// "%f". Decimal numbers are read here, to the same bits. The C library reads the rest: hexadecimal
+/// numbers, infinities, results out of range, and text that only begins like a number.
 bool take_float(const char*& text, float& value)
 {
-    const char* p = skip_blanks(text);
+    const char* p = skip_space(text);
     if (*p == '\0') {
         return false;
     }
@@ -156,7 +156,7 @@ const char* LineReader::next()
 
 std::string_view take_word(const char*& text)
 {
-    const char* const word = skip_blanks(text);
+    const char* const word = skip_space(text);
     const char* const end = skip_word(word);
     if (end != word) {
         text = end;
@@ -175,13 +175,13 @@ int take_floats(const char*& text, float* values, int count)
 
 bool take_option(const char*& text, std::string_view option)
 {
-    const char* p = skip_blanks(text);
+    const char* p = skip_space(text);
     for (const char c : option) {
         if (*p++ != c) {
             return false;
         }
     }
-    text = skip_blanks(p);
+    text = skip_space(p);
     return true;
 }
 

@@ -3,10 +3,9 @@
 /// Reading OBJ and MTL text: files by lines, lines by words and numbers. Private to the OBJ
 /// library.
 ///
-/// Models are read with the meaning of formatted input (sscanf), since that decides what odd lines
-/// of models in the field mean; only the way there is faster. A text is NUL-terminated, blanks are
-/// those of the C locale, and a function that takes something from the front of a text moves the
-/// pointer behind it.
+/// Words and numbers are read as formatted input (sscanf) reads them, but faster; the tests compare
+/// both. A text is NUL-terminated, white space is that of the C locale, and a function that takes
+/// something from the front of a text moves the pointer behind it.
 
 #include "OpenFile.h"
 #include "TextWords.h"
@@ -22,8 +21,8 @@
 
 namespace obj {
 
-/// The lines of a file. A line ends at its newline or after 1023 characters; what is left of a
-/// longer one is the next line.
+/// The lines of a file. A line ends at its newline or after 1023 characters; the rest of a longer
+/// line is a further line.
 class LineReader {
 public:
     static constexpr std::size_t LONGEST = 1023; ///< characters in a line
@@ -43,13 +42,13 @@ private:
 
     Files::Handle file_;
     std::array<char, 65536> buffer_;
-    char* begin_ = buffer_.data(); ///< what has not been handed out yet
-    char* end_ = begin_;           ///< at most the last place of the buffer, to have one for a NUL
-    char first_ = '\0';            ///< what the NUL of a line that was cut has replaced
-    bool cut_ = false;
+    char* begin_ = buffer_.data(); ///< start of the text that next has not returned yet
+    char* end_ = begin_;           ///< its end, before buffer_.back(): the terminator needs a byte
+    char first_ = '\0';            ///< character overwritten by the terminator of a cut line
+    bool cut_ = false;             ///< the last line was cut at LONGEST
 };
 
-inline const char* skip_blanks(const char* text)
+inline const char* skip_space(const char* text)
 {
     while (Files::isSpace(*text)) {
         ++text;
@@ -65,12 +64,12 @@ inline const char* skip_word(const char* text)
     return text;
 }
 
-/// "%s": skips blanks and takes the word behind them; an empty one, and nothing is taken, when only
-/// blanks are left.
+/// "%s": skips white space and takes the word after it.
+/// \return empty, and nothing is taken, when there is only white space left
 std::string_view take_word(const char*& text);
 
-/// "%f %f ...": takes numbers, as many as are there, at most \p count.
-/// \return how many; the values behind them are left as they are
+/// "%f %f ...": takes at most \p count numbers.
+/// \return how many were taken; the other values are unchanged
 int take_floats(const char*& text, float* values, int count);
 
 constexpr bool is_digit(char c)
@@ -88,8 +87,8 @@ inline void take_digits(const char*& text, std::uint64_t& number)
     text = p;
 }
 
-/// "%d" where a number begins at once, without skipping blanks. A number out of range becomes the
-/// nearest int. \return false, and nothing is taken, when there is no number
+/// "%d" without white space before the number. A number out of range becomes the nearest int.
+/// \return false, and nothing is taken, when there is no number
 inline bool take_int(const char*& text, int& value)
 {
     const char* p = text;
@@ -106,7 +105,7 @@ inline bool take_int(const char*& text, int& value)
     take_digits(p, magnitude);
     constexpr std::ptrdiff_t ALWAYS_FIT = 9; // digits
     if (p - first > ALWAYS_FIT) {
-        constexpr std::ptrdiff_t MOST_DIGITS = 19; // with more, the sum has wrapped around
+        constexpr std::ptrdiff_t MOST_DIGITS = 19; // with more, the magnitude has wrapped around
         const std::uint64_t limit = std::uint64_t{INT_MAX} + (negative ? 1 : 0);
         magnitude = p - first > MOST_DIGITS ? limit : std::min(magnitude, limit);
     }
@@ -116,11 +115,12 @@ inline bool take_int(const char*& text, int& value)
     return true;
 }
 
-/// " -option ": skips blanks, takes the option, skips blanks. The option may run into what follows.
+/// " -option ": takes the option and the white space around it. No white space is needed after it.
 /// \return false, and nothing is taken, when there is something else
 bool take_option(const char*& text, std::string_view option);
 
-/// While it lives, numbers are read and written with a point, whatever the locale of the program.
+/// While it lives, numbers are read and written with a decimal point, whatever the program's
+/// locale.
 class PlainNumbers {
 public:
     PlainNumbers() : old_(uselocale(newlocale(LC_ALL_MASK, "C", nullptr))) {}

@@ -10,7 +10,7 @@ using obj::file;
 
 namespace {
 
-/// What "%f" and its kind take.
+/// What "%f" takes.
 double wide(float value)
 {
     return static_cast<double>(value);
@@ -25,7 +25,7 @@ void write_vector(std::FILE* out, const char* word, const float* v, int size)
     std::fprintf(out, "\n");
 }
 
-/// A line of corners, each the one-based number of its vertex three times.
+/// Writes a line of corners, each with the one-based index of its vertex three times.
 template<typename Primitive>
 void write_corners(std::FILE* out, const char* word, const Primitive& primitive)
 {
@@ -108,7 +108,7 @@ void write_mtl(const obj_file& f, const char* path)
         write_vector(out.get(), "d ", &m.kv[0].c[3], 1);
         write_map(out.get(), "Kd", m.kv[0]);
         write_map(out.get(), "Ka", m.kv[1]);
-        write_map(out.get(), "Ke", m.kv[1]); // the ambient map again: deliberate, see the header
+        write_map(out.get(), "Ke", m.kv[1]); // the ambient map again, see obj_write_file
         write_map(out.get(), "Ks", m.kv[3]);
         write_map(out.get(), "Ns", m.kv[4]);
     }
