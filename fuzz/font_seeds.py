@@ -1,8 +1,9 @@
 """Makes the seeds of the target font: one small font of each kind that FreeType reads.
 
-Usage: font_seeds.py FOLDER
+Usage: font_seeds.py FOLDER [--check]
 
-Writes files named after their kind. Each holds the letter A, a triangle or some pixels, and a glyph
+Writes files named after their kind; with --check, names those in the folder that are not as they would
+be written, with exit status 1 when there is one. Each holds the letter A, a triangle or some pixels, and a glyph
 for the characters that it lacks. An input of the target is the height in points, two bytes with the
 low one first, and the font file. The same call writes the same bytes.
 """
@@ -225,6 +226,36 @@ def type42():
             b"%" + b"=" * len(truetype()) + b"\n")
 
 
+# ---- PFR ----------------------------------------------------------------------------------------
+
+
+def u24(value):
+    return struct.pack(">L", value)[1:]
+
+
+def pfr():
+    """A portable font resource with the letter A alone."""
+    glyph = b"\0" + struct.pack(">B2h", 0x55, 4, 0)  # no controls, move to a point
+    glyph += struct.pack(">B2hB2hB", 0x15, 52, 0, 0x15, 28, 48, 0)  # two lines, the end
+    physical = struct.pack(">3H4hB", 0, UNITS, UNITS, 0, 0, 48, 48, 4)  # proportional
+    physical += u24(0) + b"\0" + struct.pack(">2B3H", 0, 0, 0, 0, 1)
+    physical += struct.pack(">BhBH", 65, 56, len(glyph), 1)  # at 1: FreeType takes 0 for no glyph
+    header_size, directory_size, logical_size = 58, 7, 18
+    logical_at = header_size + directory_size
+    physical_at = logical_at + logical_size
+    glyphs_at = physical_at + len(physical)
+    header = b"PFR0" + struct.pack(">6H", 4, 0x0D0A, header_size, directory_size, header_size,
+                                   logical_size)
+    header += u24(logical_size) + u24(logical_at)
+    header += struct.pack(">H", len(physical)) + u24(len(physical)) + u24(physical_at)
+    header += struct.pack(">H", len(glyph)) + u24(1 + len(glyph)) + u24(glyphs_at)
+    header += b"\0" * 14 + struct.pack(">H2BH", 1, 0, 0, 1)
+    directory = struct.pack(">2H", 1, logical_size) + u24(logical_at)
+    logical = u24(256) + u24(0) + u24(0) + u24(256) + b"\0"
+    logical += struct.pack(">H", len(physical)) + u24(physical_at)
+    return header + directory + logical + physical + b"\0" + glyph
+
+
 # ---- Bitmap fonts -------------------------------------------------------------------------------
 
 LETTER = [0x10, 0x10, 0x28, 0x28, 0x44, 0x7C, 0x82, 0x82]  # 8 by 8 pixels, the top row first
@@ -302,6 +333,7 @@ def seeds():
     outlines = {
         "truetype": truetype(), "woff": woff(truetype()), "cff": cff(), "opentype": opentype(),
         "type1": type1(), "type1-binary": type1_binary(), "cid": cid(), "type42": type42(),
+        "pfr": pfr(),
     }
     bitmaps = {
         "truetype-bitmap": bitmap_truetype(), "bdf": bdf(), "bdf-no-bitmap": bdf(bitmap=False),
@@ -317,11 +349,16 @@ def seeds():
         yield name, struct.pack("<H", 12) + font
 
 
-def main(folder):
+def main(folder, *options):
+    folder = pathlib.Path(folder)
+    if "--check" in options:
+        stale = [name for name, data in seeds() if (folder / name).read_bytes() != data]
+        print("\n".join(stale))
+        return 1 if stale else 0
     for name, data in seeds():
-        (pathlib.Path(folder) / name).write_bytes(data)
+        (folder / name).write_bytes(data)
     return 0
 
 
 if __name__ == "__main__":
-    sys.exit(main(sys.argv[1]))
+    sys.exit(main(*sys.argv[1:]))

@@ -116,10 +116,10 @@ INSTANTIATE_TEST_SUITE_P(
                     Kind{"cff", "CFF", 12, 12, 5}, Kind{"type1", "Type 1", 12, 12, 14},
                     Kind{"type1-binary", "Type 1", 12, 12, 14},
                     Kind{"cid", "CID Type 1", 12, 12, 14}, Kind{"type42", "Type 42", 12, 12, 14},
-                    Kind{"bdf", "BDF", 8, 8, 9}, Kind{"bdf-no-bitmap", "BDF", 0, 0, 9},
-                    Kind{"bdf-shortest", "BDF", 0, 0, 8}, Kind{"bdf-wide", "BDF", 300, 8, 9},
-                    Kind{"pcf", "PCF", 8, 8, 9}, Kind{"pcf-gzip", "PCF", 8, 8, 9},
-                    Kind{"windows", "Windows FNT", 8, 16, 8}),
+                    Kind{"pfr", "PFR", 12, 12, 14}, Kind{"bdf", "BDF", 8, 8, 9},
+                    Kind{"bdf-no-bitmap", "BDF", 0, 0, 9}, Kind{"bdf-shortest", "BDF", 0, 0, 8},
+                    Kind{"bdf-wide", "BDF", 300, 8, 9}, Kind{"pcf", "PCF", 8, 8, 9},
+                    Kind{"pcf-gzip", "PCF", 8, 8, 9}, Kind{"windows", "Windows FNT", 8, 16, 8}),
     [](const auto& param) {
         std::string name = param.param.seed;
         std::replace(name.begin(), name.end(), '-', '_');
