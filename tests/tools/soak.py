@@ -133,6 +133,10 @@ class Soak(unittest.TestCase):
             self.assertEqual(result.returncode, 1)
             self.assertTrue(result.stdout.endswith("No MOCAP specified!\n"), result.stdout)
             self.assertIn("kelpix-soak: the scene has ended early\n", result.stderr)
+            # The name of a recording may hold commands for the terminal.
+            (pathlib.Path(folder) / "data/mocap.txt").write_text("MOCAP 1 3 a\x1b[2Jb\n")
+            result = soak("--voice", "1", folder=folder)
+            self.assertIn("\nLoading mocap file 0, a\\x1b[2Jb\n", result.stdout)
 
 
 unittest.main(argv=sys.argv[:1])

@@ -1,4 +1,5 @@
 #include "Goals.h"
+#include "HeldMessages.h"
 #include "MediaFolder.h"
 #include "MediaToPlay.h"
 #include "NullGL.h"
@@ -11,6 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <optional>
 
 namespace {
 
@@ -21,9 +23,23 @@ constexpr std::int64_t STEPS_PER_MINUTE = 60 * Stage::STEPS_PER_SECOND;
 /// Whether all was played: the scene's readers can end the process.
 bool finished = false;
 
+/// What the scene says while it loads. It names files as the media do, so it is captured first.
+std::optional<HeldMessages> messages;
+
+/// Prints what was captured, with its control characters escaped.
+void printMessages()
+{
+    if (messages) {
+        const std::string said = messages->text();
+        messages.reset();
+        std::fputs(said.c_str(), stdout);
+    }
+}
+
 void checkFinished()
 {
     if (!finished) {
+        printMessages();
         std::fflush(stdout);
         std::fprintf(stderr, "%s: the scene has ended early\n", PROGRAM);
         std::_Exit(1);
@@ -120,7 +136,9 @@ bool playAndJudge(const soak::Options& options, Stage::Voice voice, unsigned see
     const auto start = std::chrono::steady_clock::now();
     nullgl::reset();
     std::printf("\nseed %u, voice %.1f s\n", seed, static_cast<double>(voice.samples) / voice.rate);
+    messages.emplace();
     const auto stage = std::make_unique<Stage>(SIZE, SIZE, seed, voice);
+    printMessages();
     const std::vector<soak::Sample> samples = play(*stage, options);
     const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
     std::printf("played in %.1f s\n", taken.count());

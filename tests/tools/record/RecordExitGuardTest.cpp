@@ -8,7 +8,6 @@
 namespace {
 
 using record::ExitGuard;
-using record::HeldMessages;
 
 void say(const char* text)
 {

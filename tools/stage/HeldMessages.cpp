@@ -10,8 +10,6 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-namespace record {
-
 HeldMessages::HeldMessages() : output(-1), held(memfd_create("messages", MFD_CLOEXEC))
 {
     if (held < 0) {
@@ -34,16 +32,19 @@ HeldMessages::~HeldMessages()
     close(held);
 }
 
-void HeldMessages::show() const
+std::string HeldMessages::text() const
 {
     std::fflush(stdout);
-    std::string text;
+    std::string all;
     char chunk[4096];
     off_t from = 0;
     for (ssize_t count = 0; (count = pread(held, chunk, sizeof chunk, from)) > 0; from += count) {
-        text.append(chunk, static_cast<std::size_t>(count));
+        all.append(chunk, static_cast<std::size_t>(count));
     }
-    std::fputs(Files::printableLines(text).c_str(), stderr);
+    return Files::printableLines(all);
 }
 
-} // namespace record
+void HeldMessages::show() const
+{
+    std::fputs(text().c_str(), stderr);
+}

@@ -1,6 +1,6 @@
 #pragma once
 
-namespace record {
+#include <string>
 
 /// Captures standard output while this object lives. The scene prints there how it loads, which is
 /// of interest only when something goes wrong.
@@ -14,12 +14,13 @@ public:
     /// Restores standard output.
     ~HeldMessages();
 
-    /// Writes what was captured so far to standard error, its control characters escaped.
+    /// \return what was captured so far, its control characters escaped but for the ends of lines
+    std::string text() const;
+
+    /// Writes that text to standard error.
     void show() const;
 
 private:
     int output; ///< owns; the real standard output, -1 = it was closed
     int held;   ///< owns; a file without a name
 };
-
-} // namespace record
