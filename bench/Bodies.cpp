@@ -92,9 +92,9 @@ double hashOf(const Bodies& bodies)
     return static_cast<double>(hash >> 12);
 }
 
-/// A way whose bodies are made in processes of their own, where nothing is left of those before.
+/// Makes the bodies in a new process each time, where nothing is left of those before.
 template<typename Make>
-bench::Way inTime(const char* name, Make make)
+bench::Contender inTime(const char* name, Make make)
 {
     return {.name = name,
             .result =
@@ -115,44 +115,43 @@ bench::Way inTime(const char* name, Make make)
                 }};
 }
 
-/// The peak of the memory of the whole process, which is the same each time.
+/// The peak of the memory of the whole process.
 template<typename Make>
-bench::Way inMemory(const char* name, Make make)
+bench::Contender inMemory(const char* name, Make make)
 {
-    const auto bytes = std::make_shared<double>(0);
-    return {.name = name, .measure = [make, bytes] {
-                if (*bytes == 0) {
-                    *bytes = bench::inChild([make] {
-                        bench::makeContext();
-                        make();
-                        return bench::peakMemory();
-                    });
-                }
-                return *bytes * 1e-9;
+    return {.name = name, .measure = [make] {
+                return bench::inChild([make] {
+                    bench::makeContext();
+                    make();
+                    return bench::peakMemory();
+                });
             }};
 }
 
 bench::Job makingTime()
 {
     const auto body = std::make_shared<const ReadyBody>(ReadyBody::compute());
-    return {"bodies of the figures",
-            "list",
-            FIGURES * ReadyBody::FRAMES,
-            {inTime("kelpix", makeOwn), inTime("limit", [body] { return makeReady(*body); })}};
+    return {
+        "bodies of the figures",
+        "list",
+        FIGURES * ReadyBody::FRAMES,
+        {inTime("kelpix", makeOwn), inTime("lower bound", [body] { return makeReady(*body); })}};
 }
 
 bench::Job makingMemory()
 {
     const auto body = std::make_shared<const ReadyBody>(ReadyBody::compute());
-    return {"bodies of the figures, memory",
-            "start",
-            1,
-            {inMemory("kelpix", makeOwn), inMemory("limit", [body] { return makeReady(*body); })}};
+    return {
+        "bodies of the figures, memory",
+        "start",
+        1,
+        {inMemory("kelpix", makeOwn), inMemory("lower bound", [body] { return makeReady(*body); })},
+        "bytes"};
 }
 
-/// How many deformations of a point the calls of trigonometric functions would make up, less those
-/// for the sphere and for the segments' scales. The compiler takes what depends on the frame alone
-/// out of the loops, so it is less than the number of points.
+/// How many deformations of a point all calls of trigonometric functions amount to, without the
+/// calls for the sphere and for the segments' scales. It is less than the number of points: the
+/// compiler takes what depends on the frame alone out of the loops.
 double deformations()
 {
     return bench::inChild([] {
@@ -179,16 +178,11 @@ double deformations()
 
 bench::Job pointsDeformed()
 {
-    const auto number = std::make_shared<double>(0);
     return {"bodies of the figures, points deformed",
             "start",
             1,
-            {{.name = "kelpix", .measure = [number] {
-                  if (*number == 0) {
-                      *number = deformations();
-                  }
-                  return *number * 1e-9;
-              }}}};
+            {{.name = "kelpix", .measure = deformations}},
+            "points"};
 }
 
 } // namespace

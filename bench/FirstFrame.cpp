@@ -45,7 +45,7 @@ double timeOf(std::vector<std::string> command)
     return seconds;
 }
 
-bench::Way way(const char* name, const std::vector<std::string>& command)
+bench::Contender program(const char* name, const std::vector<std::string>& command)
 {
     return {.name = name, .measure = [command] { return timeOf(command); }};
 }
@@ -59,8 +59,9 @@ bench::Job firstFrame()
     return {"first frame",
             "start",
             1,
-            {way("kelpix", {KELPIX_FIRST_FRAME}), way("limit", {KELPIX_LEAST_FRAME, numbers}),
-             way("window", {KELPIX_LEAST_FRAME})}};
+            {program("kelpix", {KELPIX_FIRST_FRAME}),
+             program("lower bound", {KELPIX_LEAST_FRAME, numbers}),
+             program("window", {KELPIX_LEAST_FRAME})}};
 }
 
 } // namespace

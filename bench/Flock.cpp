@@ -111,7 +111,7 @@ bench::Job tick(const char* name, int fish)
                   scene->updateReference();
                   return scene->hashReference();
               }},
-             {"limit", [=] { scene->sumUp(); }}}};
+             {"lower bound", [=] { scene->sumUp(); }}}};
 }
 
 } // namespace

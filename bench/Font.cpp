@@ -2,10 +2,10 @@
 
 #include "Context.h"
 #include "Job.h"
+#include "Peers.h"
 
 #include "FreeType.h"
 
-#include <FTGL/ftgl.h>
 #include <memory>
 #include <string>
 #include <vector>
@@ -70,32 +70,22 @@ void makeBare(unsigned height)
     FT_Done_FreeType(library);
 }
 
-/// Asking for its width makes a glyph's texture.
-void makeFtgl(unsigned height)
-{
-    FTGLTextureFont font(FONT);
-    font.FaceSize(height, 96);
-    for (unsigned c = 1; c < CHARACTERS; ++c) {
-        const char text[] = {static_cast<char>(c), '\0'};
-        font.Advance(text);
-    }
-}
-
 bench::Job font(const std::string& name, unsigned height)
 {
     bench::makeContext();
-    return {name,
-            "font",
-            1,
-            {{.name = "kelpix",
-              .run =
-                  [height] {
-                      freetype::font_data font;
-                      font.init(FONT, height);
-                      font.clean();
-                  }},
-             {.name = "limit", .run = [height] { makeBare(height); }},
-             {.name = "ftgl", .run = [height] { makeFtgl(height); }}}};
+    bench::Job job = {name,
+                      "font",
+                      1,
+                      {{.name = "kelpix",
+                        .run =
+                            [height] {
+                                freetype::font_data font;
+                                font.init(FONT, height);
+                                font.clean();
+                            }},
+                       {.name = "lower bound", .run = [height] { makeBare(height); }}}};
+    bench::append(job.contenders, bench::peers::fonts(FONT, height));
+    return job;
 }
 
 } // namespace

@@ -7,7 +7,8 @@
 #include "FlatFrame.h"
 #include "FrozenScene.h"
 #include "Job.h"
-#include "OsgFrame.h"
+#include "Painter.h"
+#include "Peers.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -19,34 +20,28 @@ namespace {
 constexpr int FRAMES = 10; // in one operation
 constexpr std::size_t BYTES = std::size_t{740} * 740 * 4;
 
-/// One way to draw the scene, in the context that it needs.
-struct Painter {
-    const char* name;
-    std::function<void()> prepare;
-    std::function<void()> draw;
-};
-
 struct Scene {
     std::vector<Painter> painters;
+    std::size_t exact = 0; ///< so many of them, the first ones, draw the same pixels to the bit
 
     Scene()
     {
         const auto own = bench::makeContext();
         static FrozenScene frozen; // as its nodes, until the program ends
-        const auto osgs = bench::makeContext();
-        static OsgFrame osg(frozen);
         painters = {{"kelpix",
                      [own] {
                          own();
                          frozen.restore();
                      },
                      [] { frozen.draw(); }},
-                    {"limit", own, [] { drawFlat(frozen); }},
-                    {"OpenSceneGraph", osgs, [] { osg.draw(); }}};
+                    {"lower bound", own, [] { drawFlat(frozen); }}};
+        exact = painters.size();
+        const std::vector<Painter> more = bench::peers::painters(frozen);
+        painters.insert(painters.end(), more.begin(), more.end());
     }
 };
 
-std::vector<unsigned char> pictureBy(const Painter& painter)
+std::vector<unsigned char> imageBy(const Painter& painter)
 {
     painter.prepare();
     painter.draw();
@@ -55,7 +50,7 @@ std::vector<unsigned char> pictureBy(const Painter& painter)
     return pixels;
 }
 
-/// The part of the bytes in which two pictures differ visibly.
+/// The part of the bytes in which two images differ visibly.
 double difference(const std::vector<unsigned char>& a, const std::vector<unsigned char>& b)
 {
     std::size_t different = 0;
@@ -82,19 +77,19 @@ bench::Job frame(const char* name, double clock())
 {
     static const Scene scene;
     bench::Job job = {name, "frame", FRAMES, {}};
-    const auto own = pictureBy(scene.painters.front());
+    const auto own = imageBy(scene.painters.front());
     for (const Painter& painter : scene.painters) {
-        const double different = difference(pictureBy(painter), own);
+        const double different = difference(imageBy(painter), own);
         if (different > 0.01) {
-            std::printf("%s draws another picture: %.1f %% of it\n", painter.name, 100 * different);
+            std::printf("%s draws another image: %.1f %% of it\n", painter.name, 100 * different);
             std::exit(1);
         }
-        bench::Way way = {.name = painter.name,
-                          .measure = [&painter, clock] { return cost(painter, clock); }};
-        if (&painter != &scene.painters.back()) { // whose arithmetic is its own
-            way.result = [&painter] { return bench::hashOf(pictureBy(painter).data(), BYTES); };
+        bench::Contender contender = {
+            .name = painter.name, .measure = [&painter, clock] { return cost(painter, clock); }};
+        if (job.contenders.size() < scene.exact) {
+            contender.result = [&painter] { return bench::hashOf(imageBy(painter).data(), BYTES); };
         }
-        job.ways.push_back(way);
+        job.contenders.push_back(contender);
     }
     return job;
 }

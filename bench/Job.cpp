@@ -11,9 +11,9 @@ namespace bench {
 namespace {
 
 constexpr int ROUNDS = 15;
-constexpr double SECONDS = 0.02; // at least, of one way in one round
+constexpr double SECONDS = 0.02; // at least, of one contender in one round
 
-/// Nanoseconds per item, one number a round.
+/// Of each contender the cost per item in nanoseconds, or in the job's unit; one number a round.
 using Samples = std::map<std::string, std::vector<double>>;
 
 /// Takes Google Benchmark's results instead of printing them.
@@ -36,33 +36,35 @@ private:
     double items;
 };
 
-void measure(benchmark::State& state, const Way& way)
+void measure(benchmark::State& state, const Contender& contender)
 {
     for (auto _ : state) { // NOLINT(clang-analyzer-deadcode.DeadStores): only counts
-        if (way.measure) {
-            if (way.reset) {
-                way.reset();
+        if (contender.measure) {
+            if (contender.reset) {
+                contender.reset();
             }
-            state.SetIterationTime(way.measure());
+            state.SetIterationTime(contender.measure());
             continue;
         }
-        if (way.reset) {
+        if (contender.reset) {
             state.PauseTiming();
-            way.reset();
+            contender.reset();
             state.ResumeTiming();
         }
-        way.run();
+        contender.run();
     }
 }
 
-/// All ways in turn, round after round: what disturbs the machine for a while disturbs all of them.
+/// All contenders in turn, round after round: what disturbs the machine for a while disturbs all of
+/// them.
 Samples timed(const Job& job)
 {
     benchmark::ClearRegisteredBenchmarks();
-    for (const Way& way : job.ways) {
+    for (const Contender& contender : job.contenders) {
         auto* registered = benchmark::RegisterBenchmark(
-            way.name.c_str(), [&way](benchmark::State& state) { measure(state, way); });
-        if (way.measure) {
+            contender.name.c_str(),
+            [&contender](benchmark::State& state) { measure(state, contender); });
+        if (contender.measure) {
             registered->UseManualTime()->Iterations(1);
         } else {
             registered->MinTime(SECONDS);
@@ -76,23 +78,33 @@ Samples timed(const Job& job)
     return samples;
 }
 
-/// Writes one profile a way, with the way's name in it.
+/// Counts instead of times.
+Samples quantities(const Job& job)
+{
+    Samples samples;
+    for (const Contender& contender : job.contenders) {
+        samples[contender.name] = {contender.measure() / job.items};
+    }
+    return samples;
+}
+
+/// Writes one profile for each contender, with its name in it.
 void count(const Job& job)
 {
-    for (const Way& way : job.ways) {
-        if (!way.run) {
+    for (const Contender& contender : job.contenders) {
+        if (!contender.run) {
             continue;
         }
-        const auto reset = way.reset ? way.reset : [] {};
-        // Once unseen: what is made lazily is there then.
+        const auto reset = contender.reset ? contender.reset : [] {};
+        // Once uncounted: makes what is made lazily.
         reset();
-        way.run();
+        contender.run();
         reset();
         CALLGRIND_START_INSTRUMENTATION;
-        way.run();
+        contender.run();
         CALLGRIND_STOP_INSTRUMENTATION;
         const std::string name =
-            job.name + '\t' + job.item + '\t' + way.name + '\t' + std::to_string(job.items);
+            job.name + '\t' + job.item + '\t' + contender.name + '\t' + std::to_string(job.items);
         CALLGRIND_DUMP_STATS_AT(name.c_str());
     }
 }
@@ -104,24 +116,31 @@ double median(std::vector<double> values)
     return *middle;
 }
 
+const char* unitOf(const Job& job)
+{
+    return job.unit.empty() ? "ns" : job.unit.c_str();
+}
+
 void printTable(const Job& job, const Samples& samples)
 {
-    const std::vector<double>& own = samples.at(job.ways.front().name);
+    const std::vector<double>& own = samples.at(job.contenders.front().name);
     std::printf("\n%s\n", job.name.c_str());
-    for (const Way& way : job.ways) {
-        const std::vector<double>& times = samples.at(way.name);
+    for (const Contender& contender : job.contenders) {
+        const std::vector<double>& times = samples.at(contender.name);
         std::vector<double> ratios(own.size());
         std::transform(own.begin(), own.end(), times.begin(), ratios.begin(), std::divides<>());
-        std::printf("  %-14s %14.1f ns per %-10s %-8s / it: %.3f\n", way.name.c_str(),
-                    median(times), job.item.c_str(), job.ways.front().name.c_str(), median(ratios));
+        std::printf("  %-14s %14.1f %s per %-10s %-8s / it: %.3f\n", contender.name.c_str(),
+                    median(times), unitOf(job), job.item.c_str(),
+                    job.contenders.front().name.c_str(), median(ratios));
     }
 }
 
 void printSamples(const Job& job, const Samples& samples)
 {
-    for (const Way& way : job.ways) {
-        std::printf("%s\t%s\t%s", job.name.c_str(), job.item.c_str(), way.name.c_str());
-        for (const double time : samples.at(way.name)) {
+    for (const Contender& contender : job.contenders) {
+        std::printf("%s\t%s\t%s\t%s", job.name.c_str(), job.item.c_str(), unitOf(job),
+                    contender.name.c_str());
+        for (const double time : samples.at(contender.name)) {
             std::printf("\t%.3f", time);
         }
         std::printf("\n");
@@ -130,19 +149,19 @@ void printSamples(const Job& job, const Samples& samples)
 
 bool agree(const Job& job)
 {
-    const Way* first = nullptr;
+    const Contender* first = nullptr;
     std::uint64_t expected = 0;
-    for (const Way& way : job.ways) {
-        if (!way.result) {
+    for (const Contender& contender : job.contenders) {
+        if (!contender.result) {
             continue;
         }
-        const std::uint64_t result = way.result();
+        const std::uint64_t result = contender.result();
         if (!first) {
-            first = &way;
+            first = &contender;
             expected = result;
         } else if (result != expected) {
             std::printf("%s: %s and %s do not agree\n", job.name.c_str(), first->name.c_str(),
-                        way.name.c_str());
+                        contender.name.c_str());
             return false;
         }
     }
@@ -178,7 +197,7 @@ int run(int argc, char** argv, const std::vector<JobMaker>& makers)
             count(job);
             continue;
         }
-        const Samples samples = timed(job);
+        const Samples samples = job.unit.empty() ? timed(job) : quantities(job);
         samplesOnly ? printSamples(job, samples) : printTable(job, samples);
         std::fflush(stdout);
     }

@@ -5,45 +5,49 @@
 #include <string>
 #include <vector>
 
-/// The frame of every benchmark program: jobs, each done in several ways that are measured side by
-/// side. docs/performance.md tells how to run them.
+/// The frame of every benchmark program: jobs, each done by several contenders that are measured
+/// side by side. docs/performance.md tells how to run them.
 namespace bench {
 
-/// One way of doing a job: the project's own code, a literal reference, the least that any code
-/// could do, or another library's.
-struct Way {
+/// One implementation of a job: the project's own code, a literal reference, the least that any
+/// code could do ("lower bound"), or another library's.
+struct Contender {
     std::string name;
     std::function<void()> run = {};   ///< one operation; the only part that is measured
-    std::function<void()> reset = {}; ///< before each operation: what brings its input back
+    std::function<void()> reset = {}; ///< before each operation: restores its input
 
-    /// A hash of what one operation on the reset input brings about. Ways of a job that have one
-    /// must agree; the program ends with status 1 when they do not.
+    /// Hashes the outcome of one operation on the reset input. All contenders of a job that have
+    /// this must agree; the program ends with status 1 when they do not.
     std::function<std::uint64_t()> result = {};
 
-    /// In place of run, for what is not the time of a call: does one operation and returns what it
-    /// cost, in seconds of some clock; of another quantity, in thousand millionths (a goal names
-    /// it, and tables then have the plain number). Not counted by --count.
+    /// Custom measurement, used instead of run: performs one operation and returns its cost, in
+    /// seconds or in the job's unit. Skipped by --count.
     std::function<double()> measure = {};
 };
 
-/// A job. Its ways own what they work on (by shared pointers that their functions hold), so that
-/// the input goes with the job.
+/// A job. Its contenders share the ownership of what they work on, so that the input lives as long
+/// as the job.
 struct Job {
-    std::string name;      ///< what goals.py calls it
-    std::string item;      ///< what is counted, for the tables: "tick", "node", "product"
-    double items;          ///< how many of these one operation handles
-    std::vector<Way> ways; ///< the first one is the project's own
+    std::string name; ///< as in goals.py
+    std::string item; ///< what is counted, for the tables: "tick", "node", "product"
+    double items;     ///< how many of these one operation handles
+    std::vector<Contender> contenders; ///< the first one is the project's own
+
+    /// What all contenders' measure counts, as "bytes"; empty for time. A count is taken once: it
+    /// is the same each time.
+    std::string unit = {};
 };
 
-/// Makes a job when it is its turn. Cheap: what takes long is made by the ways' first reset.
+/// Makes a job when it is its turn. Cheap: what takes long is made by the contenders' first reset.
 using JobMaker = std::function<Job()>;
 
-/// What main of a benchmark program returns. For each job: checks that the ways agree, then
-///   - without options: times all ways in turn, round after round, and prints a table;
-///   - with --samples: prints a line for each way instead, which judge.py reads: job, item, way and
-///     the nanoseconds per item of each round, separated by tabs;
-///   - with --count, under callgrind: counts the instructions of one operation of each way, which
-///     callgrind writes into one file each, with job, item, way and items per operation in it.
+/// What main of a benchmark program returns. For each job: checks that the contenders agree, then
+///   - without options: times all contenders in turn, round after round, and prints a table;
+///   - with --samples: prints a line for each contender instead, which judge.py reads: job, item,
+///     unit ("ns" for time), contender, and the cost per item of each round, separated by tabs;
+///   - with --count, under callgrind: counts the instructions of one operation of each contender,
+///     which callgrind writes into one file each, with job, item, contender and items per operation
+///     in it.
 /// A further argument is the name of the only job to do.
 int run(int argc, char** argv, const std::vector<JobMaker>& makers);
 

@@ -1,25 +1,18 @@
-// Products and inverses of 4x4 matrices, as the draw walk and the nodes' transforms need them.
+// Products and inverses of 4x4 matrices, as the draw traversal and the nodes' transforms need them.
 
 #include "Job.h"
+#include "MatrixPairs.h"
+#include "Peers.h"
 
 #include "Matrix.h"
 
 #include <algorithm>
-#include <array>
-#include <cglm/cglm.h>
-#include <glm/mat4x4.hpp>
 #include <memory>
 #include <random>
 
 namespace {
 
-constexpr int COUNT = 1000;
-
-struct Input {
-    alignas(16) std::array<std::array<float, 16>, COUNT> a;
-    alignas(16) std::array<std::array<float, 16>, COUNT> b;
-    alignas(16) std::array<std::array<float, 16>, COUNT> out;
-};
+using Input = bench::MatrixPairs;
 
 std::shared_ptr<Input> newInput()
 {
@@ -107,24 +100,13 @@ void literalInverse(float* out, const float* m)
     out[15] = (e[0] * u12 - e[4] * u02 + e[8] * u01) / det;
 }
 
-/// A way that does one thing to each pair of matrices.
-template<typename Operation>
-bench::Way way(const char* name, const std::shared_ptr<Input>& input, Operation operation)
+bench::Contender withResult(bench::Contender contender, const std::shared_ptr<Input>& input)
 {
-    return {name, [input, operation] {
-                for (std::size_t i = 0; i < COUNT; ++i) {
-                    operation(input->out[i].data(), input->a[i].data(), input->b[i].data());
-                }
-            }};
-}
-
-bench::Way withResult(bench::Way way, const std::shared_ptr<Input>& input)
-{
-    way.result = [run = way.run, input] {
+    contender.result = [run = contender.run, input] {
         run();
         return bench::hashOf(&input->out, sizeof input->out);
     };
-    return way;
+    return contender;
 }
 
 bench::Job product()
@@ -132,48 +114,38 @@ bench::Job product()
     const auto input = newInput();
     // A sum that starts at 0 ends where one that starts with its first product does, unless all
     // products are zeros: there are none here.
-    return {"do_multiply",
-            "product",
-            COUNT,
-            {withResult(way("kelpix", input,
-                            [](float* out, const float* a, const float* b) {
-                                Matrix::do_multiply(out, a, b);
-                            }),
-                        input),
-             withResult(way("reference", input, literalProduct), input),
-             way("cglm", input,
-                 [](float* out, float* a, float* b) {
-                     glm_mat4_mul(reinterpret_cast<vec4*>(a), reinterpret_cast<vec4*>(b),
-                                  reinterpret_cast<vec4*>(out));
-                 }),
-             way("glm", input, [](float* out, const float* a, const float* b) {
-                 *reinterpret_cast<glm::mat4*>(out) = *reinterpret_cast<const glm::mat4*>(a) *
-                                                      *reinterpret_cast<const glm::mat4*>(b);
-             })}};
+    bench::Job job = {
+        "do_multiply",
+        "product",
+        Input::COUNT,
+        {withResult(bench::forEachPair("kelpix", input,
+                                       [](float* out, const float* a, const float* b) {
+                                           Matrix::do_multiply(out, a, b);
+                                       }),
+                    input),
+         withResult(bench::forEachPair("reference", input, literalProduct), input)}};
+    bench::append(job.contenders, bench::peers::products(input));
+    return job;
 }
 
 bench::Job inverse()
 {
     const auto input = newInput();
-    return {
-        "do_inverse",
-        "inverse",
-        COUNT,
-        {withResult(
-             way("kelpix", input,
-                 [](float* out, const float* a, const float*) { Matrix::do_inverse(out, a); }),
-             input),
-         withResult(way("reference", input,
-                        [](float* out, const float* a, const float*) { literalInverse(out, a); }),
-                    input),
-         way("cglm", input,
-             [](float* out, float* a, float*) {
-                 glm_mat4_inv(reinterpret_cast<vec4*>(a), reinterpret_cast<vec4*>(out));
-             }),
-         way("glm", input, [](float* out, const float* a, const float*) {
-             *reinterpret_cast<glm::mat4*>(out) =
-                 glm::inverse(*reinterpret_cast<const glm::mat4*>(a));
-         })}};
+    bench::Job job = {"do_inverse",
+                      "inverse",
+                      Input::COUNT,
+                      {withResult(bench::forEachPair("kelpix", input,
+                                                     [](float* out, const float* a, const float*) {
+                                                         Matrix::do_inverse(out, a);
+                                                     }),
+                                  input),
+                       withResult(bench::forEachPair("reference", input,
+                                                     [](float* out, const float* a, const float*) {
+                                                         literalInverse(out, a);
+                                                     }),
+                                  input)}};
+    bench::append(job.contenders, bench::peers::inverses(input));
+    return job;
 }
 
 } // namespace

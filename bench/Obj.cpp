@@ -2,17 +2,15 @@
 
 #include "Data.h"
 #include "Job.h"
+#include "Peers.h"
 
 #include "ObjAPI.h"
 
 #include <array>
-#include <assimp/Importer.hpp>
-#include <assimp/postprocess.h>
 #include <cmath>
 #include <cstdio>
 #include <memory>
 #include <string_view>
-#include <tiny_obj_loader.h>
 #include <vector>
 
 namespace {
@@ -158,38 +156,27 @@ void load(const std::string& path)
     obj_del_file(obj_add_file(path.c_str()));
 }
 
-bench::Way tinyobjloader(const std::string& path)
-{
-    return {.name = "tinyobjloader", .run = [path] {
-                tinyobj::ObjReader reader;
-                reader.ParseFromFile(path);
-            }};
-}
-
 bench::Job sheet()
 {
     constexpr int SIDE = 708;
     const std::string path = bench::writeData("sheet.obj", newSheet(SIDE));
-    return {"OBJ, 1,002,528 triangles",
-            "triangle",
-            2 * SIDE * SIDE,
-            {{.name = "kelpix",
-              .run = [path] { load(path); },
-              .result =
-                  [path] {
-                      const int fi = obj_add_file(path.c_str());
-                      const std::uint64_t hash = hashOf(cornersOf(fi));
-                      obj_del_file(fi);
-                      return hash;
-                  }},
-             {.name = "reference",
-              .run = [path] { readLiterally(path); },
-              .result = [path] { return hashOf(readLiterally(path)); }},
-             tinyobjloader(path),
-             {.name = "assimp", .run = [path] {
-                  Assimp::Importer importer;
-                  importer.ReadFile(path, aiProcess_Triangulate);
-              }}}};
+    bench::Job job = {"OBJ, 1,002,528 triangles",
+                      "triangle",
+                      2 * SIDE * SIDE,
+                      {{.name = "kelpix",
+                        .run = [path] { load(path); },
+                        .result =
+                            [path] {
+                                const int fi = obj_add_file(path.c_str());
+                                const std::uint64_t hash = hashOf(cornersOf(fi));
+                                obj_del_file(fi);
+                                return hash;
+                            }},
+                       {.name = "reference",
+                        .run = [path] { readLiterally(path); },
+                        .result = [path] { return hashOf(readLiterally(path)); }}}};
+    bench::append(job.contenders, bench::peers::objReaders(path));
+    return job;
 }
 
 bench::Job patchwork(const char* name, int triangles)
@@ -197,10 +184,12 @@ bench::Job patchwork(const char* name, int triangles)
     bench::writeData("library.mtl", newLibrary());
     const std::string path =
         bench::writeData("patchwork" + std::to_string(triangles) + ".obj", newPatchwork(triangles));
-    return {name,
-            "usemtl",
-            static_cast<double>(triangles),
-            {{.name = "kelpix", .run = [path] { load(path); }}, tinyobjloader(path)}};
+    bench::Job job = {name,
+                      "usemtl",
+                      static_cast<double>(triangles),
+                      {{.name = "kelpix", .run = [path] { load(path); }}}};
+    bench::append(job.contenders, bench::peers::objReaders(path));
+    return job;
 }
 
 } // namespace

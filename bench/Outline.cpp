@@ -68,7 +68,7 @@ std::shared_ptr<Bubbles> newBubbles()
 }
 
 template<typename Draw>
-bench::Way way(const char* name, const std::shared_ptr<Bubbles>& bubbles, Draw draw)
+bench::Contender contender(const char* name, const std::shared_ptr<Bubbles>& bubbles, Draw draw)
 {
     const auto reset = [bubbles] {
         vertices.clear();
@@ -93,13 +93,13 @@ bench::Job outlines()
 {
     nullgl::hooks().vertex = [](float x, float y) { vertices.push_back({x, y}); };
     const auto bubbles = newBubbles();
-    bench::Way limit = way("limit", bubbles, calls);
-    limit.result = {};
+    bench::Contender least = contender("lower bound", bubbles, calls);
+    least.result = {};
     return {"30 bubble outlines",
             "outline",
             BUBBLES,
-            {way("kelpix", bubbles, [](Boid& bubble) { bubble.draw(); }),
-             way("reference", bubbles, literalOutline), limit}};
+            {contender("kelpix", bubbles, [](Boid& bubble) { bubble.draw(); }),
+             contender("reference", bubbles, literalOutline), least}};
 }
 
 } // namespace

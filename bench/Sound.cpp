@@ -67,7 +67,7 @@ bench::Job loading()
                       OggSound sound;
                       return cost([&] { sound.load(path.c_str()); });
                   }},
-             {.name = "limit",
+             {.name = "lower bound",
               .result = [path] { return hashOf(bench::decodeOgg(path)); },
               .measure =
                   [path] {

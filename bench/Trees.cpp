@@ -1,7 +1,8 @@
-// The three walks over flat trees of plain nodes, beside OpenSceneGraph's traversals of equal ones.
-// A plain node has a transform, is always visible, and does nothing.
+// The three traversals of flat trees of plain nodes. A plain node has a transform, is always
+// visible, and does nothing.
 
 #include "Job.h"
+#include "Peers.h"
 
 #include "PivotNode.h"
 #include "RootNode.h"
@@ -9,12 +10,6 @@
 #include "UserEvent.h"
 
 #include <memory>
-#include <osg/Group>
-#include <osg/MatrixTransform>
-#include <osg/NodeVisitor>
-#include <osgGA/EventVisitor>
-#include <osgUtil/CullVisitor>
-#include <osgUtil/UpdateVisitor>
 #include <string>
 #include <vector>
 
@@ -44,86 +39,39 @@ private:
     std::vector<std::unique_ptr<PlainNode>> nodes;
 };
 
-/// The same as OpenSceneGraph has it, with what its viewer keeps for the three traversals. Its
-/// update and event traversals visit only nodes with a callback: here each has one, as each of ours
-/// has its doupdate and userEvent.
-class OsgTree {
-public:
-    explicit OsgTree(int count)
-    {
-        for (int i = 0; i < count; ++i) {
-            osg::ref_ptr<osg::MatrixTransform> node = new osg::MatrixTransform;
-            node->setMatrix(osg::Matrix::translate(0.001 * i, 0, 0));
-            node->setCullingActive(false);
-            node->setUpdateCallback(callback);
-            node->setEventCallback(callback);
-            root->addChild(node);
-        }
-        root->setCullingActive(false);
-    }
-    void updateAll() { root->accept(*update); }
-    void eventAll() { root->accept(*events); }
-    void cullAll()
-    {
-        states->reset();
-        stage->reset();
-        cull->reset();
-        cull->setStateGraph(states);
-        cull->setRenderStage(stage);
-        cull->pushViewport(viewport);
-        cull->pushProjectionMatrix(projection);
-        cull->pushModelViewMatrix(view, osg::Transform::ABSOLUTE_RF);
-        root->accept(*cull);
-        cull->popModelViewMatrix();
-        cull->popProjectionMatrix();
-        cull->popViewport();
-    }
+using Traversal = void (*)(Tree&);
+using Peers = std::vector<bench::Contender> (*)(int);
 
-private:
-    osg::ref_ptr<osg::NodeCallback> callback = new osg::NodeCallback;
-    osg::ref_ptr<osg::Group> root = new osg::Group;
-    osg::ref_ptr<osgUtil::UpdateVisitor> update = new osgUtil::UpdateVisitor;
-    osg::ref_ptr<osgGA::EventVisitor> events = new osgGA::EventVisitor;
-    osg::ref_ptr<osgUtil::CullVisitor> cull = new osgUtil::CullVisitor;
-    osg::ref_ptr<osgUtil::StateGraph> states = new osgUtil::StateGraph;
-    osg::ref_ptr<osgUtil::RenderStage> stage = new osgUtil::RenderStage;
-    osg::ref_ptr<osg::Viewport> viewport = new osg::Viewport(0, 0, 740, 740);
-    osg::ref_ptr<osg::RefMatrix> projection =
-        new osg::RefMatrix(osg::Matrix::perspective(60, 1, 0.1, 10));
-    osg::ref_ptr<osg::RefMatrix> view = new osg::RefMatrix;
-};
-
-using Walk = void (*)(Tree&);
-using OsgWalk = void (OsgTree::*)();
-
-bench::Job walk(const std::string& name, int count, Walk own, OsgWalk other)
+bench::Job traversal(const std::string& name, int count, Traversal own, Peers peers)
 {
     const auto tree = std::make_shared<Tree>(count);
-    const auto osgTree = std::make_shared<OsgTree>(count);
-    return {name + ", " + std::to_string(count) + " nodes",
-            "node",
-            static_cast<double>(count),
-            {{"kelpix", [=] { own(*tree); }}, {"openscenegraph", [=] { ((*osgTree).*other)(); }}}};
+    bench::Job job = {name + ", " + std::to_string(count) + " nodes",
+                      "node",
+                      static_cast<double>(count),
+                      {{"kelpix", [=] { own(*tree); }}}};
+    bench::append(job.contenders, peers(count));
+    return job;
 }
 
 } // namespace
 
 int main(int argc, char** argv)
 {
+    namespace peers = bench::peers;
     std::vector<bench::JobMaker> jobs;
     for (const int count : {100, 1000, 10000}) {
         jobs.emplace_back([count] {
-            return walk(
-                "update walk", count, [](Tree& tree) { tree.graph.update(); }, &OsgTree::updateAll);
+            return traversal(
+                "update traversal", count, [](Tree& tree) { tree.graph.update(); }, peers::updates);
         });
         jobs.emplace_back([count] {
-            return walk(
-                "draw walk", count, [](Tree& tree) { tree.graph.draw(); }, &OsgTree::cullAll);
+            return traversal(
+                "draw traversal", count, [](Tree& tree) { tree.graph.draw(); }, peers::draws);
         });
         jobs.emplace_back([count] {
-            return walk(
-                "event walk", count, [](Tree& tree) { tree.graph.event(new UserEvent); },
-                &OsgTree::eventAll);
+            return traversal(
+                "event traversal", count, [](Tree& tree) { tree.graph.event(new UserEvent); },
+                peers::events);
         });
     }
     return bench::run(argc, argv, jobs);

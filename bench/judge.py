@@ -19,11 +19,12 @@ BEGIN, END = "<!-- made by bench/run -->\n", "<!-- end -->\n"
 
 
 class Result:
-    """One way of one job: a list of numbers per item, one a round; a count is a list of one."""
+    """One contender in one job: a list of numbers per item, one a round; a count is a list of one."""
 
-    def __init__(self, item, numbers):
+    def __init__(self, item, numbers, unit="ns"):
         self.item = item
         self.numbers = numbers
+        self.unit = unit
 
     def median(self):
         return statistics.median(self.numbers)
@@ -40,20 +41,21 @@ def programs(build, only):
 
 
 def timed(program, scene):
-    """(job, way) -> Result in nanoseconds, from the lines that --samples prints."""
+    """(job, contender) -> Result, from the lines that --samples prints."""
     run = subprocess.run([program, "--samples"], cwd=scene, stdout=subprocess.PIPE, text=True)
     if run.returncode != 0:
         sys.exit(f"{program.name} failed:\n{run.stdout}")
     results = {}
     for line in run.stdout.splitlines():
         fields = line.split("\t")
-        if len(fields) > 3:
-            results[fields[0], fields[2]] = Result(fields[1], [float(n) for n in fields[3:]])
+        if len(fields) > 4:
+            job, item, unit, contender, *numbers = fields
+            results[job, contender] = Result(item, [float(n) for n in numbers], unit)
     return results
 
 
 def counted(program, scene):
-    """(job, way) -> Result in instructions, from callgrind's files: one for each way."""
+    """(job, contender) -> Result in instructions, from callgrind's files: one for each contender."""
     with tempfile.TemporaryDirectory() as folder:
         run = subprocess.run(
             ["valgrind", "--tool=callgrind", "-q", "--instr-atstart=no",
@@ -66,14 +68,14 @@ def counted(program, scene):
             text = path.read_text()
             name = re.search(r"^desc: Trigger: Client Request: (.*)$", text, re.M)
             if name:
-                job, item, way, items = name.group(1).split("\t")
+                job, item, contender, items = name.group(1).split("\t")
                 total = int(re.search(r"^totals: (\d+)$", text, re.M).group(1))
-                results[job, way] = Result(item, [total / float(items)])
+                results[job, contender] = Result(item, [total / float(items)], "instructions")
         return results
 
 
 def measured(goal, results):
-    """(number, way that it went against) of a goal; None when its job was not run."""
+    """(number, contender that it went against) of a goal; None when one of them was not run."""
     own = results.get((goal.job, "kelpix"))
     if own is None:
         return None
@@ -83,35 +85,38 @@ def measured(goal, results):
         return 1 + math.log10(own.median() / smaller.median()), goal.growth_from
     if not goal.against:
         return own.median(), ""
-    ways = [way.strip() for way in goal.against.split(",")]
-    way = min(ways, key=lambda name: results[goal.job, name].median())
-    other = results[goal.job, way].numbers
-    net = results[goal.job, goal.net_of].numbers if goal.net_of else [0] * len(other)
+    names = [name.strip() for name in goal.against.split(",")]
+    if any((goal.job, name) not in results for name in names):
+        return None  # another library that is not installed
+    against = min(names, key=lambda name: results[goal.job, name].median())
+    other = results[goal.job, against].numbers
+    base = results[goal.job, goal.baseline].numbers if goal.baseline else [0] * len(other)
     # Round by round: the two numbers of a pair come from the same moment.
-    ratios = [(a - c) / (b - c) for a, b, c in zip(own.numbers, other, net)]
-    return statistics.median(ratios), way
+    ratios = [(a - c) / (b - c) for a, b, c in zip(own.numbers, other, base)]
+    return statistics.median(ratios), against
 
 
-def describe(goal, way, unit):
+def describe(goal, against, unit):
     if goal.growth_from:
-        return f"{goal.job}: exponent of the growth of {unit} from {way}"
-    if not way:
+        return f"{goal.job}: exponent of the growth of {unit} from {against}"
+    if not against:
         return f"{goal.job}: {unit} per item"
-    net = f", net of {goal.net_of}" if goal.net_of else ""
-    return f"{goal.job}: {unit} / {way}{net}"
+    net = f", net of {goal.baseline}" if goal.baseline else ""
+    return f"{goal.job}: {unit} / {against}{net}"
 
 
 def verdicts(times, counts, count_only):
     """One row a goal: what, measured, bound, stretch, verdict."""
     for goal in GOALS:
         by_count = goal.instructions or count_only
-        unit = "instructions" if by_count else goal.quantity
-        outcome = measured(goal, counts if by_count else times)
+        results = counts if by_count else times
+        outcome = measured(goal, results)
         if outcome is None:
             continue
-        number, way = outcome
+        number, against = outcome
+        unit = results[goal.job, "kelpix"].unit
         stretch = "" if goal.stretch is None else f"{goal.stretch:g}"
-        yield (describe(goal, way, unit), f"{number:.3g}", f"{goal.at_most:g}", stretch,
+        yield (describe(goal, against, "time" if unit == "ns" else unit), f"{number:.3g}", f"{goal.at_most:g}", stretch,
                "met" if number <= goal.at_most else "missed")
 
 
@@ -122,7 +127,7 @@ def spread(result):
 
 
 def noise(times):
-    spreads = sorted(spread(result) for result in times.values())
+    spreads = sorted(spread(result) for result in times.values() if result.unit == "ns")
     if not spreads:
         return "Instructions were counted: the machine's noise does not matter."
     load = os.getloadavg()[0]
@@ -150,12 +155,10 @@ def report(times, counts, count_only):
     rows = list(verdicts(times, counts, count_only))
     met = sum(row[-1] == "met" for row in rows)
     text = machine() + "\n" + noise(times) + "\n\n"
-    others = {goal.job for goal in GOALS if goal.quantity != "time"}
-    details = [(job, way, result.item,
-                f"{result.median():.0f}" if job in others else
-                f"{result.median():.1f} ns" if results is times else f"{result.median():.0f} instr.")
-               for results in (times, counts) for (job, way), result in results.items()]
-    text += table(("Job", "Way", "Per", "Cost"), details) + "\n"
+    details = [(job, contender, result.item,
+                f"{result.median():.{1 if result.unit == 'ns' else 0}f} {result.unit}")
+               for results in (times, counts) for (job, contender), result in results.items()]
+    text += table(("Job", "Contender", "Per", "Cost"), details) + "\n"
     text += table(("Goal", "Measured", "At most", "Stretch", "Verdict"), rows) + "\n"
     return text + f"{met} of {len(rows)} goals met.\n", met == len(rows)
 

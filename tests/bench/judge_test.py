@@ -17,9 +17,9 @@ from goals import Goal  # noqa: E402, from FOLDER
 from judge import Result  # noqa: E402, from FOLDER
 
 
-def times(**ways):
+def times(**contenders):
     """Results of the job "swim"."""
-    return {("swim", way): Result("fish", numbers) for way, numbers in ways.items()}
+    return {("swim", name): Result("fish", numbers) for name, numbers in contenders.items()}
 
 
 class Judge(unittest.TestCase):
@@ -29,18 +29,30 @@ class Judge(unittest.TestCase):
         return measured, verdict
 
     def test_a_ratio_is_the_median_of_the_ratios_of_the_rounds(self):
-        results = times(kelpix=[1, 20, 6], limit=[2, 10, 10])
-        self.assertEqual(self.verdict(Goal("swim", "limit", 0.6), results), ("0.6", "met"))
-        self.assertEqual(self.verdict(Goal("swim", "limit", 0.59), results), ("0.6", "missed"))
+        results = times(kelpix=[1, 20, 6], bound=[2, 10, 10])
+        self.assertEqual(self.verdict(Goal("swim", "bound", 0.6), results), ("0.6", "met"))
+        self.assertEqual(self.verdict(Goal("swim", "bound", 0.59), results), ("0.6", "missed"))
 
-    def test_of_several_ways_the_fastest_counts(self):
+    def test_of_several_contenders_the_fastest_counts(self):
         results = times(kelpix=[6, 6, 6], slow=[12, 12, 12], fast=[4, 4, 4])
         self.assertEqual(self.verdict(Goal("swim", "slow, fast", 1), results), ("1.5", "missed"))
 
     def test_what_is_in_both_sides_is_subtracted(self):
-        results = times(kelpix=[12, 12, 12], limit=[14, 14, 14], window=[10, 10, 10])
-        self.assertEqual(self.verdict(Goal("swim", "limit", 0.5, net_of="window"), results),
+        results = times(kelpix=[12, 12, 12], bound=[14, 14, 14], window=[10, 10, 10])
+        self.assertEqual(self.verdict(Goal("swim", "bound", 0.5, baseline="window"), results),
                          ("0.5", "met"))
+
+    def test_a_goal_against_a_library_that_is_not_installed_is_left_out(self):
+        with mock.patch.object(judge, "GOALS", [Goal("swim", "another", 1)]):
+            self.assertEqual(list(judge.verdicts(times(kelpix=[1, 1, 1]), {}, False)), [])
+
+    def test_a_count_has_its_own_unit_and_no_noise(self):
+        results = {("dive", "kelpix"): Result("start", [4096], "bytes")}
+        with mock.patch.object(judge, "GOALS", [Goal("dive", at_most=5000)]):
+            text, all_met = judge.report(results, {}, False)
+        self.assertTrue(all_met)
+        self.assertIn("| 4096 bytes |", text)
+        self.assertIn("| dive: bytes per item |", text)
 
     def test_growth_is_an_exponent(self):
         # A hundred times the time for ten times the fish: ten times as much for each.
@@ -49,13 +61,13 @@ class Judge(unittest.TestCase):
                          ("2", "met"))
 
     def test_a_goal_whose_job_was_not_run_is_left_out(self):
-        with mock.patch.object(judge, "GOALS", [Goal("dive", "limit")]):
+        with mock.patch.object(judge, "GOALS", [Goal("dive", "bound")]):
             self.assertEqual(list(judge.verdicts(times(kelpix=[1, 1, 1]), {}, False)), [])
 
     def test_the_report_counts_what_was_met(self):
-        goals = [Goal("swim", "limit", 0.5), Goal("swim", at_most=3)]
+        goals = [Goal("swim", "bound", 0.5), Goal("swim", at_most=3)]
         with mock.patch.object(judge, "GOALS", goals):
-            text, all_met = judge.report(times(kelpix=[2, 2, 2], limit=[2, 2, 2]), {}, False)
+            text, all_met = judge.report(times(kelpix=[2, 2, 2], bound=[2, 2, 2]), {}, False)
         self.assertFalse(all_met)
         self.assertTrue(text.startswith("Machine: "))
         self.assertIn("\nNoise: ", text)

@@ -1,4 +1,4 @@
-// The draw walk over the scene's 209 nodes, on a GL that only counts.
+// The draw traversal of the scene's 209 nodes, on an OpenGL that only counts.
 
 #include "Job.h"
 
@@ -49,16 +49,16 @@ void enterAndLeave(float* transform, float* world)
     glPopMatrix();
 }
 
-bench::Job walk()
+bench::Job traversal()
 {
     const auto stage = newStage();
     const auto matrices = std::make_shared<std::vector<float>>(32);
     const auto noBubbles = [] { emitt = 0; };
-    return {"walk over 209 nodes",
+    return {"traversal of 209 nodes",
             "node",
             NODES,
             {{"kelpix", [stage] { stage->scene.graph.draw(); }, noBubbles},
-             {"limit", [matrices] {
+             {"lower bound", [matrices] {
                   for (int i = 0; i < NODES; ++i) {
                       enterAndLeave(matrices->data(), matrices->data() + 16);
                   }
@@ -69,5 +69,5 @@ bench::Job walk()
 
 int main(int argc, char** argv)
 {
-    return bench::run(argc, argv, {walk});
+    return bench::run(argc, argv, {traversal});
 }

@@ -1,9 +1,10 @@
 #include <GL/glew.h>
 
-#include "OsgFrame.h"
-
+#include "Context.h"
 #include "Environment.h"
 #include "FrozenScene.h"
+#include "Painter.h"
+#include "Peers.h"
 #include "ReadyBody.h"
 #include "Texture.h"
 
@@ -14,10 +15,6 @@
 #include <osg/MatrixTransform>
 #include <osg/Texture2D>
 #include <osgViewer/Viewer>
-
-struct OsgFrame::Viewer {
-    osgViewer::Viewer viewer;
-};
 
 namespace {
 
@@ -178,27 +175,29 @@ osg::ref_ptr<osg::Group> newScene(const FrozenScene& scene)
     return root;
 }
 
-} // namespace
-
-OsgFrame::OsgFrame(const FrozenScene& scene) : viewer(std::make_unique<Viewer>())
+void prepare(osgViewer::Viewer& viewer, const FrozenScene& scene)
 {
-    osgViewer::Viewer& osg = viewer->viewer;
-    osg.setUpViewerAsEmbeddedInWindow(0, 0, 740, 740);
-    osg.setThreadingModel(osgViewer::ViewerBase::SingleThreaded);
-    osg.setLightingMode(osg::View::NO_LIGHT);
-    osg.setSceneData(newScene(scene));
-    osg::Camera* camera = osg.getCamera();
+    viewer.setUpViewerAsEmbeddedInWindow(0, 0, 740, 740);
+    viewer.setThreadingModel(osgViewer::ViewerBase::SingleThreaded);
+    viewer.setLightingMode(osg::View::NO_LIGHT);
+    viewer.setSceneData(newScene(scene));
+    osg::Camera* camera = viewer.getCamera();
     camera->setClearColor({0.02f, 0.1f, 0.15f, 1});
     camera->setViewport(0, 0, 740, 740);
     camera->setComputeNearFarMode(osg::CullSettings::DO_NOT_COMPUTE_NEAR_FAR);
     camera->setProjectionMatrix(osg::Matrixf(scene.projection));
     camera->setViewMatrix(osg::Matrix::identity());
-    osg.realize();
+    viewer.realize();
 }
 
-OsgFrame::~OsgFrame() = default;
+} // namespace
 
-void OsgFrame::draw()
+/// The frozen scene as a scene of OpenSceneGraph: a node with a transform for each thing, state
+/// shared by what looks alike.
+std::vector<Painter> bench::peers::painters(const FrozenScene& scene)
 {
-    viewer->viewer.frame();
+    const auto context = bench::makeContext();
+    static osgViewer::Viewer viewer; // as the scene's nodes, until the program ends
+    prepare(viewer, scene);
+    return {{"OpenSceneGraph", context, [] { viewer.frame(); }}};
 }
