@@ -13,7 +13,7 @@ namespace {
 
 constexpr int TICKS = 200; // the figures are up by then, and the fish near them in schools
 
-/// The least that a tick must do: add up the positions and velocities of each fish's neighbours,
+/// The least that a tick must do: add up the positions and velocities of each fish's neighbors,
 /// found beforehand and packed.
 class Sums {
 public:

@@ -77,7 +77,7 @@ public:
     /// not correct.
     void resize(int x, int y, int w, int h) override;
 
-    /// Hands \p x and \p y to the camera's ortho2D at the next GL initialisation.
+    /// Hands \p x and \p y to the camera's ortho2D at the next GL initialization.
     void setOffset(float x, float y);
 
     /// Borrows \p font.

@@ -74,10 +74,10 @@ public:
     ///         "FT_Bitmap_Convert failed"
     static Glyph render(FT_FaceRec_* face, unsigned character);
 
-    /// The coverage of a bitmap's pixels, as in Glyph. Bitmaps of other kinds than 8-bit grey, and
+    /// The coverage of a bitmap's pixels, as in Glyph. Bitmaps of other kinds than 8-bit gray, and
     /// those whose last row comes first, are converted.
     ///
-    /// Fixed behavior: the rows of an 8-bit grey bitmap with the first row first are read as if
+    /// Fixed behavior: the rows of an 8-bit gray bitmap with the first row first are read as if
     /// they were not padded, whatever the pitch. Pinned by
     /// CoverageTest.GreyRowsAreTakenWithoutTheirPadding; do not correct.
     ///

@@ -104,7 +104,7 @@ TEST_F(BoidMoveTest, AFlockPullsTowardsItsCentreAndItsVelocity)
     Boid* const b = boids.add(BOID_FISH, 2, {0.5625f, 0.5f, 0}, {3, 0, 0});
     std::vector<Boid*> flock = {a, b};
     boid->move(&flock, &flock);
-    // Centre (0.53125, 0.53125), 0.044 away; mean velocity (2, 2).
+    // Center (0.53125, 0.53125), 0.044 away; mean velocity (2, 2).
     EXPECT_THAT(boid->flockCenter, IsVec3(0.53125f, 0.53125f, 0));
     const float towards = 0.03125f * 0.14f;
     EXPECT_THAT(boid->vel, IsVec3((1 + towards) + 1 * 0.04f, (0 + towards) + 2 * 0.04f, 0));

@@ -69,7 +69,7 @@ Matrix4 perspective(double fovy, double aspect, double zNear, double zFar)
             0};
 }
 
-/// The matrix that the manual page of glOrtho gives, for a volume centred on the origin.
+/// The matrix that the manual page of glOrtho gives, for a volume centered on the origin.
 Matrix4 orthographic(double right, double top, double zFar)
 {
     return {1 / right, 0, 0, 0, 0, 1 / top, 0, 0, 0, 0, -1 / zFar, 0, 0, 0, 0, 1};
@@ -97,7 +97,7 @@ protected:
         EXPECT_EQ(getInteger(GL_MATRIX_MODE), GL_MODELVIEW);
     }
 
-    /// Where a point of the eye frame lands, in normalised device coordinates.
+    /// Where a point of the eye frame lands, in normalized device coordinates.
     static std::array<double, 2> projected(double x, double y, double z)
     {
         const std::vector<float> m = getMatrix(GL_PROJECTION_MATRIX);
@@ -177,7 +177,7 @@ TEST_F(CameraTest, PerspectiveTakesTheAspectRatioInSinglePrecision)
     const std::vector<float> expected =
         single(perspective(60, static_cast<double>(1366.0f / 768.0f), 0.01, 100));
     EXPECT_THAT(getMatrix(GL_PROJECTION_MATRIX), Pointwise(FloatNear(1e-6f), expected));
-    // Of this size a ratio in double precision gives the neighbouring float.
+    // Of this size a ratio in double precision gives the neighboring float.
     EXPECT_EQ(getMatrix(GL_PROJECTION_MATRIX)[0], expected[0]);
     EXPECT_NE(single(perspective(60, 1366.0 / 768.0, 0.01, 100))[0], expected[0]);
 }

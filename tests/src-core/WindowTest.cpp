@@ -27,7 +27,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// What the next initialisation of GLEW shall find.
+/// What the next initialization of GLEW shall find.
 struct MachineGL {
     GLenum result = GLEW_OK;
     GLboolean vertexShader = 1;

@@ -17,7 +17,7 @@
 namespace {
 
 using testing::HasSubstr;
-/// Reads a file of one row of grey samples.
+/// Reads a file of one row of gray samples.
 Bytes samplesOf(int bitDepth, std::size_t width, const Bytes& packed)
 {
     const TempPath path(".png");

@@ -50,7 +50,7 @@ Picture gradient(std::size_t width, std::size_t height, std::size_t channels);
 void writePng(const TempPath& path, std::size_t width, std::size_t height, int colorType,
               int bitDepth, const Bytes& rows, bool interlaced = false);
 
-/// Writes a picture of 1, 2, 3 or 4 channels as grey, grey with alpha, RGB, RGB with alpha.
+/// Writes a picture of 1, 2, 3 or 4 channels as gray, gray with alpha, RGB, RGB with alpha.
 void writePng(const TempPath& path, const Picture& picture, bool interlaced = false);
 
 /// A chunk of a PNG file.
@@ -68,7 +68,7 @@ Bytes withChunks(const Bytes& file, const Bytes& chunks);
 
 enum class JpegKind { baseline, progressive };
 
-/// Writes a picture of 1, 3 or 4 channels as a grey, YCbCr or CMYK JPEG file.
+/// Writes a picture of 1, 3 or 4 channels as a gray, YCbCr or CMYK JPEG file.
 void writeJpeg(const TempPath& path, const Picture& picture, int quality = 90,
                JpegKind kind = JpegKind::baseline);
 

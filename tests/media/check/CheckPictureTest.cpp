@@ -45,7 +45,7 @@ protected:
     CheckedFolder folder;
 };
 
-/// A disc in the middle of a picture, bright and solid, in a transparent surround of one colour.
+/// A disc in the middle of a picture, bright and solid, in a transparent surround of one color.
 Picture disc(std::size_t size, double radius, unsigned char surround = 200)
 {
     Picture picture{size, size, 4, {}};

@@ -313,7 +313,7 @@ TEST_F(ObjDrawTest, TheTangentIsVertexAttribute6)
         const float u[3] = {0.2f, 0.4f, 0.8f};
         std::copy_n(u, 3, obj::vert(fi, vi)->u);
     }
-    // A vertex program that shows the attribute as the colour.
+    // A vertex program that shows the attribute as the color.
     const char program[] = "!!ARBvp1.0\n"
                            "MOV result.position, vertex.position;\n"
                            "MOV result.color, vertex.attrib[6];\n"

@@ -208,7 +208,7 @@ TEST_F(ObjMapTest, AJpegIsStoredBottomRowFirst)
 
 TEST_F(ObjMapTest, RowsOfOddLengthAreReadTightly)
 {
-    // 3 x 5 is scaled to a power of two; a row of 9 bytes taken for one of 12 would bring colours
+    // 3 x 5 is scaled to a power of two; a row of 9 bytes taken for one of 12 would bring colors
     // of other places in, and read past the end.
     glPixelStorei(GL_UNPACK_ALIGNMENT, 8);
     glPixelStorei(GL_UNPACK_ROW_LENGTH, 100);
@@ -307,7 +307,7 @@ TEST_F(ObjMapTest, ADamagedJpegIsReportedInTheWordsOfItsLibrary)
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "Not a JPEG file: starts with 0x6e 0x6f\n"
                                                       "Premature end of JPEG file\n");
     EXPECT_EQ(text, 0U);
-    EXPECT_NE(cut, 0U); // what is missing is grey
+    EXPECT_NE(cut, 0U); // what is missing is gray
 }
 
 TEST_F(ObjMapTest, APictureThatIsTooLargeGivesNoTexture)

@@ -252,7 +252,7 @@ TEST_F(ObjReaderTest, TheFaceNormalGoesToTheVerticesWithTheNumbersOfThePositions
     // position 3.
     const Model m = model("v 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\ns 1\nf 3 2 1\nf 4 3 2\nf 4 1 2\n");
     ASSERT_EQ(m.vertices.size(), 4U);
-    // Sum of the unit normals before normalising: vertex 0 got two, 1 got three, 2 got two, 3 got
+    // Sum of the unit normals before normalizing: vertex 0 got two, 1 got three, 2 got two, 3 got
     // two, of which the last, of 4 1 2, is (0, 0, 1).
     const auto z = [&m](std::size_t vi) { return m.vertices[vi].n[2]; };
     EXPECT_TRUE(std::isnan(z(0))); // -1 + 1 = 0, of length 0
