@@ -1,4 +1,4 @@
-// The whole scene with the generated media in a real window: of any size, minimised for a while,
+// The whole scene with the generated media in a real window: of any size, minimized for a while,
 // and hidden by its program and shown again.
 
 #include <GL/glew.h>
