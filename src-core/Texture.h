@@ -29,8 +29,8 @@ public:
     /// Leaves a display list behind; a second call makes a second texture.
     ///
     /// Fixed behavior: the pixels are uploaded as RGB for a JPEG and as RGBA for a PNG, with the
-    /// component count as the internal format. A gray JPEG, and a gray or RGB PNG, thus get pixels
-    /// that were put together wrongly. Pinned by
+    /// component count as the internal format. Of a gray JPEG, and of a gray or RGB PNG, the bytes
+    /// are therefore grouped into wrong pixels. Pinned by
     /// TextureTest.EveryKindAndComponentCountIsUploadedAsItsKind; do not correct.
     ///
     /// Fixed behavior: after a failed read, whatever the image holds (the rows that were read so

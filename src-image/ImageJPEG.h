@@ -37,10 +37,9 @@ public:
     /// file. An image that was just read is written upside down. Pinned by
     /// ImageJPEGTest.APictureThatWasJustReadIsWrittenUpsideDown; do not correct.
     /// \param quality  0 to 100; other values count as the nearer end
-    /// \return 1; 0 after a failure: there is no buffer (no file is made), the file cannot be
-    /// opened
-    ///         ("can't open %s\n" on standard error), or the library refuses (its message on
-    ///         standard error) because the disk is full or the pixels do not have 3 components
+    /// \return 1; 0 after a failure: there is no buffer (no file is made then), the file cannot be
+    ///         opened ("can't open %s\n" on standard error), or the library refuses (its message
+    ///         on standard error) because the disk is full or there are not 3 components
     int write(const char* filename, int quality) override;
 
     unsigned char* getPixelBuffer() override { return buffer; }
