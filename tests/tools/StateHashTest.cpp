@@ -16,8 +16,8 @@
 #include <memory>
 #include <sstream>
 
-/// The numbers that stand for the state of the scene. The pinned ones are the same at every level of
-/// optimization, from both compilers and with the sanitizers: a change to the code that moves
+/// The numbers that stand for the state of the scene. The pinned ones are the same at every level
+/// of optimization, from both compilers and with the sanitizers: a change to the code that moves
 /// nothing leaves them as they are.
 
 namespace {
