@@ -1,5 +1,5 @@
 #version 120
-// Colours crests and troughs, and lets the rim glow.
+// Colors crests and troughs, and lets the rim glow.
 
 varying float wave;
 varying vec3 facing;

@@ -20,12 +20,12 @@ done
 convert "$work/fish0-large.png" "$work/fish0-shown.png" "$work/bubble-large.png" \
     "$work/bubble-shown.png" +append +dither -colors 128 -strip "$pictures/sprites.png"
 
-# The fish as a graphics card enlarges it, colours and opacity mixed apart, with transparent pixels
-# that are coloured and that are black.
+# The fish as a graphics card enlarges it, colors and opacity mixed apart, with transparent pixels
+# that are colored and that are black.
 enlarged() { # FROM TO
-    convert "$1" -alpha off -filter triangle -resize 500% "$work/colour.png"
+    convert "$1" -alpha off -filter triangle -resize 500% "$work/color.png"
     convert "$1" -alpha extract -filter triangle -resize 500% "$work/alpha.png"
-    convert "$work/colour.png" "$work/alpha.png" -compose CopyOpacity -composite -compose Over \
+    convert "$work/color.png" "$work/alpha.png" -compose CopyOpacity -composite -compose Over \
         -background '#3aa0b0' -flatten "$2"
 }
 convert "$set_folder/data/fish0.png" -background black -alpha background "$work/black.png"
@@ -44,12 +44,12 @@ awk -v record=1100 -v last=1400 '
                                     py(0.45 * $(3 + 6 * k) - 0.1))
     }
     END {
-        split("#ffb040 #ffffff #ff80c0", colour, " ")
+        split("#ffb040 #ffffff #ff80c0", color, " ")
         for (k = 0; k < 3; ++k) {
             x = px(0.60 - 0.05 * k); y = py(-0.1)
-            printf "fill none stroke %s stroke-width 3 polyline%s\n", colour[k + 1], way[k]
-            printf "fill %s stroke none circle %.1f,%.1f %.1f,%.1f\n", colour[k + 1], x, y, x + 6, y
-            printf "fill %s stroke none text %.1f,%.1f \"%d\"\n", colour[k + 1], x - 4, y + 22, k
+            printf "fill none stroke %s stroke-width 3 polyline%s\n", color[k + 1], way[k]
+            printf "fill %s stroke none circle %.1f,%.1f %.1f,%.1f\n", color[k + 1], x, y, x + 6, y
+            printf "fill %s stroke none text %.1f,%.1f \"%d\"\n", color[k + 1], x - 4, y + 22, k
         }
         print "fill none stroke #ffffff stroke-width 1 stroke-dasharray 4 4"
         printf "rectangle %.1f,%.1f %.1f,%.1f\n", px(0.0189), py(0.9811), px(0.9811), py(0.0189)

@@ -24,7 +24,7 @@ constexpr int SOLID = 64;
 /// Bit depth and color type, from the header of a PNG file.
 struct PngHeader {
     int bits = 0;
-    int colourType = -1;
+    int colorType = -1;
 
     explicit PngHeader(const std::filesystem::path& path)
     {
@@ -32,7 +32,7 @@ struct PngHeader {
         char bytes[BITS_AT + 2];
         if (std::ifstream(path, std::ios::binary).read(bytes, sizeof bytes)) {
             bits = static_cast<unsigned char>(bytes[BITS_AT]);
-            colourType = static_cast<unsigned char>(bytes[BITS_AT + 1]);
+            colorType = static_cast<unsigned char>(bytes[BITS_AT + 1]);
         }
     }
 };
@@ -154,7 +154,7 @@ void checkFringe(const Sprite& sprite, FileReport& report)
     }
     if (dark * 10 > meetings) {
         report.wrong("transparent pixels beside the figure are dark, which gives it a dark fringe; "
-                     "let them have the colour of their neighbours");
+                     "let them have the color of their neighbors");
     }
 }
 
@@ -208,11 +208,11 @@ bool readSprite(const std::filesystem::path& path, const std::string& instead, I
     image.sourceFile = nullptr;
     if (!read) {
         constexpr int PALETTE = 3;
-        constexpr int GREY_ALPHA = 4;
+        constexpr int GRAY_ALPHA = 4;
         const bool understood = said.starts_with("Unsupported color type");
-        report.wrong((understood && header.colourType == PALETTE      ? "has a palette"
-                      : understood && header.colourType == GREY_ALPHA ? "is grey with alpha"
-                                                                      : "cannot be decoded") +
+        report.wrong((understood && header.colorType == PALETTE      ? "has a palette"
+                      : understood && header.colorType == GRAY_ALPHA ? "is gray with alpha"
+                                                                     : "cannot be decoded") +
                      inBrackets(said) + ", save it as RGBA with 8 bits a channel; " + instead);
         return false;
     }
@@ -220,7 +220,7 @@ bool readSprite(const std::filesystem::path& path, const std::string& instead, I
         report.hint("the reader complains" + inBrackets(said));
     }
     if (image.c != 4) {
-        report.wrong(std::string(image.c == 1 ? "is grey" : "has no alpha channel") +
+        report.wrong(std::string(image.c == 1 ? "is gray" : "has no alpha channel") +
                      ": the scene takes it for RGBA and shows garbled pixels");
         return false;
     }
@@ -243,7 +243,7 @@ bool readSprite(const std::filesystem::path& path, const std::string& instead, I
 FileReport checkWater(const std::filesystem::path& folder)
 {
     FileReport report{"data/underwater.jpg", "", {}};
-    const std::string instead = "the water is plain grey";
+    const std::string instead = "the water is plain gray";
     const std::filesystem::path path = folder / report.name;
     if (!checkReadable(path, Mark::wrong, instead, report)) {
         return report;
@@ -264,7 +264,7 @@ FileReport checkWater(const std::filesystem::path& folder)
         report.wrong("is damaged" + inBrackets(said) + "; part of the picture is lost");
     }
     if (image.c != 3) {
-        report.wrong(std::string(image.c == 1 ? "is grey" : "is CMYK") +
+        report.wrong(std::string(image.c == 1 ? "is gray" : "is CMYK") +
                      ": the scene takes it for RGB and shows garbled pixels");
     }
     checkSize(image, report);

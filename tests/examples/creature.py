@@ -14,7 +14,7 @@ VOICE = pathlib.Path(sys.argv.pop()).resolve()
 # machine shows that is too slow for 40 updates a second is not foreseen: only a record at the origin is
 # the same however often it is met. The three sensors then rest here, in world units, below the picture.
 PLACES = [(0.6, -0.1), (0.55, -0.1), (0.5, -0.1)]
-CENTRE = (0.55, -0.1)
+CENTER = (0.55, -0.1)
 ZOOM = 0.8 ** 4  # four steps out
 
 
@@ -44,9 +44,9 @@ class Creature(unittest.TestCase):
         (folder / "sound/magpie_vocal.ogg").symlink_to(VOICE)
         (folder / "data/still.txt").write_text(records * (" ".join(25 * ["0"]) + "\n"))
         (folder / "data/mocap.txt").write_text("MOCAP\n1 3\ndata/still.txt\n")
-        for colour, name in (("rgba(255,0,0,1)", "png32:data/squid.png"),
+        for color, name in (("rgba(255,0,0,1)", "png32:data/squid.png"),
                              ("black", "data/underwater.jpg")):
-            subprocess.run(["convert", "-size", "8x8", f"xc:{colour}", name], cwd=folder,
+            subprocess.run(["convert", "-size", "8x8", f"xc:{color}", name], cwd=folder,
                            check=True)
 
     def is_settled(self, picture):
@@ -54,17 +54,17 @@ class Creature(unittest.TestCase):
         if not body:
             return False
         x, y = middle(body)
-        expected_x, expected_y = pixel(*CENTRE)
+        expected_x, expected_y = pixel(*CENTER)
         # The lines, white over it, move the middle of what is red by a few pixels.
         return abs(x - expected_x) < 12 and abs(y - expected_y) < 12
 
-    def test_eases_towards_the_centre_of_three_figures(self):
+    def test_eases_towards_the_center_of_three_figures(self):
         with tempfile.TemporaryDirectory() as folder:
             self.make_media(pathlib.Path(folder), records=10801)
             with Program(PROGRAM, folder) as program:
                 for _ in range(4):
                     program.click(370, 370, button=5)
-                picture = program.await_picture(self.is_settled, "a creature at the centre")
+                picture = program.await_picture(self.is_settled, "a creature at the center")
                 width = ZOOM * 0.4 * 1.2 * 740 / 1.1547
                 body = picture.places(is_body)
                 self.assertGreater(16 * len(body), 0.7 * width * width)

@@ -40,7 +40,7 @@ class Shader(unittest.TestCase):
     def check_waves(self, picture):
         self.assertTrue(picture.places(is_crest))
         self.assertTrue(picture.places(is_trough))
-        self.assert_is_sphere(picture, lambda *colour: colour != BACKGROUND)
+        self.assert_is_sphere(picture, lambda *color: color != BACKGROUND)
 
     def test_draws_with_its_own_shaders(self):
         with Program(PROGRAM) as program:

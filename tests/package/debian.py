@@ -96,7 +96,7 @@ class Packages(unittest.TestCase):
                     flags=re.M | re.S).count("\n"), "nothing of it is lost")
             self.assertGreater(count, 6)
 
-    def test_the_licences_are_in(self):
+    def test_the_licenses_are_in(self):
         for package in ("kelpix", "libkelpix-dev"):
             text = (USR / "share/doc" / package / "copyright").read_text()
             for paragraph in (ROOT / "LICENSE").read_text().split("\n\n")[2:]:

@@ -86,7 +86,7 @@ inline std::string difference(const std::vector<Feedback::Primitive>& actual,
             }
             for (std::size_t c = 0; c < 4; ++c) {
                 if (bits(a[k].color[c]) != bits(e[k].color[c])) {
-                    return "the colour" + where;
+                    return "the color" + where;
                 }
                 if (bits(a[k].texture[c]) != bits(e[k].texture[c])) {
                     return "the texture coordinate" + where;

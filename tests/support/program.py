@@ -7,7 +7,7 @@ import tempfile
 import time
 
 PATIENCE = 240  # seconds that a program under the sanitizers may take to do what is awaited
-BACKGROUND = (5, 26, 38)  # the window's clear colour
+BACKGROUND = (5, 26, 38)  # the window's clear color
 
 
 class Picture:
@@ -23,7 +23,7 @@ class Picture:
         return tuple(self.bytes[start:start + 3])
 
     def places(self, condition, step=4):
-        """The places (x, y) of a grid of pixels whose colour (r, g, b) meets a condition."""
+        """The places (x, y) of a grid of pixels whose color (r, g, b) meets a condition."""
         return [(x, y) for y in range(0, self.height, step) for x in range(0, self.width, step)
                 if condition(*self.at(x, y))]
 

@@ -30,10 +30,10 @@ protected:
         put(name, path.read());
     }
 
-    void putPng(const std::string& name, int colourType, int bits, std::size_t rowBytes) const
+    void putPng(const std::string& name, int colorType, int bits, std::size_t rowBytes) const
     {
         const TempPath path(".png");
-        writePng(path, 64, 64, colourType, bits, Bytes(rowBytes * 64));
+        writePng(path, 64, 64, colorType, bits, Bytes(rowBytes * 64));
         put(name, path.read());
     }
 
@@ -54,9 +54,9 @@ Picture disc(std::size_t size, double radius, unsigned char surround = 200)
         for (std::size_t x = 0; x < size; ++x) {
             const bool inside = std::hypot(static_cast<double>(x) - middle,
                                            static_cast<double>(y) - middle) < radius;
-            const unsigned char colour = inside ? 200 : surround;
+            const unsigned char color = inside ? 200 : surround;
             const unsigned char alpha = inside ? 255 : 0;
-            for (const unsigned char byte : {colour, colour, colour, alpha}) {
+            for (const unsigned char byte : {color, color, color, alpha}) {
                 picture.bytes.push_back(byte);
             }
         }
@@ -95,7 +95,7 @@ TEST_F(CheckPictureTest, AJpegOfOtherThanThreeComponentsIsGarbled)
 {
     putJpeg(gradient(64, 64, 1));
     EXPECT_THAT(checkWater(folder.path()),
-                Says(Mark::wrong, "is grey: the scene takes it for RGB"));
+                Says(Mark::wrong, "is gray: the scene takes it for RGB"));
     putJpeg(gradient(64, 64, 4));
     EXPECT_THAT(checkWater(folder.path()), Says(Mark::wrong, "is CMYK"));
     putJpeg(gradient(64, 64, 3));
@@ -138,14 +138,14 @@ TEST_F(CheckPictureTest, PngKindsThatTheSceneDoesNotTakeLeaveSquares)
     putPng("data/fish0.png", PNG_COLOR_TYPE_PALETTE, 2, 16);
     EXPECT_THAT(checkFish(folder.path()), Says(Mark::wrong, "has a palette"));
     putPng("data/bubble.png", PNG_COLOR_TYPE_GRAY_ALPHA, 8, 128);
-    EXPECT_THAT(checkBubble(folder.path()), Says(Mark::wrong, "is grey with alpha"));
+    EXPECT_THAT(checkBubble(folder.path()), Says(Mark::wrong, "is gray with alpha"));
 }
 
 TEST_F(CheckPictureTest, PngKindsOfOtherThanFourComponentsAreGarbled)
 {
     putPng("data/fish0.png", PNG_COLOR_TYPE_GRAY, 8, 64);
     EXPECT_THAT(checkFish(folder.path()),
-                Says(Mark::wrong, "is grey: the scene takes it for RGBA"));
+                Says(Mark::wrong, "is gray: the scene takes it for RGBA"));
     putPng("data/fish0.png", PNG_COLOR_TYPE_RGB, 8, 192);
     EXPECT_THAT(checkFish(folder.path()), Says(Mark::wrong, "has no alpha channel"));
 }

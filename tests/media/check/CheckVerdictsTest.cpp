@@ -119,7 +119,7 @@ TEST_F(CheckVerdictsTest, TheWaterIsLostWhenItsReaderFails)
         verdicts.add(read);
         const FileReport report = media::checkWater(folder.path());
         ASSERT_EQ(says(report, "cannot be decoded"), !read) << input;
-        ASSERT_EQ(says(report, "the water is plain grey"), !read && image.buffer == nullptr);
+        ASSERT_EQ(says(report, "the water is plain gray"), !read && image.buffer == nullptr);
         ASSERT_EQ(says(report, "garbled pixels"), read && image.c != 3) << input;
     }
 }
