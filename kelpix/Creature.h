@@ -9,6 +9,9 @@
 /// square with a thick line to each sensor. Lengths are units of the parent's frame; the sensors
 /// must have the same parent. Its own transform only translates. Texture, display list and model
 /// live until the process ends.
+///
+/// \par Example
+/// \snippet creature.cpp sensors
 class Creature : public Node {
 public:
     Vec3 pos; ///< translation before the move of the last update; the lines start there

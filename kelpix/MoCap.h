@@ -29,6 +29,9 @@ public:
 /// text too: records of 25 numbers (the time, then for three sensors x y z of the position and x y
 /// z of the orientation, then six numbers that are ignored). White space separates words; line
 /// breaks do not matter.
+///
+/// \par Example
+/// \snippet creature.cpp clock
 class MoCap {
 public:
     /// Owns all series, file by file: entry f * sensors per file + k is sensor k of file f.

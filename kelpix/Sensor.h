@@ -11,6 +11,9 @@ class SensorRep;
 ///
 /// A recorded position p appears at (0.45 p.x + 0.55, 0.45 p.y - 0.1), sensor 0 another 0.05 to the
 /// right, sensor 2 to the left. Lengths are world units.
+///
+/// \par Example
+/// \snippet creature.cpp sensors
 class Sensor : public Node {
 public:
     Vec3 pos;               ///< position of this update, before the speed limit

@@ -57,6 +57,9 @@ struct Cluster {
 };
 
 /// Reads such a file and finds the entry of the host that it runs on.
+///
+/// \par Example
+/// \snippet tiles.cpp read
 class TileConfig {
 public:
     Cluster* cluster = nullptr;      ///< borrows: the wall that was read last; null before

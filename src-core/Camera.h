@@ -15,6 +15,9 @@ struct Point2 {
 
 /// Sets up GL's viewport, scissor box, projection and view transform. The view transform stays in
 /// the modelview matrix from frame to frame: SceneGraph leaves that matrix as it found it.
+///
+/// \par Example
+/// \snippet SceneWindow.cpp scene
 class Camera {
 public:
     std::vector<Viewport*> viewportList; ///< borrows; parts of a tiled display, not used here

@@ -17,6 +17,9 @@ namespace freetype {
 
 /// A font at one size. Its GL objects live until clean is called: there is no destructor, because a
 /// GL context must be current then.
+///
+/// \par Example
+/// \snippet obj-viewer.cpp text
 struct font_data {
     float h = 0;                ///< height as given to init
     GLuint* textures = nullptr; ///< owns; 128 texture names, one for each character

@@ -6,6 +6,9 @@
 ///
 /// The extension's entry points come from GLEW: a shader can be created only after glewInit, with a
 /// current GL context. Without the entry points no shader object is made or deleted.
+///
+/// \par Example
+/// \snippet shader.cpp compile
 class Shader {
 public:
     GLhandleARB handle = 0; ///< the shader object; 0 until create makes one

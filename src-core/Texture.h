@@ -8,6 +8,9 @@
 /// A texture is constructed early, before there is a GL context, from a name and a kind only. A
 /// node that draws with it calls load when isLoaded is false, and then binds *getId(). Nothing is
 /// unloaded: the GL texture, the image and its pixels stay until the program ends.
+///
+/// \par Example
+/// \snippet creature.cpp texture
 class Texture {
 public:
     const char* imageFileName; ///< borrows

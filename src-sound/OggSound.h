@@ -12,6 +12,9 @@
 ///
 /// OpenAL's error state is never checked. Without a sound device, and before load, all operations
 /// except the decoding have no effect, getState returns 0, and the playback fraction is 0.
+///
+/// \par Example
+/// \snippet creature.cpp recording
 class OggSound {
 public:
     ALint state = 0;              ///< the source's state as getState read it last

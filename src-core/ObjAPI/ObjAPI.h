@@ -35,6 +35,9 @@
 /// images are relative to the model's directory. A file that cannot be read gives an empty model;
 /// libraries and images that cannot be read are left out; lines that cannot be parsed are skipped.
 /// With a current GL context it makes the textures and leaves the last one bound.
+///
+/// \par Example
+/// \snippet obj-viewer.cpp model
 int obj_add_file(const char* filename);
 
 /// Adds a material without name and maps: Kd (0.8, 0.8, 0.8, 1), Ka (0.2, 0.2, 0.2, 1), Ke and Ks
