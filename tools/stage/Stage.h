@@ -14,9 +14,9 @@ class MoCap;
 /// played as fast as the caller asks for them, without timers, sound device or display. The same
 /// seed and the same calls give the same scene to the bit.
 ///
-/// Time goes in steps of a fortieth of a second, the program's rate of updates and of redraws. The
-/// step of the recording is that of the latest tick of the program's motion-capture clock, 90 a
-/// second, for a voice that plays in virtual time.
+/// Time goes in steps: the program's updates, each followed by a redraw (Rates::UPDATES). The step
+/// of the recording is that of the latest tick of the program's motion-capture clock
+/// (Rates::CLOCK_TICKS), for a voice that plays in virtual time.
 ///
 /// Use one stage at a time: the random numbers and the count of draws between bubbles belong to the
 /// process, and a new stage starts both anew.
@@ -48,8 +48,8 @@ public:
     Stage(const Stage&) = delete;
     Stage& operator=(const Stage&) = delete;
 
-    /// One step, a fortieth of a second: sets the step of the recording and updates every node. The
-    /// first call is that of time 0. Needs no GL context.
+    /// One step: sets the step of the recording and updates every node. The first call is that of
+    /// time 0. Needs no GL context.
     void update();
 
     /// Draws one frame into the current framebuffer, as the window does; the program draws once
