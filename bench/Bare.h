@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-/// The least that decoding a file costs: the library alone, each byte written once. Files that are
-/// good; nothing is checked.
+/// The least that decoding a file costs: the library alone, each byte written once. Nothing is
+/// checked: the files are known to be whole.
 namespace bench {
 
 struct CloseFile {
@@ -23,7 +23,7 @@ Pixels decodePng(const std::string& path);
 /// A track of two channels at most, 16 bits a sample, into a buffer that has the room.
 std::vector<char> decodeOgg(const std::string& path);
 
-/// All numbers of a text, other words left out.
+/// All numbers of a text; other words are skipped.
 std::vector<float> decodeNumbers(const std::string& path);
 
 } // namespace bench

@@ -4,9 +4,9 @@
 
 namespace bench {
 
-/// Runs something in a process of its own and returns what it returns there: with fresh memory, as
-/// after the start of a program, and without traces here. The caller must not have started threads.
-/// Ends this program with status 1 when the child fails.
+/// Calls a function in a child process and returns its result. It finds memory as at the start of a
+/// program, and changes nothing in this process. The caller must not have started threads. Ends
+/// this program with status 1 when the child fails.
 double inChild(const std::function<double()>& function);
 
 /// Clocks, in seconds.

@@ -1,4 +1,4 @@
-// Ends the process when its first frame is in the window: the toolkit calls this function instead
+// Ends the process when its first frame is in the window: FLTK calls this function instead
 // of the GL library's.
 
 #include <GL/glew.h>

@@ -30,10 +30,10 @@ public:
             for (std::size_t i = 0; i < fish.size(); ++i) {
                 if (fish[i] != one &&
                     one->searchRadius >= Vec3::EuclDistance(fish[i]->pos, one->pos)) {
-                    neighbours.push_back(i);
+                    neighbors.push_back(i);
                 }
             }
-            ends.push_back(neighbours.size());
+            ends.push_back(neighbors.size());
         }
         sums.resize(states.size());
     }
@@ -43,7 +43,7 @@ public:
         for (std::size_t i = 0; i < ends.size(); ++i) {
             State sum;
             for (; next < ends[i]; ++next) {
-                const State& state = states[neighbours[next]];
+                const State& state = states[neighbors[next]];
                 sum = {sum.pos + state.pos, sum.vel + state.vel};
             }
             sums[i] = sum;
@@ -55,7 +55,7 @@ private:
         Vec3 pos, vel;
     };
     std::vector<State> states, sums;
-    std::vector<std::size_t> neighbours, ends;
+    std::vector<std::size_t> neighbors, ends;
 };
 
 /// The world and its reference, at the tick that is measured again and again.

@@ -20,7 +20,8 @@ namespace {
 constexpr const char* FONT = "fonts/ChalkboardBold.ttf";
 constexpr unsigned CHARACTERS = 128;
 
-/// The calls alone: each glyph loaded and rendered, each texture and list made, of no picture.
+/// The calls alone: each glyph loaded and rendered, each texture and display list made, of blank
+/// pixels.
 void makeBare(unsigned height)
 {
     FT_Library library = nullptr;

@@ -8,7 +8,7 @@
 class Boid;
 class SensorRep;
 
-/// The scene at one moment, to be drawn again and again, and what its picture is made of. Matrices
+/// The scene at one moment, to be drawn again and again, and what a frame is made of. Matrices
 /// are model to eye, 16 floats, and belong to the scene; outlines are x and y of one point after
 /// the other.
 class FrozenScene {

@@ -20,7 +20,7 @@ constexpr std::size_t SIDE = 2048;
 
 using bench::Pixels;
 
-/// A smooth picture with waves and a little noise, as photographs have.
+/// A smooth image with waves and a little noise, as photographs have.
 media::Bitmap newPicture(int channels)
 {
     media::Bitmap picture;

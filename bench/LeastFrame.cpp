@@ -1,5 +1,5 @@
-// The least that can happen up to a first frame: a window with nothing in it; with an argument, the
-// file of the bodies' numbers, also the decoding of the scene's media and the bodies' lists.
+// The least work up to a first frame: an empty window. With an argument, the file of the bodies'
+// points, it also decodes the scene's media and makes the bodies' display lists.
 
 #include <GL/glew.h>
 

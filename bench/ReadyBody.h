@@ -7,8 +7,8 @@
 
 namespace bench {
 
-/// All frames of a figure's body with the numbers computed beforehand: making display lists of them
-/// costs the GL calls and nothing else.
+/// All frames of a figure's body, their points computed beforehand, so that making display lists of
+/// them costs the GL calls alone.
 struct ReadyBody {
     static constexpr int FRAMES = 240;
     static constexpr int SEGMENTS = literal::BODY_SEGMENTS;
@@ -25,7 +25,7 @@ struct ReadyBody {
     /// Computes them step by step, each point from its angles.
     static ReadyBody compute();
 
-    /// Makes the lists. Needs: current GL context. \return the first of FRAMES lists
+    /// Makes the display lists. Needs: current GL context. \return the first of FRAMES names
     unsigned compile() const;
 };
 

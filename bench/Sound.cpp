@@ -36,8 +36,8 @@ std::uint64_t hashOf(const std::vector<char>& track)
     return bench::hashOf(track.data(), track.size());
 }
 
-/// In a process of its own, since OpenAL keeps what it was given and the allocator what it got
-/// back. The CPU time of this thread: OpenAL plays in another one.
+/// Loads in a child process: OpenAL keeps the tracks, and the allocator freed memory. Takes the CPU
+/// time of the calling thread: OpenAL plays in another one.
 template<typename Load>
 double cost(Load load)
 {

@@ -28,8 +28,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 namespace {
 
-/// The end of what was printed, longer than any message. Lives on while the process ends, and its
-/// streams with it.
+/// The last part of what was printed, longer than any message. Never deleted: streams write to it
+/// until the process has ended.
 std::string& messages = *new std::string;
 constexpr std::size_t KEPT_MESSAGES = 8192;
 
@@ -47,7 +47,7 @@ ssize_t noteStream(void*, const char* text, std::size_t size)
     return static_cast<ssize_t>(size);
 }
 
-/// For std::cerr, which writes past the buffer of stderr.
+/// For std::cerr, which does not write through stderr's buffer.
 class NoteBuffer : public std::streambuf {
     int overflow(int c) override
     {
@@ -123,7 +123,7 @@ void start()
     openFiles.clear();
 }
 
-/// One in 16 inputs comes a second time, and one of the first allocations fails.
+/// Replays one input in 16 with one of the first allocations failing.
 void testWithoutMemory(std::string_view input)
 {
     std::uint32_t hash = 2166136261u; // FNV-1a
@@ -182,7 +182,7 @@ int __wrap_fclose(std::FILE* file)
 
 int LLVMFuzzerInitialize(int*, char***)
 {
-    // What the fuzzer and the sanitizers say goes past these.
+    // The fuzzer and the sanitizers write to the file descriptors, not to these.
     std::cerr.rdbuf(new NoteBuffer); // in use until the very end
     cookie_io_functions_t functions = {};
     functions.write = noteStream;

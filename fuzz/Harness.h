@@ -1,7 +1,7 @@
 #pragma once
 
-/// What the targets have in common: the files of an input, and the ways in which code under test
-/// may end the process. A target is one source file that defines fuzz::test.
+/// What the targets share: the files of an input, and what happens when the code under test ends
+/// the process. A target is one source file that defines fuzz::test.
 
 #include "Memory.h"
 
@@ -15,15 +15,16 @@
 
 namespace fuzz {
 
-/// Defined by each target: hands one input to the code under test. What that prints is not shown.
-/// Some inputs come a second time, with memory running out in the code under test, as far as that
-/// is run by call or ends: then std::bad_alloc may leave this function.
+/// Defined by each target: hands one input to the code under test, whose output is not shown.
+/// One input in 16 is replayed with an allocation that fails. Only allocations inside call() and
+/// ends() can fail; std::bad_alloc may then leave this function.
 void test(std::string_view input);
 
 /// Ends the fuzzing with a finding, told in \p text, unless \p holds.
 void expect(bool holds, const char* text);
 
-/// Ends the fuzzing with a finding when AddressSanitizer knows that not all the bytes can be read.
+/// Ends the fuzzing with a finding unless all these bytes can be read, as far as AddressSanitizer
+/// knows.
 void reach(const unsigned char* bytes, std::size_t count);
 
 // ---- Files --------------------------------------------------------------------------------------
@@ -36,10 +37,10 @@ const std::string& folder();
 /// \return its path
 std::string place(const std::string& name, std::string_view bytes);
 
-/// An input that holds several files: the parts before, between and behind its lines "@@@".
+/// Splits an input that holds several files at its lines "@@@".
 std::vector<std::string_view> parts(std::string_view input);
 
-/// Takes numbers from the front of an input, zeros when nothing is left.
+/// Takes numbers from the front of an input; zeros when it is used up.
 class Numbers {
 public:
     explicit Numbers(std::string_view bytes) : left(bytes) {}
@@ -74,9 +75,9 @@ struct End {
     std::string message;
 };
 
-/// The place to go on when the code under test calls exit or abort. Both are declared to let no
-/// exception through, so the way is a jump, past the destructors of the code under test: it must
-/// not hold memory then.
+/// Where to go on when the code under test calls exit or abort. No exception may leave these two,
+/// so this is a longjmp, which skips the destructors of the code under test: it must not own memory
+/// then.
 class Escape {
 public:
     Escape();
@@ -117,8 +118,8 @@ auto call(Code code)
     return code();
 }
 
-/// Closes the files that code in ends has opened and not closed itself. Not for code that hands a
-/// file to a library.
+/// Closes the files that code inside ends() has left open. Not for code that hands a file to a
+/// library, which may close it.
 void closeFiles();
 
 } // namespace fuzz

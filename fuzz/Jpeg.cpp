@@ -1,11 +1,11 @@
-/// The input is a JPEG file. What can be read of it is written again.
+/// The input is a JPEG file. What is read of it is written again.
 
 #include "Harness.h"
 #include "ImageJPEG.h"
 
 namespace {
 
-/// The name of the file outlives the image, but not here.
+/// The image does not delete the name of its file.
 struct Image : ImageJPEG {
     ~Image() { delete[] sourceFile; }
 };

@@ -1,5 +1,5 @@
-/// The input is what follows "map_Kd" in a line of a material library. What the reader makes of it
-/// is compared with formatted input, which gives such lines their meaning.
+/// The input is what follows "map_Kd" in a line of a material library. The reader's result is
+/// compared with that of sscanf, which defines the meaning of such lines.
 
 #include "Harness.h"
 #include "ObjAPI.h"
@@ -31,7 +31,7 @@ bool scanClamp(const char*& text, unsigned& clamp)
     return true;
 }
 
-/// One to three numbers behind an option: the first three formats that take them all.
+/// One to three numbers after an option: the first of three formats that matches.
 bool scanVector(const char*& text, const std::string& option, float* v)
 {
     const std::string one = " -" + option + " %f";
@@ -56,7 +56,7 @@ Map scan(const char* text)
         char word[1024];
         int length = 0;
         if (std::sscanf(text, " %1023s%n", word, &length) != 1) {
-            break; // blanks before the end
+            break; // white space before the end
         }
         map.name = word;
         text += length;
@@ -64,7 +64,7 @@ Map scan(const char* text)
     return map;
 }
 
-/// How the name comes out again: no other operation gives it.
+/// The name of the map, which only the writer gives.
 std::string writtenName(int fi)
 {
     const std::string path = fuzz::place("again.mtl", "");
@@ -101,7 +101,7 @@ void fuzz::test(std::string_view input)
     const std::string path = place("model.obj", "mtllib m.mtl\nv 0 0 0\nusemtl a\nf 1 1 1\n");
     const int fi = call([&] { return obj_add_file(path.c_str()); });
     if (fi < 0) {
-        return; // there is no memory
+        return; // memory has run out
     }
     if (!memory::isScarce() && obj_num_mtrl(fi) == 1 && obj_get_mtrl_name(fi, 0) != nullptr) {
         const Map map = scan(std::string(line).c_str());

@@ -19,7 +19,7 @@ namespace {
 
 bool planned = false;
 bool counting = false;
-unsigned left = 0; ///< allocations that go well before one fails
+unsigned left = 0; ///< allocations that succeed before one fails
 bool failed = false;
 
 } // namespace

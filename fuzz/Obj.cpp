@@ -51,7 +51,7 @@ void checkModel(int fi)
 void fuzz::test(std::string_view input)
 {
     const TextureCheck textures;
-    memory::most = std::size_t{1} << 20; // each usemtl reads its pictures anew
+    memory::most = std::size_t{1} << 20; // each usemtl reads its images anew
     const char* const names[] = {"model.obj", "m.mtl", "a.png", "b.jpg"};
     const std::vector<std::string_view> files = parts(input);
     for (std::size_t i = 0; i < std::min<std::size_t>(files.size(), 4) && !input.empty(); ++i) {

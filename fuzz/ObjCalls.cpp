@@ -1,5 +1,5 @@
-/// The input is a sequence of operations on the model store, of one byte each with its operands.
-/// Indices may be wrong: then, and only then, the operation ends the process. The model is then
+/// The input is a sequence of operations on the model store, one byte each and its operands. An
+/// operation ends the process if, and only if, an index is out of range. At the end the models are
 /// written and read back.
 
 #include "Harness.h"
@@ -22,7 +22,7 @@ struct Target {
     int li;
 };
 
-/// Mostly an index that is there, sometimes any.
+/// Mostly an index in range, sometimes any.
 int index(fuzz::Numbers& numbers, int count)
 {
     const int number = numbers.take<unsigned char>();
@@ -38,7 +38,7 @@ bool is(int i, int count)
     return 0 <= i && i < count;
 }
 
-/// Runs an operation on indices of which \p good tells whether they are there.
+/// Runs an operation. \p good: its indices are in range.
 void check(bool good, const std::function<void()>& operation)
 {
     using fuzz::End;
@@ -218,7 +218,7 @@ void remove(int operation, const Target& t)
     }
 }
 
-/// The number of triangles and lines in the model; -1 when one has a vertex that is not there.
+/// The number of triangles and lines in the model; -1 when one has a vertex out of range.
 int primitives(int fi)
 {
     int count = 0;
@@ -257,7 +257,7 @@ void writeAndReadBack(int fi)
     }
 }
 
-/// The store is empty at the start of each input, whatever came before.
+/// Empties the store at the end of each input.
 struct EmptyStore {
     ~EmptyStore()
     {

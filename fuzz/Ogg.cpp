@@ -5,7 +5,8 @@
 
 #include <AL/al.h>
 
-// A device that plays nothing: names for buffers and sources. All other calls find no device.
+// A device that plays nothing, but has names for buffers and sources. All other calls find no
+// device.
 extern "C" {
 ALboolean alutInit(int*, char**)
 {
@@ -25,8 +26,8 @@ void alGenSources(ALsizei count, ALuint* names)
 }
 }
 
-/// libvorbis 1.3.7 and its libvorbisfile lose the headers of some damaged chains. What the reader
-/// itself would lose of theirs shows in its tests, which do without this.
+/// libvorbis 1.3.7 and its libvorbisfile leak the headers of some damaged chains. The reader's own
+/// leaks of their memory show in its tests, which do not suppress them.
 extern "C" const char* __lsan_default_suppressions()
 {
     return "leak:libvorbis";

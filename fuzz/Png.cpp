@@ -15,7 +15,7 @@ png_infop __wrap_png_create_info_struct(png_const_structrp png)
 
 namespace {
 
-/// The name of the file outlives the image, but not here.
+/// The image does not delete the name of its file.
 struct Image : ImagePNG {
     ~Image() { delete[] sourceFile; }
 };

@@ -1,5 +1,5 @@
-/// Replays inputs without a fuzzer: every file below the folders and files of the command line goes
-/// to the target once. Ends with status 1 when there was none.
+/// Replays inputs without a fuzzer: hands each file of the command line, and of its folders, to the
+/// target once. Ends with status 1 when there are none.
 
 #include <algorithm>
 #include <cstdint>

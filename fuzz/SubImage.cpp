@@ -21,7 +21,7 @@ struct Arguments {
     float scale;
 };
 
-/// What pixel (i, j) of the copy is to be, from wide arithmetic; null outside of the picture.
+/// What pixel (i, j) of the copy has to be, in wider arithmetic; null outside of the image.
 const unsigned char* source(const Arguments& a, const unsigned char* picture, int i, int j)
 {
     const auto stride = [&](int count) {
@@ -66,7 +66,7 @@ void fuzz::test(std::string_view input)
     const auto bytes = [](int w, int h, int comp) {
         return static_cast<std::size_t>(std::max(w, 0) * std::max(h, 0) * std::max(comp, 0));
     };
-    // Of just the sizes that are promised, so that a byte beyond is a finding.
+    // Exactly the promised sizes, so that an access beyond them is a finding.
     const std::size_t size = bytes(a.width, a.height, a.comp);
     const Pixels picture(new unsigned char[size]);
     std::generate_n(picture.get(), size, [&] { return numbers.take<unsigned char>(); });

@@ -2,8 +2,8 @@
 
 #include "Harness.h"
 
-// The source, not only its header: records live until the process ends, so an input has to take its
-// own away.
+// The source, not only its header: records live until the process ends, so each input has to delete
+// its own.
 #include "TileConfig.cpp" // NOLINT(bugprone-suspicious-include)
 
 extern "C" int __wrap_gethostname(char* name, std::size_t size)

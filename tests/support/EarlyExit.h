@@ -19,7 +19,7 @@ public:
 private:
     static void complain()
     {
-        // The child process of a death test may end as it likes.
+        // The child process of a death test may end in any way.
         if (process == getpid()) {
             std::fputs("The process ended in the middle of a test.\n", stderr);
             _exit(1);

@@ -5,10 +5,10 @@
 
 #include <string>
 
-/// Catches vertices in GL's feedback buffer with all their bits. GL gives back window coordinates,
-/// and in a window they lose bits: as long as the object lives, drawing goes to a framebuffer
-/// object without pixels of interest, whose viewport makes x and y of a vertex its window
-/// coordinates, except for a power of two that brings it into the view volume.
+/// Catches vertices in GL's feedback buffer with all their bits. Feedback returns window
+/// coordinates, whose usual viewport transform rounds. While this object lives, drawing goes to a
+/// framebuffer object whose viewport maps x and y of a vertex to window coordinates by a power of
+/// two, which is exact.
 class ExactFeedback {
 public:
     /// \param reach  a power of two; no coordinate may be larger
@@ -61,8 +61,8 @@ private:
     GLuint renderbuffer = 0;
 };
 
-/// Compares two drawings, to the bit. GL may cut polygons into triangles: what a shape should look
-/// like is best told by drawing it with plain calls.
+/// Compares two drawings, to the bit. GL may cut polygons into triangles, so the expected shape is
+/// best drawn, too, with plain calls.
 /// \return the first difference in words, empty when there is none
 inline std::string difference(const std::vector<Feedback::Primitive>& actual,
                               const std::vector<Feedback::Primitive>& expected)

@@ -68,7 +68,7 @@ int noteCaller(dl_phdr_info* module, std::size_t, void*)
     for (const char* name : names) {
         fails = fails || std::strstr(module->dlpi_name, name) != nullptr;
     }
-    // The C library has enough memory for a file that it opens; a file left open is a loss.
+    // The C library's allocations succeed, but count: a file left open is a leak.
     const bool counts = fails || std::strstr(module->dlpi_name, "libc.") != nullptr;
     for (int i = 0; counts && i < module->dlpi_phnum; ++i) {
         const ElfW(Phdr)& segment = module->dlpi_phdr[i];
@@ -137,7 +137,7 @@ std::size_t FailingMemory::blocks()
 
 #else
 
-// The C library's own names for what is replaced here.
+// The C library's functions under the names that stay.
 extern "C" {
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
@@ -147,7 +147,7 @@ void __libc_free(void* memory);
 
 namespace {
 
-/// Takes its memory past the functions that are replaced here.
+/// Allocates by the C library, not by the replacements below.
 template<typename T>
 struct LibraryAllocator {
     using value_type = T;
@@ -162,8 +162,8 @@ struct LibraryAllocator {
     bool operator==(const LibraryAllocator&) const { return true; }
 };
 
-/// The blocks that the code under test holds. While there are none, other threads go past the lock:
-/// a process that is forked meanwhile has nobody to open it.
+/// The blocks that the code under test has not freed. While there are none, nobody takes the lock:
+/// a process that is forked while another thread holds it could never get it.
 class Blocks {
 public:
     std::size_t count() const { return count_; }
@@ -193,7 +193,7 @@ private:
     std::unordered_set<void*, std::hash<void*>, std::equal_to<>, LibraryAllocator<void*>> blocks_;
 };
 
-/// Lives longer than everything that releases memory.
+/// Never destroyed: memory is freed until the process has ended.
 Blocks& held()
 {
     alignas(Blocks) static std::array<unsigned char, sizeof(Blocks)> place;
@@ -201,7 +201,7 @@ Blocks& held()
     return *blocks;
 }
 
-/// Notes a new block if it is the code under test that asked for it. \return the block
+/// Notes a block if the code under test allocated it. \return the block
 void* noted(void* memory, const void* caller)
 {
     if (armed && memory != nullptr && callerAt(caller) != nullptr) {
@@ -250,7 +250,7 @@ void* realloc(void* memory, std::size_t size) noexcept
     if (fails(caller)) {
         return nullptr;
     }
-    // Before the memory is another thread's.
+    // First: once the block is moved, another thread may get its address.
     const bool isHeld = held().remove(memory);
     void* const moved = __libc_realloc(memory, size);
     if (isHeld && (moved != nullptr || size != 0)) {

@@ -3,14 +3,13 @@
 #include <cstddef>
 #include <gtest/gtest.h>
 
-/// Lets allocations fail while it lives, as they do when memory is used up: those that the code
-/// under test makes, and those of the libraries that decode files for it, through operator new,
-/// malloc, calloc and realloc. The GL driver's and OpenAL's own are left alone, and those of
-/// libvorbis, which does not look whether it got any. Under a sanitizer, whose malloc has to stay,
-/// operator new alone fails.
+/// Lets allocations fail while it lives, as when memory is used up: those of the code under test
+/// and of the libraries that decode files for it, through operator new, malloc, calloc and realloc.
+/// Those of the GL driver and OpenAL always succeed, and those of libvorbis, which does not check
+/// its allocations. Under a sanitizer, whose malloc has to stay, operator new alone fails.
 ///
-/// A program that links this replaces these functions for good. Only the thread that makes the
-/// object is concerned.
+/// A program that links this replaces these functions from its start to its end. Only allocations
+/// of the thread that makes the object fail.
 class FailingMemory {
 public:
     enum Duration { ONCE, FOR_EVER };
@@ -29,14 +28,14 @@ public:
     /// failure.
     static void failWhile(bool (*condition)());
 
-    /// The blocks of memory that were made while one of these lived, by those whose allocations
-    /// fail and for the files that they opened, and are held now; 0 under a sanitizer, which looks
-    /// for leaks itself.
+    /// \return the number of blocks that were allocated while one of these lived, by code whose
+    ///         allocations can fail or for files that it opened, and are not freed yet; 0 under a
+    ///         sanitizer, which looks for leaks itself
     static std::size_t blocks();
 };
 
-/// Runs \p code, a second time too, and expects that this leaves no more memory behind: the first
-/// time may fill what lives as long as the program.
+/// Runs \p code twice and expects that the second run leaks nothing. The first one may allocate
+/// what lives as long as the program.
 template<typename Code>
 void expectNothingLost(Code code)
 {
@@ -46,13 +45,12 @@ void expectNothingLost(Code code)
     EXPECT_EQ(FailingMemory::blocks(), before);
 }
 
-/// Runs an operation with the first allocation failing, then with the second, and so on until it
-/// completes without meeting the failure; with one failure each, and then with all that follow
-/// failing too.
-/// \param operation  what fails; gives a result. Nothing in it asks for memory but the code under
-///                   test
-/// \param check      looks at the result and releases it. Its second argument tells whether the
-///                   operation met no failure: then it has to have succeeded
+/// Runs an operation with the first allocation failing, then with the second, and so on until no
+/// allocation fails; first with one failure each, then with all later allocations failing, too.
+/// \param operation  returns a result. Nothing in it but the code under test may allocate
+/// \param check      check(result, complete) checks the result and frees it. complete: no
+/// allocation
+///                   failed, so the operation must have succeeded
 template<typename Operation, typename Check>
 void failEachAllocation(Operation operation, Check check)
 {

@@ -5,11 +5,11 @@
 #include <gtest/gtest.h>
 #include <vector>
 
-/// The fixture of every test that needs a GL context: one 740 by 740 window of the toolkit with
-/// the scene's own visual (double-buffered, accumulation, alpha, depth), opened once for the
-/// program and made current before each test. Each test starts with identity matrices, no lists or
-/// textures bound, default blending, and no pending GL error, and ends without one.
-/// A test of this fixture is registered with DISPLAY in CMakeLists.txt.
+/// The fixture of every test that needs a GL context: one 740 by 740 window of FLTK with the
+/// scene's own visual (double-buffered, accumulation, alpha, depth), opened once for the program
+/// and made current before each test. Each test starts with identity matrices, no texture bound,
+/// default blending, and no pending GL error, and ends without one. A test of this fixture is
+/// registered with DISPLAY in CMakeLists.txt.
 class GLTest : public testing::Test {
 public:
     static constexpr int WIDTH = 740;

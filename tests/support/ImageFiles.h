@@ -27,7 +27,7 @@ private:
     std::string path;
 };
 
-/// A picture of 8 bits to a channel, rows top-down.
+/// An image of 8 bits to a channel, rows top-down.
 struct Picture {
     std::size_t width;
     std::size_t height;
@@ -38,10 +38,10 @@ struct Picture {
     Bytes bottomUp() const;
 };
 
-/// Every byte is as good as random, and the same on every run.
+/// Pseudo-random bytes, the same on every run.
 Picture noise(std::size_t width, std::size_t height, std::size_t channels);
 
-/// A picture without edges, which JPEG keeps nearly as it is.
+/// An image without edges, which JPEG changes little.
 Picture gradient(std::size_t width, std::size_t height, std::size_t channels);
 
 /// Writes a PNG file.
@@ -50,7 +50,7 @@ Picture gradient(std::size_t width, std::size_t height, std::size_t channels);
 void writePng(const TempPath& path, std::size_t width, std::size_t height, int colorType,
               int bitDepth, const Bytes& rows, bool interlaced = false);
 
-/// Writes a picture of 1, 2, 3 or 4 channels as gray, gray with alpha, RGB, RGB with alpha.
+/// Writes an image of 1, 2, 3 or 4 channels as gray, gray with alpha, RGB, RGB with alpha.
 void writePng(const TempPath& path, const Picture& picture, bool interlaced = false);
 
 /// A chunk of a PNG file.
@@ -60,7 +60,7 @@ Bytes pngChunk(const std::string& type, const Bytes& data);
 /// A chunk of a name and \p size MiB of dashes, compressed as zTXt and iCCP have them.
 Bytes compressedPngChunk(const std::string& type, int size);
 
-/// The bytes over and over, \p count times.
+/// The bytes, repeated \p count times.
 Bytes repeated(std::size_t count, const Bytes& bytes);
 
 /// A PNG file with more chunks behind its header.
@@ -68,9 +68,9 @@ Bytes withChunks(const Bytes& file, const Bytes& chunks);
 
 enum class JpegKind { baseline, progressive };
 
-/// Writes a picture of 1, 3 or 4 channels as a gray, YCbCr or CMYK JPEG file.
+/// Writes an image of 1, 3 or 4 channels as a gray, YCbCr or CMYK JPEG file.
 void writeJpeg(const TempPath& path, const Picture& picture, int quality = 90,
                JpegKind kind = JpegKind::baseline);
 
-/// What libjpeg makes of a file that is whole.
+/// Decodes an undamaged file by libjpeg alone.
 Picture readJpeg(const TempPath& path);

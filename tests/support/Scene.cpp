@@ -8,8 +8,7 @@
 
 namespace {
 
-/// Objects that live until the program's end are given back by that end, not one by one: the leak
-/// check has nothing to say here.
+/// Objects that live until the program ends are never deleted: no leak check here.
 Program::Environment withoutLeakCheck(Program::Environment changes)
 {
     const char* options = std::getenv("ASAN_OPTIONS");
@@ -109,7 +108,7 @@ std::string Scene::startText(const std::filesystem::path& folder)
 
 std::string Scene::firstFrameText()
 {
-    // The water's picture, the fishes' picture, and the bodies of the three sensors.
+    // The images of the water and of the fish, and the bodies of the three sensors.
     return "GLEW ok; can do GLSL; can do VBO; \n"
            "loaded texture data.\n"
            "loaded texture data.\n"

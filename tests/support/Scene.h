@@ -19,8 +19,7 @@ public:
     /// Waits for the window. \return its X window, in digits
     std::string window();
 
-    /// Waits for the window as that one does, but finds it before its first frame, too, when it has
-    /// no title yet.
+    /// As window(), but finds the window before its first frame, too, while it has no title.
     std::string newWindow();
 
     std::string title() { return printedBy({"xdotool", "getwindowname", window()}); }
