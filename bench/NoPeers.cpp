@@ -28,6 +28,11 @@ std::vector<Contender> objReaders(const std::string&)
     return {};
 }
 
+std::vector<Contender> objReadersWithMaterials(const std::string&)
+{
+    return {};
+}
+
 std::vector<Contender> fonts(const std::string&, unsigned)
 {
     return {};

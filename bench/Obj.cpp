@@ -188,7 +188,7 @@ bench::Job patchwork(const char* name, int triangles)
                       "usemtl",
                       static_cast<double>(triangles),
                       {{.name = "kelpix", .run = [path] { load(path); }}}};
-    bench::append(job.contenders, bench::peers::objReaders(path));
+    bench::append(job.contenders, bench::peers::objReadersWithMaterials(path));
     return job;
 }
 

@@ -29,6 +29,7 @@ std::vector<Contender> inverses(const std::shared_ptr<MatrixPairs>& pairs);
 std::vector<Contender> jpegReaders(const std::string& path);
 std::vector<Contender> pngReaders(const std::string& path);
 std::vector<Contender> objReaders(const std::string& path);
+std::vector<Contender> objReadersWithMaterials(const std::string& path);
 
 /// Fonts made of the file \p path. Needs: current GL context.
 std::vector<Contender> fonts(const std::string& path, unsigned height);
