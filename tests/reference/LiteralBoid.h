@@ -200,12 +200,12 @@ void Boid<N>::pushAway(Triple<N>& avoid, const Boid& other, ReferenceRandom& ran
 {
     const N d = distance(pos, other.pos);
     const Triple<N> separation = pos - other.pos;
-    const N cruiseDistance = 0.03f;
-    if (cruiseDistance / 2.0f > d) {
+    const N avoidanceRadius = 0.03f;
+    if (avoidanceRadius / 2.0f > d) {
         avoid.x = separation.x * static_cast<N>(random.next() % 40 + 20);
         avoid.y = separation.y * static_cast<N>(random.next() % 40 + 20);
         avoid.z = separation.z * static_cast<N>(random.next() % 40 + 20);
-    } else if (cruiseDistance > d) {
+    } else if (avoidanceRadius > d) {
         avoid.x = separation.x * static_cast<N>(random.next() % 8 + 4);
         avoid.y = separation.y * static_cast<N>(random.next() % 8 + 4);
         avoid.z = separation.z * static_cast<N>(random.next() % 8 + 4);
