@@ -64,7 +64,7 @@ bool describeStream(std::FILE* file, FT_StreamRec& stream)
     return true;
 }
 
-/// Opens the first face of a font, as FT_New_Face does for a path.
+/// Opens the first face of a font.
 FT_Error openFace(FT_Library library, FT_StreamRec& stream, FT_Face& face)
 {
     FT_Open_Args arguments = {};
@@ -109,7 +109,9 @@ Glyph readGlyph(FT_Face face, FT_UInt index)
     const FT_Bitmap& bitmap = rendered->bitmap;
     Glyph glyph;
     glyph.coverage = FontFile::coverageOf(face->glyph->library, bitmap);
-    if (!glyph.coverage.empty()) {
+    const bool lacksPixels =
+        glyph.coverage.size() < static_cast<std::size_t>(bitmap.width) * bitmap.rows;
+    if (!lacksPixels) {
         glyph.columns = static_cast<int>(bitmap.width);
         glyph.rows = static_cast<int>(bitmap.rows);
     }

@@ -15,8 +15,8 @@ struct Glyph {
     /// columns * rows bytes: the coverage of each pixel, 0 to 255. The first row is the top of the
     /// glyph. Empty for a glyph without pixels, a space for example.
     std::vector<unsigned char> coverage;
-    int columns = 0;  ///< of the bitmap, 0 to FontFile::MAX_SIDE
-    int rows = 0;     ///< of the bitmap, 0 to FontFile::MAX_SIDE
+    int columns = 0;  ///< of the bitmap, 0 to FontFile::MAX_SIDE; one side alone may be 0
+    int rows = 0;     ///< of the bitmap, likewise; both are 0 when FreeType gives no pixels
     int left = 0;     ///< pixels from the pen to the first column
     int top = 0;      ///< pixels from the baseline up to the top of the first row
     long advance = 0; ///< pixels that the pen moves to the right; negative for the left
@@ -42,8 +42,9 @@ public:
     /// Opens a font.
     /// \param name    a regular file in any format that FreeType reads; may be null
     /// \param height  size of the font in points at 96 dots per inch: 12 makes an em of 16 pixels.
-    ///                A height that FreeType refuses leaves the size of the font as it is opened:
-    ///                outlines have no pixels then, and bitmap fonts the size of their bitmaps
+    ///                FreeType takes 0 for 1. A height that it refuses leaves the size of the font
+    ///                as it is opened: outlines have no pixels then, and bitmap fonts the size of
+    ///                their bitmaps
     /// \throws std::runtime_error "FT_Init_FreeType failed" or "FT_New_Face failed (there is
     ///         probably a problem with your font file)", the latter also when there is no regular
     ///         file
@@ -53,9 +54,8 @@ public:
     /// \param character  code in the font's character map; a character that the font lacks has the
     ///                   glyph that the font keeps for those
     /// \return a reference into this object, valid until the next call
-    /// \throws std::runtime_error as render; "FT_Glyph_To_Bitmap failed" also when the glyphs
-    /// handed
-    ///         out need more than MAX_TEXELS
+    /// \throws std::runtime_error as render; also "FT_Glyph_To_Bitmap failed" when the textures of
+    ///         the glyphs so far need more than MAX_TEXELS
     const Glyph& glyph(unsigned character);
 
     /// \return whether the font's character map has the character
@@ -69,9 +69,8 @@ public:
     /// changes.
     ///
     /// \throws std::runtime_error "FT_Load_Glyph failed", "FT_Get_Glyph failed",
-    /// "FT_Glyph_To_Bitmap
-    ///         failed" (also for a glyph more than MAX_SIDE pixels wide or high) or
-    ///         "FT_Bitmap_Convert failed"
+    ///         "FT_Glyph_To_Bitmap failed" or "FT_Bitmap_Convert failed". A glyph more than
+    ///         MAX_SIDE pixels wide or high fails as FT_Glyph_To_Bitmap
     static Glyph render(FT_FaceRec_* face, unsigned character);
 
     /// The coverage of a bitmap's pixels, as in Glyph. Bitmaps of other kinds than 8-bit gray, and

@@ -49,10 +49,9 @@ public:
     virtual bool start() = 0;
 
     /// Reads all pixels and what follows them.
-    /// \param pixels  width * height * channels bytes: receives the rows bottom-up, not padded.
-    /// When
-    ///                this fails, a JPEG's rows that were not reached are 0; a PNG's rows are not
-    ///                complete anywhere
+    /// \param pixels  width * height * channels bytes: receives the rows bottom-up, not padded
+    /// \return false on failure. A JPEG's rows that were not reached are then 0; any row of a PNG
+    ///         may be incomplete
     virtual bool readRows(unsigned char* pixels) = 0;
 
     /// Good after readHeader.

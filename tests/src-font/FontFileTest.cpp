@@ -138,34 +138,51 @@ TEST(FontFileTest, AHeightOf1500PointsIsRead)
 {
     FontFile font(FONT, 1500);
     for (unsigned c = 0; c < 128; ++c) {
-        const Glyph& glyph = font.glyph(c);
-        EXPECT_EQ(glyph.columns == 0, glyph.rows == 0) << c;
+        const int columns = font.glyph(c).columns;
         if (c == 'W') {
-            EXPECT_GT(glyph.columns, 1500);
+            EXPECT_GT(columns, 1500);
         }
     }
 }
 
-/// A bitmap font whose glyphs all have one row of so many pixels.
-Bytes rowOf(int pixels)
+/// A bitmap font whose glyphs all have so many columns and rows, all pixels set.
+Bytes fontOf(int columns, int rows)
 {
-    const std::string font =
+    const std::string size = std::to_string(columns) + " " + std::to_string(rows);
+    std::string font =
         "STARTFONT 2.1\nFONT -s-s-m-r-normal--16-120-96-96-c-100-iso10646-1\nSIZE 12 96 96\n"
         "FONTBOUNDINGBOX " +
-        std::to_string(pixels) +
-        " 1 0 0\nSTARTPROPERTIES 2\nFONT_ASCENT 16\nFONT_DESCENT 0\nENDPROPERTIES\n"
+        size +
+        " 0 0\nSTARTPROPERTIES 2\nFONT_ASCENT 16\nFONT_DESCENT 0\nENDPROPERTIES\n"
         "CHARS 1\nSTARTCHAR A\nENCODING 0\nDWIDTH 9 0\nBBX " +
-        std::to_string(pixels) + " 1 0 0\nBITMAP\n" +
-        std::string(static_cast<std::size_t>((pixels + 7) / 8 * 2), 'F') + "\nENDCHAR\nENDFONT\n";
+        size + " 0 0\nBITMAP\n";
+    for (int row = 0; row < rows; ++row) {
+        font += std::string(static_cast<std::size_t>((columns + 7) / 8 * 2), 'F') + "\n";
+    }
+    font += "ENDCHAR\nENDFONT\n";
     return {font.begin(), font.end()};
+}
+
+TEST(FontFileTest, ABitmapWithoutColumnsOrRowsKeepsItsOtherSide)
+{
+    const TempPath path(".bdf");
+    path.write(fontOf(8, 0));
+    const Glyph flat = FontFile(path.name(), 12).glyph('A');
+    EXPECT_EQ(flat.columns, 8);
+    EXPECT_EQ(flat.rows, 0);
+    path.write(fontOf(0, 8));
+    const Glyph narrow = FontFile(path.name(), 12).glyph('A');
+    EXPECT_EQ(narrow.columns, 0);
+    EXPECT_EQ(narrow.rows, 8);
+    EXPECT_EQ(narrow.top, 8);
 }
 
 TEST(FontFileTest, TheLongestSideOfAGlyphHas4096Pixels)
 {
     const TempPath path(".bdf");
-    path.write(rowOf(4096));
+    path.write(fontOf(4096, 1));
     EXPECT_EQ(FontFile(path.name(), 12).glyph('A').columns, 4096);
-    path.write(rowOf(4097));
+    path.write(fontOf(4097, 1));
     FontFile font(path.name(), 12);
     EXPECT_EQ(errorOf([&] { font.glyph('A'); }), TOO_LARGE);
 }
