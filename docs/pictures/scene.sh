@@ -5,6 +5,6 @@ record=$1
 media=$2
 pictures=$(dirname "$0")
 
-"$record" --media "$media" --seed 7 --at 48 --png "$pictures/scene.png"
-"$record" --media "$media" --seed 7 --at 44 --seconds 6 --fps 20 --out "$pictures/film.webp" -- \
+"$record" --force --media "$media" --seed 7 --at 48 --png "$pictures/scene.png"
+"$record" --force --media "$media" --seed 7 --at 44 --seconds 6 --fps 20 --out "$pictures/film.webp" -- \
     -vf scale=370:370:flags=area -c:v libwebp_anim -quality 30 -compression_level 6 -loop 0

@@ -59,6 +59,10 @@ std::vector<commandline::Option> tableOf(Options& options)
     return {
         {"--out", "DIR", "the folder that gets data/, sound/ and fonts/",
          commandline::text(options.out)},
+        {"--force", "",
+         "replaces files that are there with other contents; without\n"
+         "it nothing is written when there is one",
+         commandline::flag(options.force)},
         {"--seed", "N", "another set of the same kind (default 1)",
          number<std::uint64_t>(request.seed, 0, UINT64_MAX)},
         {"--water", "SIZE",

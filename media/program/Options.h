@@ -13,6 +13,7 @@ struct Options {
     commandline::Action action = commandline::Action::work;
     Request request;
     std::filesystem::path out;
+    bool force = false;          ///< replace files of other contents
     std::filesystem::path check; ///< empty = make the set; else the folder to look at
     const Asset* only = nullptr; ///< null = the whole set
 };

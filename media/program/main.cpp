@@ -1,10 +1,12 @@
 #include "Check.h"
+#include "Delivery.h"
 #include "Options.h"
-#include "PartFile.h"
-#include "Printable.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
+#include <exception>
+#include <iterator>
 #include <mutex>
 #include <thread>
 
@@ -16,8 +18,8 @@ using media::Options;
 
 constexpr const char* PROGRAM = "kelpix-media";
 
-/// Makes assets and writes their files, on two threads. The bytes of an asset depend on the request
-/// alone, not on the order in which the threads take them.
+/// Makes assets, on two threads. The bytes of an asset depend on the request alone, not on the
+/// order in which the threads take them.
 class Workshop {
 public:
     explicit Workshop(const Options& from) : options(from)
@@ -27,15 +29,24 @@ public:
                 jobs.push_back(&asset);
             }
         }
+        made.resize(jobs.size());
     }
 
-    /// \return what went wrong first, empty when all files are written
-    std::string run()
+    /// \return the files of all assets, in the order of the table. Throws what the first failure
+    /// throws.
+    std::vector<File> run()
     {
         std::thread second([this] { work(); });
         work();
         second.join();
-        return error;
+        if (error) {
+            std::rethrow_exception(error);
+        }
+        std::vector<File> files;
+        for (std::vector<File>& asset : made) {
+            std::move(asset.begin(), asset.end(), std::back_inserter(files));
+        }
+        return files;
     }
 
 private:
@@ -43,17 +54,11 @@ private:
     {
         for (std::size_t i = next++; i < jobs.size(); i = next++) {
             try {
-                for (const File& file : jobs[i]->make(options.request)) {
-                    Files::writeWhole(options.out / file.name, file.bytes);
-                    const std::lock_guard lock(mutex);
-                    std::printf("%s: %s\n", file.name.c_str(),
-                                Files::printable(file.summary).c_str());
-                    std::fflush(stdout);
-                }
-            } catch (const std::exception& problem) {
+                made[i] = jobs[i]->make(options.request);
+            } catch (...) {
                 const std::lock_guard lock(mutex);
-                if (error.empty()) {
-                    error = problem.what();
+                if (!error) {
+                    error = std::current_exception();
                 }
                 next = jobs.size();
             }
@@ -62,9 +67,10 @@ private:
 
     const Options& options;
     std::vector<const Asset*> jobs;
+    std::vector<std::vector<File>> made; ///< of each job; one thread writes an entry
     std::atomic<std::size_t> next{0};
-    std::mutex mutex; ///< guards error and the progress lines
-    std::string error;
+    std::mutex mutex; ///< guards error
+    std::exception_ptr error;
 };
 
 int run(const std::vector<std::string>& arguments)
@@ -79,11 +85,8 @@ int run(const std::vector<std::string>& arguments)
         std::fputs(media::describe(reports).c_str(), stdout);
         return media::playsWell(reports) ? 0 : 1;
     }
-    const std::string error = Workshop(options).run();
-    if (!error.empty()) {
-        std::fprintf(stderr, "%s: %s\n", PROGRAM, Files::printable(error).c_str());
-    }
-    return error.empty() ? 0 : 1;
+    media::deliver(Workshop(options).run(), options.out, options.force);
+    return 0;
 }
 
 } // namespace

@@ -77,6 +77,8 @@ std::vector<commandline::Option> tableOf(Options& options)
         {"--out", "FILM", "the extension tells the kind: .mp4, .mkv, .webm, .gif ...",
          film(options.out)},
         {"--png", "PICTURE", "the picture of one moment, as PNG", picture(options.png)},
+        {"--force", "", "replaces a file that has the name of the film or picture",
+         commandline::flag(options.force)},
         {"--hash", "", "prints the scene's state at one moment as numbers",
          commandline::flag(options.hash)},
         {"--at", "S", "that moment, or where the film begins, in seconds (default 0)",

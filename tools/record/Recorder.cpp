@@ -172,6 +172,19 @@ void Recorder::film(const Schedule& schedule, Encoder& encoder)
     }
 }
 
+/// Throws std::runtime_error when film or picture would replace a file. What a folder or a missing
+/// one means is said when the file is made.
+void keepFiles(const Options& options)
+{
+    for (const std::filesystem::path& path : {options.out, options.png}) {
+        std::error_code error;
+        if (!options.force && exists(std::filesystem::symlink_status(path, error)) &&
+            !std::filesystem::is_directory(path, error)) {
+            throw std::runtime_error(path.string() + " is there already; --force replaces it");
+        }
+    }
+}
+
 /// The frames of the film, or the one of the picture or the hash, up to where the script ends the
 /// scene.
 Schedule scheduleFor(const Options& options, const Script& script)
@@ -191,6 +204,7 @@ Schedule scheduleFor(const Options& options, const Script& script)
 std::string runRecorder(const Options& options, const Script& script)
 {
     const Schedule schedule = scheduleFor(options, script);
+    keepFiles(options);
     const HeldMessages messages;
     const ExitGuard guard([&] { messages.show(); });
     Recorder recorder(options, script);

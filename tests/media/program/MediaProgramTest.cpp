@@ -151,15 +151,47 @@ TEST_F(MediaProgramTest, CopiesAnotherFontWithoutALicense)
     EXPECT_EQ(content(folder / "set/fonts/ChalkboardBold.ttf"), "a font");
 }
 
-TEST_F(MediaProgramTest, ReplacesOldFilesAndLeavesNoPartialOnes)
+TEST_F(MediaProgramTest, ReplacesWhatAnotherHasMadeOnlyWhenItIsForced)
+{
+    const fs::path data = folder / "set/data";
+    fs::create_directories(data);
+    const auto before = [&] {
+        std::ofstream(data / "dance.txt") << "a dance of somebody's own";
+        fs::remove(data / "rehearsal.txt");
+        fs::create_symlink("nowhere", data / "rehearsal.txt");
+        fs::remove(data / "mocap.txt");
+    };
+    before();
+    const std::string make = "--only dance --seconds 20 --out " + quoted("set");
+    EXPECT_EQ(run(make), 1);
+    EXPECT_EQ(err, "kelpix-media: nothing is written: --force would replace in " +
+                       (folder / "set").string() + ": data/dance.txt data/rehearsal.txt\n");
+    EXPECT_THAT(out, IsEmpty());
+    EXPECT_EQ(content(data / "dance.txt"), "a dance of somebody's own");
+    EXPECT_TRUE(fs::is_symlink(data / "rehearsal.txt"));
+    EXPECT_FALSE(fs::exists(data / "mocap.txt"));
+
+    // The start of what would be written is something else, too.
+    std::ofstream(data / "dance.part.txt") << "from a run that was cut off";
+    EXPECT_EQ(run(make + " --force"), 0) << err;
+    EXPECT_THAT(namesOf(folder / "set"),
+                testing::ElementsAre("data/dance.txt", "data/mocap.txt", "data/rehearsal.txt"));
+    const std::string dance = content(data / "dance.txt");
+    for (const std::string& other : {dance.substr(0, dance.size() - 1), dance + "\n"}) {
+        std::ofstream(data / "dance.txt") << other;
+        EXPECT_EQ(run(make), 1);
+        EXPECT_THAT(err, testing::EndsWith(": data/dance.txt\n"));
+        EXPECT_EQ(content(data / "dance.txt"), other);
+    }
+}
+
+TEST_F(MediaProgramTest, LeavesFilesOfTheSameContentAsTheyAre)
 {
     fs::create_directories(folder / "set/data");
-    std::ofstream(folder / "set/data/fish0.png") << "old";
-    std::ofstream(folder / "set/data/fish0.part.png") << "from a run that was cut off";
+    fs::create_symlink(KELPIX_MEDIA_DIR "/data/fish0.png", folder / "set/data/fish0.png");
     ASSERT_EQ(run("--only fish --out " + quoted("set")), 0) << err;
-    EXPECT_THAT(namesOf(folder / "set"), testing::ElementsAre("data/fish0.png"));
-    EXPECT_TRUE(content(folder / "set/data/fish0.png") ==
-                content(KELPIX_MEDIA_DIR "/data/fish0.png"));
+    EXPECT_EQ(out, "data/fish0.png: 64 x 64\n");
+    EXPECT_TRUE(fs::is_symlink(folder / "set/data/fish0.png"));
 }
 
 TEST_F(MediaProgramTest, SaysWhatIsWrongWithTheCommandLine)
@@ -207,8 +239,8 @@ TEST_F(MediaProgramTest, FailsClearlyWithoutAFont)
 TEST_F(MediaProgramTest, ExplainsItself)
 {
     EXPECT_EQ(run("--help"), 0);
-    for (const char* option :
-         {"--out", "--seed", "--water", "--seconds", "--only", "--font", "--help", "--version"}) {
+    for (const char* option : {"--out", "--force", "--seed", "--water", "--seconds", "--only",
+                               "--font", "--help", "--version"}) {
         EXPECT_THAT(out, HasSubstr(option));
     }
     for (const char* asset :

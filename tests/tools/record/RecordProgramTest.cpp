@@ -188,7 +188,7 @@ TEST_F(RecordProgramTest, APictureIsTheFilmsFrameOfThatTime)
     EXPECT_TRUE(frames[3] == frames[4]) << "both show step 162";
     for (const auto& [time, frame] :
          std::vector<std::pair<std::string, std::size_t>>{{"4", 0}, {"4.05", 3}, {"4.0833", 5}}) {
-        ASSERT_EQ(run("--png picture.png --size 64x64 --at " + time), 0) << err;
+        ASSERT_EQ(run("--force --png picture.png --size 64x64 --at " + time), 0) << err;
         const std::string picture =
             converted({"-i", "picture.png", "-f", "rawvideo", "-pix_fmt", "rgb24"}, "picture");
         EXPECT_TRUE(picture == frames[frame]) << time;
@@ -330,6 +330,22 @@ TEST_F(RecordProgramTest, SaysWhereItCannotWrite)
     EXPECT_EQ(err, "kelpix-record: cannot write " + (work / "nowhere/picture.png").string() +
                        ": No such file or directory\n");
     EXPECT_THAT(filesLeft(), ElementsAre("film.mp4"));
+}
+
+TEST_F(RecordProgramTest, ReplacesAFileOnlyWhenItIsForced)
+{
+    write("film.mp4", "somebody's film");
+    fs::create_symlink("nowhere", work / "picture.png");
+    for (const std::string name : {"film.mp4", "picture.png"}) {
+        const std::string option = name == "film.mp4" ? "--out " : "--png ";
+        EXPECT_EQ(run(option + name + " --size 64x64 --seconds 0.1"), 1);
+        EXPECT_EQ(err, "kelpix-record: " + (work / name).string() +
+                           " is there already; --force replaces it\n");
+    }
+    EXPECT_EQ(file("film.mp4"), "somebody's film");
+    EXPECT_THAT(filesLeft(), ElementsAre("film.mp4", "picture.png"));
+    EXPECT_EQ(run("--force --png picture.png --size 64x64"), 0) << err;
+    EXPECT_THAT(file("picture.png"), HasSubstr("PNG"));
 }
 
 TEST_F(RecordProgramTest, LeavesNothingOnAFullDisk)
