@@ -6,6 +6,7 @@
 #include "StandardStreams.h"
 #include "UnderwaterScene.h"
 #include "Window.h"
+#include "WindowIcon.h"
 
 #include <AL/alc.h>
 #include <FL/Fl.H>
@@ -55,6 +56,18 @@ OggSound* loadSound(const char* path)
                              "\nStart it in a graphical session, or set DISPLAY to an X server.");
 }
 
+/// What desktops and window managers are told of the window before it is shown: a name until the
+/// first frame gives it a title, its class, by which they find the desktop entry, its icon, and
+/// that it may have any size from the smallest on.
+void introduceToDesktop(Window& window)
+{
+    constexpr int SMALLEST = 100;
+    window.label("kelpix");
+    window.xclass("kelpix");
+    setWindowIcon(window);
+    window.size_range(SMALLEST, SMALLEST);
+}
+
 /// Builds the scene, shows it, and returns when its window has been closed.
 int runScene(int argc, char** argv)
 {
@@ -79,6 +92,7 @@ int runScene(int argc, char** argv)
     auto* manager = new AppManager;
     auto* window = new Window(1, 0, 0, 740, 740);
     scene.showIn(*window, our_font, drawCallback);
+    introduceToDesktop(*window);
     manager->addWindow(window);
     manager->addTimeouts(Rates::UPDATES, Rates::REDRAWS);
     if (!window->shown()) {

@@ -5,6 +5,7 @@
 #include "Matrix.h"
 #include "Node.h"
 #include "SceneGraph.h"
+#include "ScreenPosition.h"
 #include "UserEvent.h"
 
 #include <FL/Fl.H>
@@ -50,7 +51,7 @@ bool moveNode(Node* node, Move move)
 } // namespace
 
 Window::Window(int id, int x, int y, int w, int h)
-    : Fl_Gl_Window(x, y, w, h, ""), windowId(id), height(h), width(w), origin{x, y}, early{w, h}
+    : Fl_Gl_Window(x, y, w, h, ""), windowId(id), height(h), width(w), origin{x, y}
 {
     mode(FL_DOUBLE | FL_ACCUM | FL_ALPHA | FL_DEPTH);
     std::printf("Loading...\n");
@@ -98,9 +99,8 @@ void Window::draw()
 {
     if (!valid()) {
         initGL();
-        if (early.w != width || early.h != height) {
-            render.getCamera()->reshape(0, 0, early.w, early.h);
-            early = {width, height};
+        if (w() != width || h() != height) {
+            render.getCamera()->reshape(0, 0, w(), h());
         }
     }
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
@@ -122,8 +122,12 @@ void Window::idle()
 
 void Window::resize(int x, int y, int w, int h)
 {
+    // The setters of Fl_Widget, which only store.
+    this->x(x);
+    this->y(y);
+    this->w(w);
+    this->h(h);
     if (!context()) {
-        early = {w, h};
         return;
     }
     // FLTK may call this while the context of another window is current.
@@ -160,6 +164,13 @@ int Window::handle(int event)
     case FL_MOUSEWHEEL:
         zoom(Fl::event_dy());
         return 1;
+    case FL_SHOW:
+        if (shown()) {
+            const ScreenPosition origin = screenPosition(*this);
+            x(origin.x);
+            y(origin.y);
+        }
+        return 0;
     default:
         return 0;
     }

@@ -69,12 +69,14 @@ public:
     /// WindowInputTest.EventsWithoutAMeaningAreLeftToOthers; do not correct.
     int handle(int event) override;
 
-    /// Makes this window's GL context current and sets the camera up for the new size; the position
-    /// is ignored. Before there is a GL context nothing can be set up: a size that differs from the
-    /// constructed one is then applied right after initGL.
-    /// Fixed behavior: the new size is not passed on to the base class, so x, y, w and h of the
-    /// widget stay as they are. Pinned by WindowTest.ANewSizeReachesTheCameraAndNotTheWidget; do
-    /// not correct.
+    /// Makes this window's GL context current and sets the camera up for the new size. Before there
+    /// is a GL context nothing can be set up: where the widget's size differs from the constructed
+    /// one, draw does it right after initGL. The widget's x, y, w and h follow in any case: FLTK
+    /// computes the position of the pointer from them, and hands w and h back when a window manager
+    /// puts the window into a frame.
+    /// Fixed behavior: the new size is not passed on to the base class, so that the GL context
+    /// stays valid and initGL does not run again. Pinned by
+    /// WindowTest.ANewSizeReachesTheCameraAndNotTheBaseClass; do not correct.
     void resize(int x, int y, int w, int h) override;
 
     /// Hands \p x and \p y to the camera's ortho2D at the next GL initialization.
@@ -101,10 +103,6 @@ public:
     void idle();
 
 private:
-    struct Size {
-        int w, h;
-    };
-    Size early;     ///< the last size given before there was a GL context
     char title[32]; ///< FLTK keeps a pointer to it
 
     void click(int x, int y);

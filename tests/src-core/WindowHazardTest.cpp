@@ -57,7 +57,7 @@ protected:
         EXPECT_EQ(viewport[3], h);
     }
 
-    /// Any input, as the toolkit reports it.
+    /// Any input, as FLTK reports it.
     void anyInput()
     {
         const int events[] = {FL_PUSH,  FL_RELEASE, FL_DRAG,  FL_KEYDOWN,    FL_KEYUP,
@@ -80,7 +80,7 @@ TEST_F(WindowHazardTest, EverySizeCanBeDrawn)
     for (int n = 0; n < 200; ++n) {
         resizeTo(1 + below(4096), 1 + below(4096));
     }
-    EXPECT_EQ(window.w(), 300);
+    EXPECT_EQ(window.width, 300);
 }
 
 TEST_F(WindowHazardTest, SizesOfNothingAreMendedByTheNext)

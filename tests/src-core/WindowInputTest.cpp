@@ -67,8 +67,6 @@ protected:
     PivotNode pivot;
     Listener leaf{"leaf", journal};
     SceneGraph graph;
-    // Nearer to the screen's edge the toolkit would move it to leave room for a frame, and then
-    // take the pointer's position in the window from the one given here.
     Window window{1, 100, 50, 740, 740};
 
     void SetUp() override

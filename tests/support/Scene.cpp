@@ -63,7 +63,7 @@ std::string Scene::newWindow()
     program.waitForOutput("Loading...\n");
     std::string found;
     while (found.empty() && !program.hasEnded()) {
-        found = printedBy({"xdotool", "search", "--onlyvisible", "--class", "^FLTK$"});
+        found = printedBy({"xdotool", "search", "--onlyvisible", "--classname", "^kelpix$"});
     }
     return found;
 }

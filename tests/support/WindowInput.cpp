@@ -28,6 +28,26 @@ void handlePendingEvents()
     Fl::check();
 }
 
+void putIntoFrame(const Fl_Window& window, int x, int y)
+{
+    constexpr int LEFT = 4;
+    constexpr int TOP = 24;
+    const Window frame =
+        XCreateSimpleWindow(fl_display, DefaultRootWindow(fl_display), x, y, 800, 800, 0, 0, 0);
+    XMapWindow(fl_display, frame);
+    XReparentWindow(fl_display, fl_xid(&window), frame, LEFT, TOP);
+    handlePendingEvents();
+}
+
+Position originOf(const Fl_Window& window)
+{
+    Position origin{};
+    Window child = None;
+    XTranslateCoordinates(fl_display, fl_xid(&window), DefaultRootWindow(fl_display), 0, 0,
+                          &origin.x, &origin.y, &child);
+    return origin;
+}
+
 std::string xdotool(const Fl_Window& window, std::string arguments)
 {
     const std::string id = std::to_string(fl_xid(&window));

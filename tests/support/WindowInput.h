@@ -18,6 +18,19 @@ bool runUntil(Condition condition)
 /// events have been handled.
 void handlePendingEvents();
 
+/// Puts the window, which is shown, into a frame with the upper left corner (\p x, \p y) on the
+/// screen, as a window manager does, and handles the events of that. The frame lives as long as the
+/// connection to the X server.
+void putIntoFrame(const Fl_Window& window, int x, int y);
+
+/// A position on the screen, pixels from its upper left corner.
+struct Position {
+    int x, y;
+};
+
+/// \return where the X server has the upper left corner of the window, which is shown
+Position originOf(const Fl_Window& window);
+
 /// Runs xdotool with \p arguments, in which "@" stands for the X window of \p window.
 /// \return what it printed, without the final newline
 std::string xdotool(const Fl_Window& window, std::string arguments);
