@@ -11,7 +11,8 @@ namespace media {
 struct Request {
     std::uint64_t seed = 1;
     int waterSize = 1024;              ///< pixels, a power of two
-    int seconds = 120;                 ///< the length of the voice and of the dance
+    double seconds = 120;              ///< the length of the voice and of the dance
+    std::filesystem::path table;       ///< the poses of the dance; empty = it follows the song
     std::filesystem::path font;        ///< copied as the scene's font
     std::filesystem::path fontLicense; ///< copied beside it; empty = none is
 };

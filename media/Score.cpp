@@ -1,5 +1,7 @@
 #include "Score.h"
 
+#include <algorithm>
+
 namespace media {
 
 namespace {
@@ -62,11 +64,12 @@ const std::array<Phrase, PHRASES_PER_VERSE> VERSE = {{
 
 } // namespace
 
-Score makeScore(int seconds)
+Score makeScore(double seconds)
 {
-    Score score{seconds, seconds - CODA, {}};
-    for (int i = 0; PRELUDE + (i + 1) * PHRASE <= score.coda; ++i) {
-        score.cues.push_back({PRELUDE + i * PHRASE, i / PHRASES_PER_VERSE,
+    const double edges = std::min(1.0, (seconds - PHRASE) / (PRELUDE + CODA));
+    Score score{seconds, edges, edges * PRELUDE, seconds - edges * CODA, {}};
+    for (int i = 0; i == 0 || score.prelude + (i + 1) * PHRASE <= score.coda; ++i) {
+        score.cues.push_back({score.prelude + i * PHRASE, i / PHRASES_PER_VERSE,
                               &VERSE[static_cast<std::size_t>(i % PHRASES_PER_VERSE)]});
     }
     return score;

@@ -43,12 +43,15 @@ struct Cue {
 /// The piece: verses of eight phrases between a prelude and a coda. The voice and the dance are
 /// both made from it, so the figures move in step with what is sung.
 struct Score {
-    int seconds;
+    double seconds;
+    double edges;          ///< length of prelude and coda, as a part of PRELUDE and CODA; 0 .. 1
+    double prelude;        ///< its end in seconds
     double coda;           ///< its start in seconds
     std::vector<Cue> cues; ///< in order; none reaches into the coda
 };
 
-/// \param seconds  the length of the piece, at least PRELUDE + PHRASE + CODA
-Score makeScore(int seconds);
+/// A piece that is too short for a whole prelude and coda has shorter ones, and a single phrase.
+/// \param seconds  the length of the piece, more than PHRASE
+Score makeScore(double seconds);
 
 } // namespace media

@@ -149,6 +149,9 @@ Recording readRecording(const std::filesystem::path& path, bool shown, FileRepor
         if (!value) {
             (shown && isPosition(i) ? badPositions : badOthers).note(words.line(), word);
         }
+        if (i == 0) {
+            recording.end = value.value_or(0);
+        }
         if (isPosition(i)) {
             Point& p = recording.positions.back()[(i - 1) / WORDS_PER_SENSOR];
             ((i - 1) % WORDS_PER_SENSOR == 0 ? p.x : p.y) = value.value_or(0);

@@ -12,6 +12,7 @@ namespace media {
 struct Recording {
     /// The recorded positions of the three sensors, one entry a record.
     std::vector<std::array<Point, 3>> positions;
+    float end = 0; ///< the time of the last record, which the scene does not use
 };
 
 /// Reads a recording as the scene does, and remarks on what was probably meant otherwise. A folder

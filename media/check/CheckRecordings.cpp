@@ -122,6 +122,32 @@ void checkRate(std::size_t steps, double seconds, FileReport& report)
     }
 }
 
+/// Remarks on a dance that was made for a longer voice: it is played within the voice's time. A
+/// recording with more records a second than usual has times that say so.
+/// \param steps    records that the scene's clock counts
+/// \param seconds  the length of the voice
+void checkTempo(const Recording& shown, std::size_t steps, double seconds, FileReport& report)
+{
+    constexpr double NOTICED = 1.1;
+    constexpr double UNBEARABLE = 2;
+    const double length = static_cast<double>(steps) / Rates::RECORDS;
+    const double tempo = length / seconds;
+    const double claimed = static_cast<double>(shown.end) / seconds;
+    if (tempo <= NOTICED || (claimed > 1 / NOTICED && claimed < NOTICED)) {
+        return;
+    }
+    const std::string text =
+        "the recording lasts " + decimal(length, 1) + " s, the voice " + decimal(seconds, 1) +
+        " s: the dance would run " + decimal(tempo, 1) +
+        " times as fast; kelpix-media --out DIR --only dance --force makes one as long as the "
+        "voice, with --dance TABLE one of your own";
+    if (tempo > UNBEARABLE) {
+        report.wrong(text);
+    } else {
+        report.hint(text);
+    }
+}
+
 /// Remarks on the shortest recording when a shown one is longer by more than one record: the end of
 /// that dance is not played.
 /// \param shortest  index of that recording
@@ -156,6 +182,8 @@ void checkPaths(const Index& index, const std::vector<Recording>& recordings, do
     checkLengths(index, recordings, shortest, reports[1 + shortest]);
     const double length = seconds > 0 ? seconds : static_cast<double>(steps) / Rates::RECORDS;
     checkRate(steps, length, reports[1 + shortest]);
+    const std::size_t shown = sourceOf(0, index).recording;
+    checkTempo(recordings[shown], steps, length, reports[1 + shown]);
     for (int figure = 0; figure < SHOWN; ++figure) {
         const Source source = sourceOf(figure, index);
         Motion motion{figure, {}, steps, length};

@@ -1,9 +1,13 @@
 #include "Dance.h"
 
 #include "Choreography.h"
+#include "PoseTable.h"
 #include "Rates.h"
 
+#include <cmath>
 #include <cstdio>
+#include <sstream>
+#include <stdexcept>
 
 namespace media {
 
@@ -60,6 +64,21 @@ std::string writeRecords(const std::vector<Pose>& poses, std::size_t count)
     return text;
 }
 
+/// The dance of a table of poses, for a voice of so many seconds.
+std::vector<Pose> danceOf(const std::filesystem::path& table, double seconds)
+{
+    const Stations stations = readPoseTable(table);
+    const double end = endOf(stations);
+    // Somebody types 120 for a voice of 119.7 s: the figures are home by then.
+    if (end > std::ceil(seconds)) {
+        std::ostringstream text;
+        text << table.string() << ": its last time, " << end << ", is after the end of the voice, "
+             << seconds << " s";
+        throw std::runtime_error(text.str());
+    }
+    return posesThrough(stations, seconds);
+}
+
 } // namespace
 
 std::vector<File> makeDance(const Request& request)
@@ -68,8 +87,10 @@ std::vector<File> makeDance(const Request& request)
     // recording. A figure whose own recording has no record there ends the scene. The rehearsal is
     // one record shorter, so that the dance has one there.
     const Score score = makeScore(request.seconds);
-    const std::vector<Pose> dance = choreograph(score, false);
-    const std::vector<Pose> rehearsal = choreograph(score, true);
+    const bool fromTable = !request.table.empty();
+    const std::vector<Pose> dance =
+        fromTable ? danceOf(request.table, request.seconds) : choreograph(score, false);
+    const std::vector<Pose> rehearsal = fromTable ? dance : choreograph(score, true);
     const std::size_t records = dance.size();
     return {{"data/mocap.txt", "MOCAP\n2 3\ndata/dance.txt\ndata/rehearsal.txt\n", "2 recordings"},
             {"data/dance.txt", writeRecords(dance, records), std::to_string(records) + " records"},

@@ -10,6 +10,8 @@
 #include "Voice.h"
 #include "Water.h"
 
+#include <algorithm>
+
 namespace media {
 
 const std::vector<Asset>& assets()
@@ -26,6 +28,12 @@ const std::vector<Asset>& assets()
         {"font", "fonts/ChalkboardBold.ttf and its license", makeFont},
     };
     return table;
+}
+
+const Asset& danceAsset()
+{
+    return *std::find_if(assets().begin(), assets().end(),
+                         [](const Asset& asset) { return asset.make == makeDance; });
 }
 
 } // namespace media

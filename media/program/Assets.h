@@ -16,4 +16,7 @@ struct Asset {
 /// The whole set, what takes longest first.
 const std::vector<Asset>& assets();
 
+/// The one of the set that makes the recordings.
+const Asset& danceAsset();
+
 } // namespace media

@@ -1,5 +1,7 @@
 #include "Options.h"
 
+#include "PoseTable.h"
+
 #include <algorithm>
 #include <bit>
 #include <cstdint>
@@ -14,8 +16,8 @@ using commandline::Value;
 
 constexpr int LEAST_WATER = 64; // pixels
 constexpr int MOST_WATER = 4096;
-constexpr int SHORTEST = 20; // seconds
-constexpr int LONGEST = 600;
+constexpr double SHORTEST = SHORTEST_DANCE;
+constexpr double LONGEST = 600; // seconds; the voice is made in memory
 
 Value waterSize(int& target)
 {
@@ -40,6 +42,19 @@ Value asset(const Asset*& target)
                 target = found == assets().end() ? nullptr : &*found;
                 return target != nullptr;
             }};
+}
+
+/// Makes the dance the only asset when it is made of a table.
+void choosePoses(Options& options)
+{
+    if (options.request.table.empty()) {
+        return;
+    }
+    if (options.only != nullptr && options.only != &danceAsset()) {
+        throw UsageError("--dance TABLE makes the dance, not --only " +
+                         std::string(options.only->name));
+    }
+    options.only = &danceAsset();
 }
 
 /// A font of the user's, whose license this program does not know.
@@ -69,9 +84,15 @@ std::vector<commandline::Option> tableOf(Options& options)
          "width of the water picture, a power of two from 64 to\n"
          "4096 pixels (default 1024)",
          waterSize(request.waterSize)},
-        {"--seconds", "N", "length of the voice and the dance, 20 to 600 (default 120)",
+        {"--seconds", "N",
+         "length of the voice and the dance, 5 to 600 (default 120; a\n"
+         "dance that is made alone is as long as the folder's voice)",
          number(request.seconds, SHORTEST, LONGEST)},
         {"--only", "ASSET", "makes a single asset of the list below", asset(options.only)},
+        {"--dance", "TABLE",
+         "makes the dance alone, of a table of poses: lines of\n"
+         "TIME FIGURE X Y, or TIME FIGURE home",
+         commandline::text(request.table)},
         {"--font", "FILE",
          "another font for the scene's text; its license is yours to\n"
          "look after",
@@ -102,6 +123,9 @@ Options parseOptions(const std::vector<std::string>& arguments)
     if (options.check.empty() && options.out.empty()) {
         throw UsageError("--out DIR is missing");
     }
+    options.isLengthGiven =
+        std::find(parsed.given.begin(), parsed.given.end(), "--seconds") != parsed.given.end();
+    choosePoses(options);
     return options;
 }
 

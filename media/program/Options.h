@@ -16,6 +16,7 @@ struct Options {
     bool force = false;          ///< replace files of other contents
     std::filesystem::path check; ///< empty = make the set; else the folder to look at
     const Asset* only = nullptr; ///< null = the whole set
+    bool isLengthGiven = false;  ///< by --seconds; else request.seconds is the default
 };
 
 /// \param arguments  without the program's name

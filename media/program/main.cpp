@@ -1,4 +1,5 @@
 #include "Check.h"
+#include "DanceLength.h"
 #include "Delivery.h"
 #include "Options.h"
 
@@ -75,7 +76,7 @@ private:
 
 int run(const std::vector<std::string>& arguments)
 {
-    const Options options = media::parseOptions(arguments);
+    Options options = media::parseOptions(arguments);
     if (options.action != commandline::Action::work) {
         commandline::answer(options.action, PROGRAM, media::usage());
         return 0;
@@ -85,6 +86,7 @@ int run(const std::vector<std::string>& arguments)
         std::fputs(media::describe(reports).c_str(), stdout);
         return media::playsWell(reports) ? 0 : 1;
     }
+    options.request.seconds = media::lengthFor(options);
     media::deliver(Workshop(options).run(), options.out, options.force);
     return 0;
 }

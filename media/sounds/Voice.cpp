@@ -6,6 +6,7 @@
 #include "Singer.h"
 
 #include <cmath>
+#include <sstream>
 
 namespace media {
 
@@ -40,7 +41,8 @@ Lines arrange(const Score& score)
 {
     Lines lines;
     // A hum, before the figures come into view.
-    lines.low.push_back({0.35, PRELUDE - 0.75, 50, Vowel::M, 0.22f});
+    lines.low.push_back(
+        {0.35 * score.edges, score.prelude - 0.75 * score.edges, 50, Vowel::M, 0.22f});
     for (const Cue& cue : score.cues) {
         const int verse = std::min(cue.verse, 3);
         const float loud = 0.70f + 0.10f * static_cast<float>(verse);
@@ -63,10 +65,11 @@ Lines arrange(const Score& score)
                                  Vowel::U, 0.55f + 0.1f * static_cast<float>(verse)});
         }
     }
-    lines.lead.push_back({score.coda, 3.5 * BEAT, 62, Vowel::U, 0.55f});
-    lines.lead.push_back({score.coda + 3.5 * BEAT, 1.5 * BEAT, 62, Vowel::M, 0.35f});
-    lines.second.push_back({score.coda, 6 * BEAT, 57, Vowel::U, 0.40f});
-    lines.low.push_back({score.coda, CODA - 0.4, 50, Vowel::M, 0.40f});
+    const double beat = score.edges * BEAT;
+    lines.lead.push_back({score.coda, 3.5 * beat, 62, Vowel::U, 0.55f});
+    lines.lead.push_back({score.coda + 3.5 * beat, 1.5 * beat, 62, Vowel::M, 0.35f});
+    lines.second.push_back({score.coda, 6 * beat, 57, Vowel::U, 0.40f});
+    lines.low.push_back({score.coda, (CODA - 0.4) * score.edges, 50, Vowel::M, 0.40f});
     return lines;
 }
 
@@ -98,7 +101,7 @@ std::vector<File> makeVoice(const Request& request)
 {
     const Score score = makeScore(request.seconds);
     const Lines lines = arrange(score);
-    Sound sound(static_cast<std::size_t>(request.seconds) * SAMPLE_RATE);
+    Sound sound(static_cast<std::size_t>(std::lround(request.seconds * SAMPLE_RATE)));
 
     const std::uint64_t seed = request.seed * 16;
     sing(sound, {seed + 1, 0.46f, 1.00f, 0, 0, 1.0f}, lines.lead);
@@ -111,7 +114,7 @@ std::vector<File> makeVoice(const Request& request)
 
     Random random(request.seed, 70);
     const float bird = 0.10f * sound.peak();
-    warble(sound, 1.9, 0.85f, bird * 0.35f, random);
+    warble(sound, 1.9 * score.edges, 0.85f, bird * 0.35f, random);
     float pan = 0.2f;
     for (const Cue& cue : score.cues) {
         if (cue.phrase->answered) {
@@ -119,14 +122,15 @@ std::vector<File> makeVoice(const Request& request)
             pan = 1 - pan;
         }
     }
-    warble(sound, score.coda + 5.2, 0.7f, bird * 0.5f, random);
+    warble(sound, score.coda + 5.2 * score.edges, 0.7f, bird * 0.5f, random);
 
     reverberate(sound, 2.8f, 0.30f);
     saturate(sound);
     fadeOut(sound);
     sound.normalize(PEAK);
-    return {{"sound/magpie_vocal.ogg", encodeVorbis(sound, 0.5f, 1),
-             std::to_string(request.seconds) + " s"}};
+    std::ostringstream summary;
+    summary << request.seconds << " s";
+    return {{"sound/magpie_vocal.ogg", encodeVorbis(sound, 0.5f, 1), summary.str()}};
 }
 
 } // namespace media

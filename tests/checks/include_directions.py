@@ -21,7 +21,7 @@ ALLOWED = {
     "media": [],
     "media/pictures": ["media"],
     "media/sounds": ["media"],
-    "media/dances": ["media", "src-rates"],
+    "media/dances": ["media", "src-rates", "tools/commandline"],
     "media/check": ["media", "media/dances", "src-image", "src-sound", "src-font",
                     "src-rates"],
     "media/program": ["media", "media/pictures", "media/sounds", "media/dances", "media/check",

@@ -28,8 +28,9 @@ def main(guide, media_set, program):
             if path.name not in ("dance.txt", "rehearsal.txt"):
                 (folder / "data" / path.name).symlink_to(path)
         (folder / "table.txt").write_text(block(text, "text", "table.txt"))
-        subprocess.run([sys.executable, "-c", block(text, "python", "record.py")], cwd=folder,
-                       check=True)
+        command = re.search(r"^kelpix-media (--out \. --dance .*)$", text, re.M).group(1)
+        subprocess.run([program, *command.split()], cwd=folder, check=True,
+                       stdout=subprocess.DEVNULL)
         check = subprocess.run([program, "--check", folder], stdout=subprocess.PIPE, text=True)
     print(check.stdout, end="")
     fine = all(line.startswith("ok ") for line in check.stdout.splitlines()[:-1])

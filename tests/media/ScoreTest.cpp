@@ -27,6 +27,22 @@ TEST(ScoreTest, KeepsAnyLengthOutOfTheCoda)
     }
 }
 
+TEST(ScoreTest, HasASinglePhraseInAShortPieceBetweenAShorterPreludeAndCoda)
+{
+    // A prelude of 3 s and a coda of 9 s around a phrase of 3.375 s: 15.375 s, and half as long
+    // edges in 9.375 s.
+    const media::Score whole = media::makeScore(15.375);
+    EXPECT_EQ(whole.edges, 1);
+    EXPECT_EQ(whole.cues.size(), 1U);
+    EXPECT_EQ(whole.cues[0].start, 3);
+    const media::Score half = media::makeScore(9.375);
+    EXPECT_EQ(half.edges, 0.5);
+    ASSERT_EQ(half.cues.size(), 1U);
+    EXPECT_EQ(half.cues[0].start, 1.5);
+    EXPECT_EQ(half.coda, 4.875);
+    EXPECT_EQ(media::makeScore(5).cues.size(), 1U);
+}
+
 TEST(ScoreTest, HasPhrasesOfFourBeatsThatEndInARest)
 {
     for (const media::Cue& cue : media::makeScore(120).cues) {

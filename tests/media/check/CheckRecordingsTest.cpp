@@ -236,6 +236,22 @@ TEST_F(CheckRecordingsTest, ARecordingIsAsLongAsTheVoice)
     EXPECT_THAT(check(0)[2], IsFine()) << "without a voice the recording sets the length";
 }
 
+TEST_F(CheckRecordingsTest, ADanceForALongerVoiceRunsTooFast)
+{
+    EXPECT_THAT(check(9.2)[1], IsFine()) << "1.09 times as fast";
+    EXPECT_THAT(check(8)[1],
+                Says(Mark::hint, "the recording lasts 10.0 s, the voice 8.0 s: the dance would run "
+                                 "1.2 times as fast; kelpix-media --out DIR --only dance"));
+    EXPECT_THAT(check(2.5)[1], SaysAlso(Mark::wrong, "the voice 2.5 s: the dance would run 4.0 "));
+    EXPECT_THAT(check(2.5)[2], IsFine());
+
+    // 360 records a second, whose times say that they are meant for 2.5 s.
+    std::string dense = recording(RECORDS + 1);
+    dense.replace(dense.rfind("\n900 ") + 1, 3, "2.5");
+    folder.write("data/dance.txt", dense);
+    EXPECT_THAT(check(2.5)[1], testing::Not(SaysAlso(Mark::wrong, "the recording lasts")));
+}
+
 TEST_F(CheckRecordingsTest, AShortRecordingIsBlamedAndNotTheDanceOfWhichItLeavesABeginning)
 {
     folder.write("data/rehearsal.txt", recording(RECORDS / 2));

@@ -69,7 +69,9 @@ TEST_F(CheckProgramTest, RecordingsAreMeasuredByTheVoice)
     const CheckedFolder folder;
     // 18 seconds instead of 120.
     folder.write("sound/magpie_vocal.ogg", folder.read("sound/bubbles_sound.ogg"));
-    run("--check '" + folder.path().string() + "'");
+    EXPECT_EQ(run("--check '" + folder.path().string() + "'"), 1);
+    EXPECT_THAT(out, HasSubstr("the recording lasts 120.0 s, the voice 18.0 s: the dance would run "
+                               "6.7 times as fast"));
     EXPECT_THAT(out, HasSubstr("moves by more than 0.012 in an update"));
 }
 

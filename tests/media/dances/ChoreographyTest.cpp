@@ -8,17 +8,20 @@ namespace {
 using media::Point;
 using media::Pose;
 
-class ChoreographyTest : public testing::TestWithParam<int> {};
+class ChoreographyTest : public testing::TestWithParam<double> {};
 
 TEST_P(ChoreographyTest, StartsAndEndsAtHomeAndNeverJumps)
 {
     for (const bool marked : {false, true}) {
         const auto poses = media::choreograph(media::makeScore(GetParam()), marked);
-        ASSERT_EQ(poses.size(), static_cast<std::size_t>(90 * GetParam() + 1));
+        ASSERT_EQ(poses.size(), static_cast<std::size_t>(std::ceil(90 * GetParam()) + 1));
+        // The end of the prelude, and the second of rest at the end; a tenth of a short piece.
+        const std::size_t start = GetParam() < 15 ? poses.size() / 10 : 3 * 90;
+        const std::size_t rest = GetParam() < 15 ? poses.size() / 10 : 90;
         for (std::size_t k = 0; k < media::FIGURES; ++k) {
             const Point home = media::homeOf(static_cast<int>(k));
             for (std::size_t i = 0; i < poses.size(); ++i) {
-                if (i < 3 * 90 || i + 90 >= poses.size()) {
+                if (i < start || i + rest >= poses.size()) {
                     ASSERT_EQ(poses[i][k].x, home.x) << i;
                     ASSERT_EQ(poses[i][k].y, home.y) << i;
                 } else {
@@ -30,7 +33,18 @@ TEST_P(ChoreographyTest, StartsAndEndsAtHomeAndNeverJumps)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Lengths, ChoreographyTest, testing::Values(20, 37, 120, 300));
+INSTANTIATE_TEST_SUITE_P(Lengths, ChoreographyTest,
+                         testing::Values(5, 7.25, 14.9, 20, 37, 120, 300));
+
+TEST(ChoreographyShortTest, TheFiguresComeIntoThePicture)
+{
+    for (const double seconds : {5.0, 8.0, 15.0}) {
+        const auto poses = media::choreograph(media::makeScore(seconds), false);
+        for (const Point place : poses[poses.size() / 2]) {
+            EXPECT_GT(place.y, 0.25f) << seconds;
+        }
+    }
+}
 
 TEST(ChoreographyTest, LeadsTheFiguresToThePlacesOfThePhrase)
 {

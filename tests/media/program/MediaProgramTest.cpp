@@ -1,3 +1,5 @@
+#include "OggFiles.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
@@ -135,6 +137,57 @@ TEST_F(MediaProgramTest, MakesASingleAssetAsItIsInTheSet)
     EXPECT_EQ(out, "data/fish0.png: 64 x 64\n");
 }
 
+TEST_F(MediaProgramTest, ADanceAloneIsAsLongAsTheVoiceOfItsFolder)
+{
+    // 6.5 s: at 90 records a second 585, and one more for the last moment.
+    OggFiles::Tone voice;
+    voice.samples = 13 * 22050;
+    fs::create_directories(folder / "set/sound");
+    const fs::path sound = folder / "set/sound/magpie_vocal.ogg";
+    std::ofstream(sound, std::ios::binary) << OggFiles::vorbis(voice);
+    ASSERT_EQ(run("--only dance --out " + quoted("set")), 0) << err;
+    EXPECT_THAT(out, HasSubstr("data/dance.txt: 586 records\ndata/rehearsal.txt: 585 records\n"));
+    ASSERT_EQ(run("--only dance --force --seconds 7.25 --out " + quoted("set")), 0) << err;
+    EXPECT_THAT(out, HasSubstr("data/dance.txt: 654 records\n")) << "652.5, and the last";
+
+    voice.samples = 4 * 44100;
+    std::ofstream(sound, std::ios::binary) << OggFiles::vorbis(voice);
+    EXPECT_EQ(run("--only dance --force --out " + quoted("set")), 1);
+    EXPECT_EQ(err, "kelpix-media: the voice lasts 4 s, and a dance 5 to 3600 s\n");
+    std::ofstream(sound) << "no sound";
+    EXPECT_EQ(run("--only dance --force --out " + quoted("set")), 1);
+    EXPECT_THAT(err,
+                HasSubstr(sound.string() + " is no Ogg Vorbis file; the scene ends as it starts, "
+                                           "with status 255; --seconds N tells one\n"));
+}
+
+TEST_F(MediaProgramTest, MakesTheDanceOfATable)
+{
+    std::ofstream(folder / "table.txt") << "1 0 home # 0.15 to the right, and 0.6 up\n"
+                                           "3 0 0.75 0.5\n6 0 home\n6 1 0.5 0.125\n";
+    const std::string make = "--dance " + quoted("table.txt") + " --out " + quoted("set");
+    ASSERT_EQ(run(make), 0) << err;
+    EXPECT_EQ(out, "data/mocap.txt: 2 recordings\ndata/dance.txt: 541 records\n"
+                   "data/rehearsal.txt: 540 records\n");
+    std::ifstream dance(folder / "set/data/dance.txt");
+    std::string line;
+    for (int i = 0; i <= 3 * 90; ++i) {
+        std::getline(dance, line);
+    }
+    // Positions count 0.45 of the picture: 1/3, 4/3; figure 1 is halfway, -0.025 and 0.1125.
+    EXPECT_THAT(line, testing::MatchesRegex("3\\.0000 0\\.33333 1\\.33333 0 0 0 -?[0-9.]+ "
+                                            "-0\\.05556 0\\.25000 0 0 0 [0-9.]+ 0 0 .*"));
+    std::ofstream(folder / "table.txt") << "1 0 home\n3 4 0 0\n";
+    EXPECT_EQ(run(make), 1);
+    EXPECT_EQ(err, "kelpix-media: " + (folder / "table.txt").string() +
+                       ":2: the figure is 0, 1 or 2, not \"4\"\n");
+    std::ofstream(folder / "table.txt") << "3 0 0.5 0.5\n9.5 0 home\n";
+    EXPECT_EQ(run(make + " --seconds 9"), 1);
+    EXPECT_EQ(err, "kelpix-media: " + (folder / "table.txt").string() +
+                       ": its last time, 9.5, is after the end of the voice, 9 s\n");
+    EXPECT_EQ(run(make + " --force --seconds 9.2"), 0) << err;
+}
+
 TEST_F(MediaProgramTest, CopiesTheFontWithItsLicense)
 {
     EXPECT_THAT(content(KELPIX_MEDIA_DIR "/fonts/ChalkboardBold.LICENSE.txt"),
@@ -204,7 +257,8 @@ TEST_F(MediaProgramTest, SaysWhatIsWrongWithTheCommandLine)
         {"--out set --seed x",
          "--seed takes a whole number from 0 to 18446744073709551615, not \"x\""},
         {"--out set --water 1000", "--water takes a power of two from 64 to 4096, not \"1000\""},
-        {"--out set --seconds 10", "--seconds takes a whole number from 20 to 600, not \"10\""},
+        {"--out set --seconds 4", "--seconds takes a number from 5 to 600, not \"4\""},
+        {"--out set --dance t.txt --only fish", "--dance TABLE makes the dance, not --only fish"},
         {"--out set --only=whale", "--only takes one of voice, "},
         {"--check set --seed=1", "--check DIR goes with no other option"},
     };

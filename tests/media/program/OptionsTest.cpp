@@ -30,6 +30,27 @@ TEST(OptionsTest, AreTakenInAnyOrder)
     EXPECT_EQ(options.request.waterSize, 4096);
 }
 
+TEST(OptionsTest, LengthsMayHaveDecimals)
+{
+    EXPECT_EQ(parseOptions({"--out", "x", "--seconds", "7.25"}).request.seconds, 7.25);
+    EXPECT_TRUE(parseOptions({"--out", "x", "--seconds", "5"}).isLengthGiven);
+    EXPECT_FALSE(parseOptions({"--out", "x"}).isLengthGiven);
+}
+
+TEST(OptionsTest, ATableMakesTheDanceAndNothingElse)
+{
+    for (const std::vector<std::string>& more : {{}, std::vector<std::string>{"--only", "dance"}}) {
+        std::vector<std::string> arguments{"--dance", "t.txt", "--out", "x"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        const Options options = parseOptions(arguments);
+        EXPECT_EQ(options.request.table, "t.txt");
+        EXPECT_EQ(options.only, &media::danceAsset());
+    }
+    EXPECT_STREQ(media::danceAsset().name, "dance");
+    EXPECT_THROW(parseOptions({"--out", "x", "--dance", "t.txt", "--only", "fish"}),
+                 commandline::UsageError);
+}
+
 TEST(OptionsTest, HelpNeedsNothingElse)
 {
     EXPECT_TRUE(parseOptions({"--help"}).action == commandline::Action::help);
@@ -45,7 +66,7 @@ TEST(OptionsTest, TakeWholeNumbersInTheirRangeOnly)
         EXPECT_THROW(parseOptions({"--out", "x", "--water", text}), commandline::UsageError)
             << text;
     }
-    for (const char* text : {"19", "601"}) {
+    for (const char* text : {"4.99", "600.1", "7,5", "nan"}) {
         EXPECT_THROW(parseOptions({"--out", "x", "--seconds", text}), commandline::UsageError)
             << text;
     }
