@@ -100,7 +100,8 @@ public:
     void draw() override
     {
         glPushAttrib(GL_ENABLE_BIT | GL_LIGHTING_BIT | GL_COLOR_BUFFER_BIT | GL_LINE_BIT);
-        for (const GLenum what : {GL_DEPTH_TEST, GL_LIGHTING, GL_LIGHT0, GL_NORMALIZE, GL_BLEND}) {
+        constexpr GLenum NEEDED[] = {GL_DEPTH_TEST, GL_LIGHTING, GL_LIGHT0, GL_NORMALIZE, GL_BLEND};
+        for (const GLenum what : NEEDED) {
             glEnable(what);
         }
         glLightModeli(GL_LIGHT_MODEL_TWO_SIDE, 1);
