@@ -1,12 +1,11 @@
 #include "CheckPicture.h"
 
 #include "CheckMessages.h"
+#include "CheckSprite.h"
 #include "ImageJPEG.h"
 #include "ImagePNG.h"
 
-#include <algorithm>
 #include <bit>
-#include <cstdint>
 #include <fstream>
 
 namespace media {
@@ -15,11 +14,6 @@ namespace {
 
 /// The texture size that every OpenGL of the last fifteen years supports.
 constexpr int LARGE = 8192;
-
-/// Sprites are drawn at half opacity: alpha below FAINT cannot be seen then. A texel with an alpha
-/// of SOLID or more is part of the figure.
-constexpr int FAINT = 8;
-constexpr int SOLID = 64;
 
 /// Bit depth and color type, from the header of a PNG file.
 struct PngHeader {
@@ -71,128 +65,8 @@ void checkSize(BasicImage& image, FileReport& report)
     }
 }
 
-/// The RGBA pixels of a sprite.
-class Sprite {
-public:
-    explicit Sprite(ImagePNG& image) : image(image) {}
-
-    int width() const { return image.w; }
-    int height() const { return image.h; }
-
-    /// \param y  from the top
-    const unsigned char* at(int x, int y) const
-    {
-        const auto row = static_cast<std::size_t>(image.h - 1 - y);
-        return image.buffer +
-               (row * static_cast<std::size_t>(image.w) + static_cast<std::size_t>(x)) * 4;
-    }
-
-    int alpha(int x, int y) const { return at(x, y)[3]; }
-
-    /// The luma of a pixel, 0 to 255.
-    int brightness(int x, int y) const
-    {
-        const unsigned char* p = at(x, y);
-        return (p[0] * 299 + p[1] * 587 + p[2] * 114) / 1000;
-    }
-
-private:
-    ImagePNG& image;
-};
-
-/// The largest alpha among the texels that lie \p ring texels from the edge.
-int alphaOfRing(const Sprite& sprite, int ring)
-{
-    int largest = 0;
-    for (int y = ring; y < sprite.height() - ring; ++y) {
-        for (int x = ring; x < sprite.width() - ring; ++x) {
-            const bool onRing = x == ring || y == ring || x == sprite.width() - 1 - ring ||
-                                y == sprite.height() - 1 - ring;
-            if (onRing) {
-                largest = std::max(largest, sprite.alpha(x, y));
-            }
-        }
-    }
-    return largest;
-}
-
-void checkBorder(const Sprite& sprite, FileReport& report)
-{
-    if (alphaOfRing(sprite, 0) >= FAINT) {
-        report.wrong("the picture reaches its edge: it is cut off there, and a line of it shows at "
-                     "the opposite edge; leave 2 transparent pixels all round");
-    } else if (alphaOfRing(sprite, 1) >= FAINT) {
-        report.hint("only 1 transparent pixel at the edge: the outline gets jagged as the sprite "
-                    "turns; leave 2 all round");
-    }
-}
-
-/// Linear filtering mixes the colors of a solid texel and its transparent neighbor, so the color of
-/// the transparent one shows. Remarks on figures with a dark fringe.
-void checkFringe(const Sprite& sprite, FileReport& report)
-{
-    constexpr int STEPS[][2] = {{1, 0}, {-1, 0}, {0, 1}, {0, -1}};
-    int meetings = 0;
-    int dark = 0;
-    for (int y = 1; y < sprite.height() - 1; ++y) {
-        for (int x = 1; x < sprite.width() - 1; ++x) {
-            if (sprite.alpha(x, y) < SOLID) {
-                continue;
-            }
-            for (const auto& step : STEPS) {
-                const int nx = x + step[0];
-                const int ny = y + step[1];
-                if (sprite.alpha(nx, ny) >= FAINT) {
-                    continue;
-                }
-                ++meetings;
-                const int own = sprite.brightness(x, y);
-                const int beside = sprite.brightness(nx, ny);
-                dark += beside * 2 < own && own - beside > 40 ? 1 : 0;
-            }
-        }
-    }
-    if (dark * 10 > meetings) {
-        report.wrong("transparent pixels beside the figure are dark, which gives it a dark fringe; "
-                     "let them have the color of their neighbors");
-    }
-}
-
-/// \return whether a texel can be seen
-bool checkVisible(const Sprite& sprite, FileReport& report)
-{
-    for (int y = 0; y < sprite.height(); ++y) {
-        for (int x = 0; x < sprite.width(); ++x) {
-            if (sprite.alpha(x, y) >= FAINT) {
-                return true;
-            }
-        }
-    }
-    report.wrong("is transparent all over: there is nothing to see");
-    return false;
-}
-
-/// A fish seen from above is widest near its head, so most of its texels lie there.
-void checkHeading(const Sprite& sprite, FileReport& report)
-{
-    std::int64_t mass = 0;
-    std::int64_t moment = 0;
-    for (int y = 0; y < sprite.height(); ++y) {
-        for (int x = 0; x < sprite.width(); ++x) {
-            mass += sprite.alpha(x, y);
-            // Twice the distance from the middle downwards.
-            moment += static_cast<std::int64_t>(sprite.alpha(x, y)) * (2 * y + 1 - sprite.height());
-        }
-    }
-    // The center of mass lies more than 2 percent of the height below the middle.
-    if (mass > 0 && moment * 25 > mass * sprite.height()) {
-        report.hint("most of the fish lies in the lower half: if that is its head it swims "
-                    "backwards; fish head towards the top of the picture");
-    }
-}
-
-/// Reads a sprite and remarks on what fish and bubble have in common.
-/// \return whether it could be read as RGBA and has something to see
+/// Reads a sprite and remarks on its file.
+/// \return whether it could be read as RGBA
 bool readSprite(const std::filesystem::path& path, const std::string& instead, ImagePNG& image,
                 FileReport& report)
 {
@@ -229,13 +103,41 @@ bool readSprite(const std::filesystem::path& path, const std::string& instead, I
     }
     report.summary = sizeOf(image) + ", RGBA";
     checkSize(image, report);
-    const Sprite sprite(image);
-    if (!checkVisible(sprite, report)) {
-        return false;
-    }
-    checkBorder(sprite, report);
-    checkFringe(sprite, report);
     return true;
+}
+
+/// The colors of the water, part by part; none when it cannot be read.
+std::vector<WaterColor> colorsOfWater(const std::filesystem::path& folder)
+{
+    constexpr int PARTS = 8; // in a row, and as many rows
+    constexpr float SHOWN = 0.5f;
+    FileReport unused;
+    ImageJPEG image;
+    const CheckMessages messages;
+    const std::filesystem::path path = folder / "data/underwater.jpg";
+    const bool read = checkReadable(path, Mark::wrong, "", unused) && image.read(path.c_str()) == 1;
+    delete[] image.sourceFile;
+    image.sourceFile = nullptr;
+    if (!read || image.c != 3 || image.w < PARTS || image.h < PARTS) {
+        return {};
+    }
+    std::vector<WaterColor> colors(std::size_t{PARTS} * PARTS, WaterColor{});
+    std::vector<float> counts(colors.size(), 0);
+    const unsigned char* texel = image.buffer;
+    for (int y = 0; y < image.h; ++y) {
+        for (int x = 0; x < image.w; ++x, texel += 3) {
+            const auto row =
+                static_cast<std::size_t>(y) * PARTS / static_cast<std::size_t>(image.h);
+            const auto part = row * PARTS + static_cast<std::size_t>(x) * PARTS /
+                                                static_cast<std::size_t>(image.w);
+            ++counts[part];
+            for (std::size_t c = 0; c < 3; ++c) {
+                colors[part][c] +=
+                    (SHOWN * static_cast<float>(texel[c]) - colors[part][c]) / counts[part];
+            }
+        }
+    }
+    return colors;
 }
 
 } // namespace
@@ -276,7 +178,9 @@ FileReport checkFish(const std::filesystem::path& folder)
     FileReport report{"data/fish0.png", "", {}};
     ImagePNG image;
     if (readSprite(folder / report.name, "every fish is a pale square", image, report)) {
-        checkHeading(Sprite(image), report);
+        const Sprite sprite(image);
+        checkSprite(sprite, colorsOfWater(folder), report);
+        checkHeading(sprite, report);
     }
     return report;
 }
@@ -285,7 +189,9 @@ FileReport checkBubble(const std::filesystem::path& folder)
 {
     FileReport report{"data/bubble.png", "", {}};
     ImagePNG image;
-    readSprite(folder / report.name, "every bubble is a pale square", image, report);
+    if (readSprite(folder / report.name, "every bubble is a pale square", image, report)) {
+        checkSprite(Sprite(image), colorsOfWater(folder), report);
+    }
     return report;
 }
 

@@ -221,6 +221,82 @@ TEST_F(CheckPictureTest, HintsAtAFishThatSeemsToSwimBackwards)
     EXPECT_THAT(checkBubble(folder.path()), IsFine()) << "bubbles have no head";
 }
 
+/// An ellipse of 1 by 2 in the middle, turned clockwise.
+Picture ellipse(double degrees)
+{
+    Picture picture = disc(64, 28);
+    const double angle = degrees * 3.14159265358979 / 180;
+    for (int y = 0; y < 64; ++y) {
+        for (int x = 0; x < 64; ++x) {
+            const double right = x - 31.5;
+            const double up = 31.5 - y;
+            const double along = right * std::sin(angle) + up * std::cos(angle);
+            const double across = right * std::cos(angle) - up * std::sin(angle);
+            if (std::hypot(along, 2 * across) >= 28) {
+                picture.bytes[(static_cast<std::size_t>(y) * 64 + static_cast<std::size_t>(x)) * 4 +
+                              3] = 0;
+            }
+        }
+    }
+    return picture;
+}
+
+TEST_F(CheckPictureTest, HintsAtAFishThatDoesNotPointUp)
+{
+    const auto fishAt = [&](double degrees) {
+        putPng("data/fish0.png", ellipse(degrees));
+        return checkFish(folder.path());
+    };
+    EXPECT_THAT(fishAt(0), IsFine());
+    EXPECT_THAT(fishAt(10), IsFine());
+    EXPECT_THAT(fishAt(-10), IsFine());
+    EXPECT_THAT(fishAt(30), Says(Mark::hint, "leans to the right by 30 degrees"));
+    EXPECT_THAT(fishAt(-45), Says(Mark::hint, "leans to the left by 45 degrees"));
+    EXPECT_THAT(fishAt(90), Says(Mark::hint, "lies across the picture"));
+    EXPECT_THAT(fishAt(-85), Says(Mark::hint, "lies across the picture"));
+    putPng("data/bubble.png", ellipse(90));
+    EXPECT_THAT(checkBubble(folder.path()), IsFine()) << "bubbles have no head";
+}
+
+TEST_F(CheckPictureTest, HintsAtASpriteOfWhichMostTexelsAreLeftOut)
+{
+    // Four texels to each of 31 pixels are 124.
+    putPng("data/fish0.png", disc(124, 50));
+    EXPECT_THAT(checkFish(folder.path()), testing::Not(SaysAlso(Mark::hint, "flickers")));
+    putPng("data/fish0.png", disc(128, 50));
+    EXPECT_THAT(checkFish(folder.path()),
+                Says(Mark::hint, "is shown 31 pixels wide, which leaves out most of its 128: it "
+                                 "flickers as it moves; scale it to 64 x 64"));
+}
+
+TEST_F(CheckPictureTest, ASpriteStandsOutFromItsWater)
+{
+    // The scene halves 240 to 120. Over that a gray of 140 shows as 130: 10 in each channel are
+    // 17 in space; one of 130 shows 5, which are 9.
+    Picture water{64, 64, 3, Bytes(64 * 64 * 3, 240)};
+    putJpeg(water);
+    const auto discOf = [&](unsigned char gray, unsigned char alpha) {
+        Picture picture = disc(64, 24);
+        for (std::size_t i = 0; i < picture.bytes.size(); i += 4) {
+            std::fill_n(&picture.bytes[i], 3, gray);
+            picture.bytes[i + 3] = picture.bytes[i + 3] == 0 ? 0 : alpha;
+        }
+        putPng("data/fish0.png", picture);
+        putPng("data/bubble.png", picture);
+        return checkFish(folder.path());
+    };
+    EXPECT_THAT(discOf(140, 255), IsFine());
+    EXPECT_THAT(discOf(130, 255),
+                Says(Mark::wrong, "is nearly invisible: at half opacity its color "
+                                  "is only 9 of 255 from that of the water"));
+    EXPECT_THAT(checkBubble(folder.path()), Says(Mark::wrong, "is nearly invisible"));
+    EXPECT_THAT(discOf(110, 255), Says(Mark::wrong, "only 9 of 255"));
+    // So is what is hardly there: 135 * sqrt(3) / 2 at an alpha of 20 is 9.
+    EXPECT_THAT(discOf(255, 20), Says(Mark::wrong, "only 9 of 255"));
+    folder.remove("data/underwater.jpg");
+    EXPECT_THAT(discOf(130, 255), IsFine()) << "there is nothing to compare with";
+}
+
 TEST_F(CheckPictureTest, TakesSpritesOfASinglePixel)
 {
     putPng("data/fish0.png", disc(1, 1));
