@@ -41,9 +41,10 @@ public:
 
     /// Moves by a tenth of the way to the sensors' center.
     ///
-    /// Fixed behavior: without sensors, or without a list, the center is NaN, and so is the
-    /// creature's translation from then on. Pinned by
-    /// CreatureUpdateTest.WithoutSensorsItsTranslationIsNotFinite; do not correct.
+    /// Fixed behavior: without sensors, or without a list, the center of a creature is NaN, and so
+    /// is the creature's translation from then on. Pinned by
+    /// CreatureUpdateTest.WithoutSensorsItsTranslationIsNotFinite,
+    /// CreatureUpdateTest.AnUnsetListCountsAsAnEmptyOne; do not correct.
     void doupdate() override;
 
     void drawBBox() override {}

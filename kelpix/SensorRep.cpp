@@ -27,8 +27,8 @@ float wrapResidue(float angle)
     return angle + (angle / 360) * -360;
 }
 
-/// The corners of the deformed grid. The last column is the first one again, one turn later; it
-/// differs in its last bits.
+/// The corners of the deformed grid. The last column repeats the first, one turn later; its values
+/// differ in their last bits.
 using Grid = std::array<std::array<Vec3, GRID + 1>, GRID>;
 
 void emitQuad(const Vec3& a, const Vec3& b, const Vec3& c, const Vec3& d)
@@ -86,8 +86,8 @@ void blendOver()
 
 /// Draws one tentacle, from the newest point to the oldest: each point is lower, farther out and
 /// swings wider than the one before it.
-/// \param side  of the tentacle's root, to the right
-/// \param dy    from point to point, downwards
+/// \param side  offset to the right, world units
+/// \param dy    how much lower each point hangs than the one before it
 void drawTentacle(const std::list<Vertex*>& points, const std::list<float>& wave, float side,
                   float dy)
 {
@@ -194,8 +194,10 @@ Vec3 SensorRep::get_mod_p(float x, float y, float z, int frame)
     const float c2 = wrapResidue(static_cast<float>(2.16 * t + dq));
     const float c3 = wrapResidue(static_cast<float>(0.79 * t + dq));
 
-    // Fixed behavior: from here on the angles are used as radians, without a conversion from
-    // degrees. Pinned by SensorRepTest.ThePoleOfAFrameWorkedOutByHand; do not correct.
+    // Fixed behavior: the angles of the ripples and of the height are used as radians, without a
+    // conversion from degrees; only the one in s below is converted. Pinned by
+    // SensorRepTest.ThePoleOfAFrameWorkedOutByHand,
+    // SensorRepTest.EveryPointOfEveryFrameIsTheReferencesToTheBit; do not correct.
     const auto cosine = [](float angle) { return std::cos(static_cast<double>(angle)); };
     const auto sine = [](float angle) { return std::sin(static_cast<double>(angle)); };
     const double ripple = static_cast<double>(0.08f);
@@ -239,9 +241,9 @@ void SensorRep::doupdate()
     } else {
         degree += 7.5f;
     }
-    // Fixed behavior: at 360 degrees and beyond the wave of the tentacles starts again at 0; it is
-    // not reduced by whole turns. Pinned by SensorRepTest.RisingItAdvancesWithTheSpeed; do not
-    // correct.
+    // Fixed behavior: at 360 degrees and beyond the wave of the tentacles starts again at 0; it
+    // is not reduced by whole turns. Pinned by SensorRepTest.RisingItAdvancesWithTheSpeed; do
+    // not correct.
     if (!(degree < 360)) { // true for NaN, which a recording can bring
         degree = 0;
     }

@@ -47,8 +47,8 @@ enum RTTI_NODE_TYPE {
 /// Matrix.h), an ordered list of children and a life flag. SceneGraph traverses the tree from the
 /// root: once a frame it multiplies the node's transform into GL's modelview matrix and calls cull,
 /// in which a visible node draws itself; at each update it calls update; it hands each input event
-/// to userEvent. These are the only operations that the framework calls, with cleanup and, on root
-/// and pivot, translate, scale and rotate. The others are for the program's own use.
+/// to userEvent. Besides these the framework calls only cleanup, and translate, scale and rotate of
+/// root and pivot. The others are for the program's own use.
 ///
 /// Nodes belong to whoever makes them, and must outlive the traversals of their tree. A node that
 /// can die is made with new: after die, the next draw traversal that visits its parent calls
@@ -76,6 +76,9 @@ public:
     Node();
     Node(const Node&) = delete;
     Node& operator=(const Node&) = delete;
+    /// Fixed behavior: the destructor of Node is not virtual, so that a dead node is deleted
+    /// without running the destructor of its class. Pinned by NodeTest.TheDestructorIsNotVirtual;
+    /// do not correct.
     ~Node() = default;
 
     /// Post-multiplies the local transform by a translation, as glTranslatef would: the newest

@@ -25,8 +25,8 @@ public:
     Texture(const char* fname, IMAGE_TYPE fmt);
 
     /// Reads the file and makes the texture: level 0 only, linear filters, everything else as GL
-    /// sets it. An unknown kind only sets loaded, and so does an image object for which there is no
-    /// memory. Prints "loaded texture data.\n" when the reader's result is not 0.
+    /// sets it. For an unknown kind, or when there is no memory for the image object, it only sets
+    /// loaded. Prints "loaded texture data.\n" when the reader's result is not 0.
     ///
     /// Needs: current GL context, no display list open. Changes: the binding of GL_TEXTURE_2D.
     /// Leaves a display list behind; a second call makes a second texture.
@@ -36,14 +36,15 @@ public:
     /// are therefore grouped into wrong pixels. Pinned by
     /// TextureTest.EveryKindAndComponentCountIsUploadedAsItsKind; do not correct.
     ///
-    /// Fixed behavior: after a failed read, whatever the image holds (the rows that were read so
-    /// far or nothing) is still uploaded, and loaded is set. Pinned by
+    /// Fixed behavior: after a failed read, whatever the image holds (the rows of a JPEG that were
+    /// read before the error, or nothing) is still uploaded, and loaded is set. Pinned by
     /// TextureTest.AMissingJpegIsLoadedWithoutTheLoadedLine,
-    /// TextureTest.APngThatIsNotSupportedIsLoadedWithoutPixels; do not correct.
+    /// TextureTest.APngThatIsNotSupportedIsLoadedWithoutPixels,
+    /// TextureTest.AJpegThatFailsBehindItsPixelsIsUploaded; do not correct.
     ///
     /// Fixed behavior: a PNG that cannot be read prints "loaded texture data." too, since the
-    /// reader's result is then -1. Pinned by TextureTest.AMissingPngSaysThatItWasLoaded; do not
-    /// correct.
+    /// reader's result is then -1. Pinned by TextureTest.AMissingPngSaysThatItWasLoaded; do
+    /// not correct.
     void load();
 
     bool isLoaded() const { return loaded; }

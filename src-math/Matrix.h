@@ -36,7 +36,7 @@ void do_multiply(float* out, const float* a, const float* b);
 void do_inverse(float* out, const float* m);
 
 /// Copies the 16 elements of \p src to \p dst.
-/// Fixed behavior: despite its name it prints nothing. Pinned by
+/// Fixed behavior: Matrix::dump_matrix prints nothing, despite its name. Pinned by
 /// MatrixTest.DumpCopiesAndPrintsNothing; do not correct.
 void dump_matrix(float* dst, const float* src);
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 
 /// Radians per degree, in single precision.
-/// Fixed behavior: it is 3.14159 / 180, slightly less than pi / 180. Pinned by
+/// Fixed behavior: DEG2RAD is 3.14159 / 180, slightly less than pi / 180. Pinned by
 /// VectorTest.RotateTakesTheNewXForTheNewY; do not correct.
 inline constexpr float DEG2RAD = static_cast<float>(3.14159 / 180);
 static_assert(std::bit_cast<std::uint32_t>(DEG2RAD) == 0x3C8EFA2D);
@@ -53,13 +53,14 @@ public:
         z = z_;
     }
 
-    /// Scales the vector down so that no component exceeds \p lim in magnitude; keeps the
-    /// direction. Fixed behavior: it bounds the largest component, not the length. Pinned by
+    /// Scales the vector down so that no component exceeds \p lim in magnitude; keeps
+    /// the direction.
+    /// Fixed behavior: Vec3::limit bounds the largest component, not the length. Pinned by
     /// VectorTest.LimitBoundsTheLargestComponentNotTheLength; do not correct.
     void limit(float lim);
 
     /// Truncates each component to a 32-bit integer and shifts it right by \p n bits, keeping the
-    /// sign. Components beyond that range saturate, NaN counts as 0. An \p n of 0 or less does not
+    /// sign. Components beyond that range saturate, NaN counts as 0. \p n of 0 or less does not
     /// shift; 32 or more leaves 0 or -1.
     void rshift(int n);
 
@@ -70,9 +71,9 @@ public:
     bool isnonzero() const { return x != 0 || y != 0 || z != 0; }
 
     /// Turns the vector in the x-y plane by \p alpha degrees, clockwise.
-    /// Fixed behavior: the new y is computed from the new x, not from the old one, so this is not
-    /// an exact rotation and changes the length. Pinned by VectorTest.RotateTakesTheNewXForTheNewY;
-    /// do not correct.
+    /// Fixed behavior: Vec3::rotate computes the new y from the new x, not from the old one, so it
+    /// is not an exact rotation and changes the length. Pinned by
+    /// VectorTest.RotateTakesTheNewXForTheNewY; do not correct.
     void rotate(float alpha);
 
     /// True when all three components are exactly equal.
@@ -110,13 +111,14 @@ public:
     }
 
     /// The Chebyshev distance of two points.
-    /// Fixed behavior: despite its name, it is the largest difference of a component, not the
-    /// smallest. Pinned by VectorTest.MinCompDistIsTheLargestComponentDifference; do not correct.
+    /// Fixed behavior: Vec3::MinCompDist is, despite its name, the largest difference of a
+    /// component, not the smallest. Pinned by
+    /// VectorTest.MinCompDistIsTheLargestComponentDifference; do not correct.
     static float MinCompDist(const Vec3& a, const Vec3& b);
 
     /// The angle between two vectors in radians; NaN for a vector of length 0.
-    /// Fixed behavior: the cosine is not clamped. Rounding can push that of parallel vectors beyond
-    /// 1, and the result is NaN then. Pinned by VectorTest.AngleBetweenIsNeitherClampedNorChecked;
-    /// do not correct.
+    /// Fixed behavior: Vec3::AngleBetween does not clamp the cosine. Rounding can push that of
+    /// parallel vectors beyond 1, and the result is NaN then. Pinned by
+    /// VectorTest.AngleBetweenIsNeitherClampedNorChecked; do not correct.
     static float AngleBetween(const Vec3& a, const Vec3& b);
 };

@@ -112,13 +112,18 @@ void checkRate(std::size_t steps, double seconds, FileReport& report)
 {
     constexpr double SAFE = Rates::RECORDS * 0.99;
     const double rate = static_cast<double>(steps) / seconds;
+    const std::string right = std::to_string(Rates::RECORDS) + " are right";
     const std::string has = "has " + decimal(rate, 1) + " records for each second of the voice";
     if (rate < Rates::UPDATES) {
-        report.wrong(has + ": a record that two updates meet shrinks, so the figures jerk towards "
-                           "the lower edge; 90 are right");
+        report.wrong(has +
+                     ": a record that two updates meet shrinks, so the figures jerk towards "
+                     "the lower edge; " +
+                     right);
     } else if (rate < SAFE) {
-        report.hint(has + ": now and then two updates may meet the same record, and the figures "
-                          "jerk; 90 are right");
+        report.hint(has +
+                    ": now and then two updates may meet the same record, and the figures "
+                    "jerk; " +
+                    right);
     }
 }
 

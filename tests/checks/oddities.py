@@ -57,7 +57,8 @@ def comments(text):
 def plain(text):
     """Without the marks that Doxygen reads."""
     text = re.sub(r"\\[pc] (\w+)", r"`\1`", " ".join(text.split()))
-    return text[0].upper() + text[1:]
+    isName = re.match(r"\w*(?:_|\w[A-Z]|::)", text)
+    return text if isName else text[0].upper() + text[1:]
 
 
 def oddities(root):

@@ -15,7 +15,7 @@
 #include <cmath>
 #include <cstdlib>
 
-/// The whole scene against the plain code of tests/support, to the bit, over runs that contain
+/// The whole scene against the plain code of tests/reference, to the bit, over runs that contain
 /// everything that can happen in it.
 
 namespace {

@@ -308,6 +308,8 @@ protected:
             Fl::wait(0);
         }
     }
+    /// So many frames, or one more: an Expose event may be late.
+    static auto frames(int count) { return AllOf(Ge(count), Le(count + 1)); }
     std::pair<int, int> updatesAndFramesIn(int milliseconds)
     {
         journal.clear();
@@ -321,8 +323,8 @@ TEST_F(AppManagerClockTest, UpdatesAndFramesComeAtTheirRates)
 {
     start(20, 60);
     // A little more than two seconds, so that no timer is due at the very end.
-    EXPECT_THAT(updatesAndFramesIn(2010), Pair(40, 120));
-    EXPECT_NEAR(first->fps, 60, 1);
+    EXPECT_THAT(updatesAndFramesIn(2010), Pair(40, frames(120)));
+    EXPECT_NEAR(first->fps, 60, 2);
     char title[32];
     std::snprintf(title, sizeof title, "kelpix (%.1f fps)", static_cast<double>(first->fps));
     EXPECT_STREQ(first->label(), title);
@@ -336,7 +338,7 @@ TEST_F(AppManagerClockTest, TheTimersOfAWindowOutliveItsManager)
         local.addTimeouts(20, 60);
     }
     Fl::wait(0);
-    EXPECT_THAT(updatesAndFramesIn(1010), Pair(20, 60));
+    EXPECT_THAT(updatesAndFramesIn(1010), Pair(20, frames(60)));
 }
 
 TEST_F(AppManagerClockTest, AClockThatJumpsForwardsCostsTwoUpdatesAtMost)
@@ -344,10 +346,8 @@ TEST_F(AppManagerClockTest, AClockThatJumpsForwardsCostsTwoUpdatesAtMost)
     start(40, 40);
     pass(1010);
     testTime = *testTime + 3'600'000'000;
-    const auto [updates, frames] = updatesAndFramesIn(1000);
-    EXPECT_THAT(updates, AllOf(Ge(40), Le(42)));
-    EXPECT_THAT(frames, AllOf(Ge(40), Le(42)));
-    EXPECT_THAT(updatesAndFramesIn(1000), Pair(40, 40));
+    EXPECT_THAT(updatesAndFramesIn(1000), Pair(AllOf(Ge(40), Le(42)), AllOf(Ge(40), Le(43))));
+    EXPECT_THAT(updatesAndFramesIn(1000), Pair(40, frames(40)));
 }
 
 TEST_F(AppManagerClockTest, AClockThatJumpsBackwardsCostsOneUpdateAtMost)
@@ -355,10 +355,8 @@ TEST_F(AppManagerClockTest, AClockThatJumpsBackwardsCostsOneUpdateAtMost)
     start(40, 40);
     pass(1010);
     testTime = *testTime - 3'600'000'000;
-    const auto [updates, frames] = updatesAndFramesIn(1000);
-    EXPECT_THAT(updates, AllOf(Ge(39), Le(40)));
-    EXPECT_THAT(frames, AllOf(Ge(39), Le(40)));
-    EXPECT_THAT(updatesAndFramesIn(1000), Pair(40, 40));
+    EXPECT_THAT(updatesAndFramesIn(1000), Pair(AllOf(Ge(39), Le(40)), AllOf(Ge(39), Le(41))));
+    EXPECT_THAT(updatesAndFramesIn(1000), Pair(40, frames(40)));
 }
 
 TEST_F(AppManagerClockTest, ARateOfZeroFiresOnlyOnce)
@@ -366,7 +364,7 @@ TEST_F(AppManagerClockTest, ARateOfZeroFiresOnlyOnce)
     journal.clear();
     start(0, 40);
     EXPECT_THAT(journal, Contains("root.doupdate").Times(1));
-    EXPECT_THAT(updatesAndFramesIn(2010), Pair(0, 80));
+    EXPECT_THAT(updatesAndFramesIn(2010), Pair(0, frames(80)));
 }
 
 } // namespace

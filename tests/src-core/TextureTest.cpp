@@ -218,6 +218,21 @@ TEST_F(TextureTest, AMissingJpegIsLoadedWithoutTheLoadedLine)
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_INVALID_VALUE));
 }
 
+TEST_F(TextureTest, AJpegThatFailsBehindItsPixelsIsUploaded)
+{
+    const TempPath path(".jpg");
+    writeJpeg(path, noise(4, 3, 3));
+    const Bytes expected = readJpeg(path).bottomUp();
+    path.write(withTwoFrames(path.read()));
+    const Loaded loaded = load(path.name(), IMAGE_JPEG);
+    EXPECT_EQ(loaded.out, "");
+    EXPECT_EQ(loaded.err, "Invalid JPEG file structure: two SOF markers\n");
+    EXPECT_TRUE(loaded.texture->isLoaded());
+    EXPECT_EQ(std::vector<int>(loaded.texture->getInfo(), loaded.texture->getInfo() + 3),
+              (std::vector<int>{4, 3, 3}));
+    EXPECT_EQ(texels(4, 3, 3), expected);
+}
+
 TEST_F(TextureTest, AMissingPngSaysThatItWasLoaded)
 {
     const TempPath path(".png");

@@ -238,15 +238,6 @@ TEST(ImageJPEGTest, AFailedReadKeepsThePreviousPicture)
     EXPECT_EQ(bytesOf(image), readJpeg(good).bottomUp());
 }
 
-/// The file with a second frame header where the end of the picture should be.
-Bytes withTwoFrames(const Bytes& file)
-{
-    Bytes changed(file.begin(), file.end() - 2);
-    const Bytes frame = {0xFF, 0xC0, 0, 11, 8, 0, 4, 0, 5, 1, 1, 0x11, 0};
-    changed.insert(changed.end(), frame.begin(), frame.end());
-    return changed;
-}
-
 TEST(ImageJPEGTest, AnErrorBehindThePixelsKeepsThem)
 {
     const TempPath path(".jpg");

@@ -49,8 +49,7 @@ void expectNothingLost(Code code)
 /// allocation fails; first with one failure each, then with all later allocations failing, too.
 /// \param operation  returns a result. Nothing in it but the code under test may allocate
 /// \param check      check(result, complete) checks the result and frees it. complete: no
-/// allocation
-///                   failed, so the operation must have succeeded
+///                   allocation failed, so the operation must have succeeded
 template<typename Operation, typename Check>
 void failEachAllocation(Operation operation, Check check)
 {

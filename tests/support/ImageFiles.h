@@ -72,5 +72,8 @@ enum class JpegKind { baseline, progressive };
 void writeJpeg(const TempPath& path, const Picture& picture, int quality = 90,
                JpegKind kind = JpegKind::baseline);
 
+/// A JPEG file with a second frame header in place of its end: its pixels are read, then it fails.
+Bytes withTwoFrames(const Bytes& file);
+
 /// Decodes an undamaged file by libjpeg alone.
 Picture readJpeg(const TempPath& path);

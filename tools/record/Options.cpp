@@ -85,7 +85,9 @@ std::vector<commandline::Option> tableOf(Options& options)
          moment(options.at)},
         {"--seconds", "S", "length of the film (default 30)", length(options.seconds)},
         {"--size", "WxH", "pixels (default 740x740)", size(options.width, options.height)},
-        {"--fps", "N", "frames of the film per second (default 40, the scene's own rate)",
+        {"--fps", "N",
+         "frames of the film per second (default " + std::to_string(Rates::REDRAWS) +
+             ", the scene's own rate)",
          number(options.fps, 1, LARGEST_FPS)},
         {"--seed", "N", "another school of fish (default 1)",
          number(options.seed, 0U, std::numeric_limits<unsigned>::max())},

@@ -14,9 +14,9 @@ class MoCap;
 /// played as fast as the caller asks for them, without timers, sound device or display. The same
 /// seed and the same calls give the same scene to the bit.
 ///
-/// Time goes in steps: the program's updates, each followed by a redraw (Rates::UPDATES). The step
-/// of the recording is that of the latest tick of the program's motion-capture clock
-/// (Rates::CLOCK_TICKS), for a voice that plays in virtual time.
+/// Time goes in steps: an update and the redraw after it, which the program's timers do at the same
+/// rate (Rates). The step of the recording is that of the latest tick of the program's
+/// motion-capture clock (Rates::CLOCK_TICKS), for a voice that plays in virtual time.
 ///
 /// Use one stage at a time: the random numbers and the count of draws between bubbles belong to the
 /// process, and a new stage starts both anew.
@@ -25,6 +25,7 @@ class MoCap;
 class Stage {
 public:
     static constexpr int STEPS_PER_SECOND = Rates::UPDATES;
+    static_assert(Rates::UPDATES == Rates::REDRAWS, "a step is one update and one redraw");
     static constexpr int TICKS_PER_SECOND = Rates::CLOCK_TICKS;
 
     /// What the clock needs to know of the voice.
