@@ -15,15 +15,15 @@
 
 namespace {
 
-// The steering, tuned by eye. Distances are world units (the world is 1 wide), changes of the
-// velocity are units of the boid's own frame, a thousandth of the world. Whether a constant is
-// single or double is part of the arithmetic.
+// The constants of the steering. Distances are in world units (the world is 1 wide), velocities in
+// units of the boid's own frame, a thousandth of the world. The type of each constant, float or
+// double, is part of the arithmetic.
 
 // Neighbors: other boids within this distance.
 constexpr float SEARCH_RADIUS = 0.1f;
 
-// Cohesion and alignment: shares of the way to the flock's center and to its mean velocity that the
-// velocity takes over. Far from the center alignment counts double.
+// Cohesion adds COHESION times the offset to the flock's center; alignment adds ALIGNMENT times the
+// difference to its mean velocity, doubled at FAR_FROM_CENTER and beyond.
 constexpr float COHESION = 0.14f;
 constexpr float ALIGNMENT = 0.04f;
 constexpr float FAR_FROM_CENTER = 0.125f;
@@ -56,7 +56,8 @@ constexpr float SPEED_LIMIT = 7.0f;
 
 constexpr float DEGREES_PER_RADIAN = 57.295776f;
 
-/// Random factors of an avoidance: from half the strength to one and a half of it, exclusive.
+/// Random factors of an avoidance, rand() % strength + strength / 2: at least half the strength,
+/// less than one and a half of it.
 struct AvoidanceStrength {
     int far;  ///< within AVOIDANCE_RADIUS
     int near; ///< within half of it
@@ -201,7 +202,8 @@ void Boid::doupdate()
     cellsAround.clear();
     grid->query(&cellsAround, x - 1.0f, y - 1.0f, x + 1.5f, y + 1.5f);
     const Neighborhood neighbors = Neighborhood::inCells(cellsAround, *this);
-    // All neighbors are flockmates: the closest one to avoid is the closest of them.
+    // All neighbors are flockmates, so one search finds both the sums and the closest boid
+    // to avoid.
     steer(neighbors, neighbors.closest);
 }
 

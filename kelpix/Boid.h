@@ -31,7 +31,7 @@ public:
     Vec3 pos;         ///< world units, from the transform at the start of each update
     Vec3 vel;         ///< units of the boid's scaled frame per update
     Vec3 orientation; ///< velocity of the last update, not normalized: what the sprite shows
-    Vec3 flockCenter; ///< center of the flockmates when there were any, world units
+    Vec3 flockCenter; ///< latest center of its flockmates, world units
     std::vector<Node*>* obstacleList = nullptr; ///< not used
     std::vector<Node*>* sensorList = nullptr;   ///< borrows; Sensors, set by the creator
     BOID_TYPE type = BOID_FISH;                 ///< set by the creator
@@ -88,8 +88,8 @@ public:
     /// Needs: current GL context if the sprite was drawn.
     void cleanup() override;
 
-    /// Compares the cell it is registered in, \p a, with the cell it is in now, \p b (either may be
-    /// null).
+    /// Compares the cell it is registered in, \p a, with the cell it is in now, \p b (either may
+    /// be null).
     /// \return 4 already out of bounds, 3 left the grid, 2 first registration, 1 same cell,
     ///         -1 moved to another cell
     int checkBucket(Bucket* a, Bucket* b);

@@ -29,7 +29,7 @@ public:
     void doupdate() override {}
     void drawBBox() override {}
 
-    /// Shared with Environment.
+    /// The value is shared with Environment.
     RTTI_NODE_TYPE getType() const override { return RTTI_USER0; }
     void userEvent(UserEvent*) override {}
 

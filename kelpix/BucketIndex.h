@@ -11,8 +11,8 @@ class Node;
 class Bucket {
 public:
     int index[2] = {}; ///< column and row of this cell
-    std::vector<Node*>
-        boidList;        ///< borrows Boids; a vacated slot holds null, the list never shrinks
+    /// Borrows Boids. A vacated slot holds null, and the list never shrinks.
+    std::vector<Node*> boidList;
     NodeStack nullboids; ///< vacated slots of boidList, which add fills again
 
     Bucket() = default;
@@ -34,8 +34,8 @@ public:
     /// BucketTest.RemovingOneBubbleTakesAllBubblesAndFishTenOut; do not correct.
     void remove(Node* node);
 
-    /// Vacates the slots that hold \p node itself, whatever its id. For a boid that is about to be
-    /// deleted.
+    /// Vacates the slots that hold \p node itself, whatever its id. For a boid that is about to
+    /// be deleted.
     void forget(const Node* node);
 };
 
@@ -48,8 +48,8 @@ public:
 class BucketIndex {
 public:
     float extents[4] = {}; ///< min x, min y, max x, max y in cells: 0, 0, columns, rows
-    Bucket** index =
-        nullptr; ///< owns columns * rows cells; column c of row r at r * extents[3] + c
+    /// Owns columns * rows cells: column c of row r at r * extents[3] + c.
+    Bucket** index = nullptr;
 
     BucketIndex() = default;
     BucketIndex(const BucketIndex&) = delete;
@@ -61,10 +61,10 @@ public:
     /// \throws std::bad_alloc when memory runs out; the grid has no cells then
     void initialize(int c, int r, Environment* env);
 
-    /// Fixed behavior: the upper bounds of a query for a point are inclusive. x = 10 gives column 0
-    /// of the next row, or null in the last row; y = 10 gives null. Pinned by
-    /// BucketIndexTest.TheRightEdgeLandsOnTheNextRow, BucketIndexTest.TheTopEdgeIsOutside; do not
-    /// correct.
+    /// Fixed behavior: the upper bounds of a query for a point are inclusive. x = 10 gives
+    /// column 0 of the next row, or null in the last row; y = 10 gives null. Pinned by
+    /// BucketIndexTest.TheRightEdgeLandsOnTheNextRow, BucketIndexTest.TheTopEdgeIsOutside; do
+    /// not correct.
     /// \return the cell that contains the grid point, null outside the grid
     Bucket* query(float x, float y);
 

@@ -8,7 +8,7 @@
 
 class OggSound;
 
-/// Draw calls of environments since the last emission of bubbles. One count for the whole process.
+/// Draw calls since bubbles were last emitted; one count for the whole process.
 extern int emitt;
 
 /// The underwater world: a textured plane that fills the unit square (0..1 in x and y at z = 0), a
@@ -51,7 +51,7 @@ public:
     void doupdate() override {}
     void drawBBox() override {}
 
-    /// Shared with Boider.
+    /// The value is shared with Boider.
     RTTI_NODE_TYPE getType() const override { return RTTI_USER0; }
     void userEvent(UserEvent*) override {}
     void addTexture(Texture*) override {}

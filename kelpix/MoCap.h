@@ -25,10 +25,10 @@ public:
 /// with what is heard, however fast frames are drawn.
 ///
 /// The index file is text: the word MOCAP, the number of data files, the number of sensors to keep
-/// of each, and the paths of the data files, relative to the working directory. A data file is
-/// text too: records of 25 numbers (the time, then for three sensors x y z of the position and x y
-/// z of the orientation, then six numbers that are ignored). White space separates words; line
-/// breaks do not matter.
+/// of each, and the paths of the data files, relative to the working directory. A data file is text
+/// too: records of 25 numbers (the time; for each of three sensors its position x y z and
+/// orientation x y z; six numbers that are ignored). White space separates words; line breaks do
+/// not matter.
 ///
 /// \par Example
 /// \snippet creature.cpp clock
@@ -60,11 +60,11 @@ public:
     /// \return 1
     int read(const char* indexPath);
 
-    /// The step of a playback position: the ceiling of numSteps * fraction, a product in single
-    /// precision.
+    /// The step of a playback position: the ceiling of numSteps * fraction, a product in
+    /// single precision.
     ///
-    /// Fixed behavior: the step is not limited to the last record. A fraction of 1 gives numSteps,
-    /// which is one record beyond the end of the shortest series. Pinned by
+    /// Fixed behavior: MoCap::stepAt does not limit the step to the last record. A fraction of 1
+    /// gives numSteps, which is one record beyond the end of the shortest series. Pinned by
     /// MoCapStepTest.TheStepIsTheCeilingOfTheProduct; do not correct.
     /// \param fraction  0 .. 1 of the sound
     /// \return 0 when no int can hold the result

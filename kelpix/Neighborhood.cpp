@@ -31,7 +31,8 @@ double reachOf(float radius)
 // Both functions below drop entries without a branch: each entry is written, and the end index
 // advances by 0 or 1. The processor could not predict such a branch.
 
-/// Writes the boids in the cells into scratch.candidates. \return their number
+/// Writes the boids in the cells into scratch.candidates.
+/// \return their number
 std::size_t listBoids(const std::vector<Bucket*>& cells)
 {
     std::size_t count = 0;

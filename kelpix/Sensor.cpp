@@ -16,8 +16,7 @@ float randomVelocity()
     return static_cast<float>((std::rand() % 100 - 50) / 10000.0);
 }
 
-/// Adds in double precision and rounds to single precision: the last bit of positions depends on
-/// it.
+/// Adds in double precision, then rounds to single: this decides the last bit of positions.
 void shift(float& coordinate, double by)
 {
     coordinate = static_cast<float>(static_cast<double>(coordinate) + by);

@@ -7,7 +7,8 @@ class MoCap;
 class SensorRep;
 
 /// A figure that follows one tracked sensor of a recording in the plane of its parent. It draws
-/// nothing itself: its only child, a SensorRep, is the body that it tilts the way it moves.
+/// nothing itself: its only child, a SensorRep, is the body, which it tilts towards the side it
+/// moves to.
 ///
 /// A recorded position p appears at (0.45 p.x + 0.55, 0.45 p.y - 0.1), sensor 0 another 0.05 to the
 /// right, sensor 2 to the left. Lengths are world units.
@@ -39,9 +40,9 @@ public:
 
     /// Moves to the recorded position of the current step. Does nothing without a recording.
     ///
-    /// Fixed behavior: the recorded position is scaled in place, in the recording, so a step that
-    /// is met again shrinks again. Pinned by SensorTest.AStepThatIsMetAgainShrinksAgain; do not
-    /// correct.
+    /// Fixed behavior: Sensor::doupdate scales the recorded position in place, in the recording, so
+    /// a step that is met again shrinks again. Pinned by
+    /// SensorTest.AStepThatIsMetAgainShrinksAgain; do not correct.
     ///
     /// Fixed behavior: a sensor that is faster than the limit of 0.15 keeps its place in the scene
     /// for this update, while pos takes the new position. Pinned by
@@ -55,7 +56,7 @@ public:
 
     void drawBBox() override {}
 
-    /// Shared with SensorRep.
+    /// The value is shared with SensorRep.
     RTTI_NODE_TYPE getType() const override { return RTTI_USER1; }
     void userEvent(UserEvent*) override {}
     void addTexture(Texture*) override {}

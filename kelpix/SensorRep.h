@@ -49,7 +49,7 @@ public:
 
     void drawBBox() override {}
 
-    /// Shared with Sensor.
+    /// The value is shared with Sensor.
     RTTI_NODE_TYPE getType() const override { return RTTI_USER1; }
     void userEvent(UserEvent*) override {}
     void addTexture(Texture*) override {}

@@ -9,7 +9,7 @@ class Window;
 extern float tm_idle;
 extern float tm_draw;
 
-/// The list of open windows, and the start of the two timers that drive each of them.
+/// Lists the open windows and starts the two timers of each, for updates and redraws.
 ///
 /// \par Example
 /// \snippet SceneWindow.cpp timers

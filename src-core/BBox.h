@@ -20,7 +20,7 @@ public:
     float* getBounds() { return bounds; }
 
     /// Prints "x: %f, %f y: %f, %f z: %f %f\n" with elements 0 to 5 in order.
-    /// Fixed behavior: the labels pair the elements as if the box held intervals: "x:" shows x0 and
-    /// y0. Pinned by BBoxTest.PrintKeepsItsLabels; do not correct.
+    /// Fixed behavior: the labels of BBox::print pair the elements as if the box held intervals:
+    /// "x:" shows x0 and y0. Pinned by BBoxTest.PrintKeepsItsLabels; do not correct.
     void print() const;
 };

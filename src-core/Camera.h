@@ -37,16 +37,16 @@ public:
     /// \param offset  float[2], fractions of w and h
     /// Needs: current GL context. Leaves the modelview matrix selected.
     ///
-    /// Fixed behavior: an undefined projection type prints "Please define camera projection type."
-    /// on standard output and ends the process with status 0.
-    /// Pinned by CameraDeathTest.AnUndefinedProjectionEndsTheProcessWithOneMessage; do not correct.
+    /// Fixed behavior: in Camera::ortho2D an undefined projection type prints "Please define camera
+    /// projection type." on standard output and ends the process with status 0. Pinned by
+    /// CameraDeathTest.AnUndefinedProjectionEndsTheProcessWithOneMessage; do not correct.
     void ortho2D(int x, int y, int w, int h, const float* offset);
 
     /// The set-up after a resize, as ortho2D. Needs: current GL context.
     ///
-    /// Fixed behavior: it does not store the size in view, applies no offset (the first resize
-    /// removes it), and takes an undefined type for perspective.
-    /// Pinned by CameraTest.ReshapeSetsTheNewSizeUpAndKeepsTheOldOneInView,
+    /// Fixed behavior: Camera::reshape does not store the size in view, applies no offset (the
+    /// first resize removes it), and takes an undefined type for perspective. Pinned by
+    /// CameraTest.ReshapeSetsTheNewSizeUpAndKeepsTheOldOneInView,
     /// CameraTest.TheOffsetMovesTheSceneUntilTheNextReshape,
     /// CameraTest.AnUndefinedTypeCountsAsPerspectiveInReshape; do not correct.
     void reshape(int x, int y, int w, int h);
@@ -59,8 +59,8 @@ public:
     /// Maps a window position to the frame of a node, on the near plane.
     /// \param out    receives x and y in that frame; (0, 0) when the matrices cannot be inverted
     /// \param in     window position in pixels, origin at the top left; the top row of pixels,
-    ///               y = 0, is GL's row h - 1, so y = 150 in a window 600 high is row 449, and 298
-    ///               with the orthographic camera
+    ///               y = 0, is GL's row h - 1. Example: in a window 600 high, y = 150 is row 449,
+    ///               which the orthographic camera maps to 2 * 449 - 600 = 298.
     /// \param model  float[16], column-major: frame of the node to the frame of the current
     ///               modelview matrix
     /// \return \p out
@@ -69,9 +69,9 @@ public:
     /// eye and the plane z = 0 is 1 from it: multiply by 1 / 0.01 = 100 for a node at z = 0.
     /// Needs: current GL context with the modelview matrix selected. Restores: matrix stack.
     ///
-    /// Fixed behavior: the origin of the viewport is subtracted twice, here and by GLU. It is (0,
-    /// 0) after either set-up. Pinned by CameraTest.UnprojectTakesAViewportsOriginOffTwice; do not
-    /// correct.
+    /// Fixed behavior: Camera::unproject subtracts the origin of the viewport, and GLU subtracts it
+    /// again. Both set-ups put it at the lower left corner, where that makes no difference. Pinned
+    /// by CameraTest.UnprojectTakesAViewportsOriginOffTwice; do not correct.
     Point2* unproject(Point2* out, const Point2* in, const float* model);
 
 private:

@@ -19,7 +19,7 @@ void uploadGlyph(GLuint texture, const std::vector<unsigned char>& image, int wi
     glBindTexture(GL_TEXTURE_2D, texture);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
-    // Rows are not padded: that of an image one texel wide has two bytes.
+    // Rows are not padded: a row of an image one texel wide has two bytes.
     GLint alignment = 0;
     glGetIntegerv(GL_UNPACK_ALIGNMENT, &alignment);
     glPixelStorei(GL_UNPACK_ALIGNMENT, 1);

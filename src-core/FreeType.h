@@ -7,8 +7,8 @@
 struct FT_FaceRec_; // the type behind FreeType's FT_Face
 struct Glyph;       // FontFile.h
 
-/// Text drawn with the glyphs of a font file: one GL texture and one display list for each 7-bit
-/// character.
+/// Text drawn with the glyphs of a font file: one GL texture and one display list for each
+/// 7-bit character.
 ///
 /// The display list of a character draws a textured quad in the plane z = 0 of the modelview frame,
 /// 1 unit to a pixel, y upwards, the pen at the origin on the baseline. Then it translates the
@@ -40,8 +40,8 @@ struct font_data {
     ///         a problem with your font file)", "FT_Load_Glyph failed", "FT_Get_Glyph failed",
     ///         "FT_Glyph_To_Bitmap failed" or "FT_Bitmap_Convert failed". A glyph more than 4096
     ///         pixels wide or high fails as FT_Glyph_To_Bitmap, and so do glyphs whose textures
-    ///         would have more than 2^29 texels together (2 GiB of 4 bytes each).
-    ///         After a failure the font can be cleaned or initialized again, but not printed with
+    ///         would have more than 2^29 texels together (2 GiB of 4 bytes each). After a failure
+    ///         the font can be cleaned or initialized again, but must not be given to print
     void init(const char* fname, unsigned int height);
 
     /// Deletes the display lists and textures. Needs: the GL context of init, current. Before init,
@@ -57,9 +57,9 @@ struct font_data {
 /// GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA) and the projection matrix stack (see below). Restores:
 /// everything else, the modelview matrix included.
 ///
-/// Fixed behavior: every mode pops the projection matrix stack once at the end, also the modes that
-/// pushed nothing. The caller of a mode other than 1 pushes the projection matrix before. Pinned by
-/// FreeTypePrintTest.EveryModePopsTheProjectionMatrixOnce; do not correct.
+/// Fixed behavior: every mode of freetype::print pops the projection matrix stack once at the end,
+/// also the modes that pushed nothing. The caller of a mode other than 1 pushes the projection
+/// matrix before. Pinned by FreeTypePrintTest.EveryModePopsTheProjectionMatrixOnce; do not correct.
 ///
 /// \param mode  1: (x, y) are pixels from the lower left corner of the viewport, and the projection
 ///              is set for that.
@@ -92,9 +92,9 @@ std::vector<unsigned char> expand_bitmap(const Glyph& glyph);
 
 /// Pushes the projection matrix stack and loads an orthographic projection in pixels.
 ///
-/// Fixed behavior: it spans the viewport's x to its width and the viewport's y to its height. That
-/// is the viewport itself only when that starts at the origin. Pinned by
-/// FreeTypePrintTest.TheScreenMatrixSpansTheViewport; do not correct.
+/// Fixed behavior: freetype::pushScreenCoordinateMatrix spans the viewport's x to its width and the
+/// viewport's y to its height. That is the viewport itself only when that starts at the origin.
+/// Pinned by FreeTypePrintTest.TheScreenMatrixSpansTheViewport; do not correct.
 ///
 /// Needs: current GL context. Restores: the matrix mode.
 void pushScreenCoordinateMatrix();

@@ -42,9 +42,9 @@ int test_point(const float planes[6][4], const float* p);
 ///             divided by the diagonal element of its row
 /// Needs: current GL context; reads its modelview matrix.
 ///
-/// Fixed behavior: because of the division, the position under a scaling by s comes out s times as
-/// large. Pinned by FrustumTest.TheViewPointUnderAScalingIsTheInverseTranslationTimesTheScale; do
-/// not correct.
+/// Fixed behavior: Frustum::get_view_point gives a position s times as large under a scaling by s,
+/// because of the division. Pinned by
+/// FrustumTest.TheViewPointUnderAScalingIsTheInverseTranslationTimesTheScale; do not correct.
 void get_view_point(float* out);
 
 /// Prints an empty line, then each plane as "%f %f %f %f\n".

@@ -2,9 +2,8 @@
 
 /// \file
 /// The GL declarations that the framework's headers need, in whatever order a program includes
-/// them. GLEW's header refuses to be included after another GL header. A program that has included
-/// one of those already gets no GLEW from here, only the types, which are the same in all GL
-/// headers.
+/// them. GLEW's header must come before other GL headers. Where another one came first, GLEW is
+/// left out and its GL types are used: they are the same.
 #ifndef GL_VERSION_1_1
 #include <GL/glew.h>
 #endif

@@ -2,8 +2,8 @@
 
 #include <list>
 
-/// A last-in, first-out stack of slot indices: free child slots of nodes, free slots of grid
-/// buckets.
+/// A last-in, first-out stack of slot indices: free child slots of nodes, free slots of
+/// grid buckets.
 class NodeStack {
 public:
     std::list<int> stack; ///< top first

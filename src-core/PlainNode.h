@@ -3,8 +3,7 @@
 #include "Node.h"
 
 /// A node that answers every operation: it is visible, draws nothing and does nothing. Derive from
-/// it and override what the new node needs; that is draw for one that is seen, doupdate for one
-/// that moves.
+/// it and override what the new node needs: draw to show something, doupdate to move.
 ///
 /// \par Example
 /// \snippet hello-node.cpp node

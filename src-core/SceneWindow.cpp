@@ -7,7 +7,7 @@
 //! [scene]
 SceneWindow::SceneWindow(int w, int h) : Window(1, 0, 0, w, h)
 {
-    end(); // no widget that is made from here on becomes a child of the window
+    end(); // widgets made after this do not become children of the window
     getRender()->getCamera()->setProjType(1); // perspective
     getRender()->setSG(&scene);
 

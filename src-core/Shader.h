@@ -24,8 +24,8 @@ public:
     /// Reads a source file and compiles it. A second call makes a second object, and does not
     /// delete the first.
     ///
-    /// Fixed behavior: the compile log is never read. A compile that fails calls GL_err("Compile"),
-    /// which prints nothing unless GL holds an error at that moment. Pinned by
+    /// Fixed behavior: the compile log of a shader is never read. A compile that fails calls
+    /// GL_err("Compile"), which prints nothing unless GL holds an error at that moment. Pinned by
     /// ShaderTest.ASourceThatDoesNotCompilePassesSilently; do not correct.
     /// \param path  a regular file of 1 byte to 16 MiB; nothing happens, and nothing is printed,
     ///              when it is null or cannot be read

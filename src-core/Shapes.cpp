@@ -10,7 +10,7 @@ namespace {
 constexpr double TWOPI = 6.283185;
 constexpr double PID2 = 1.570796;
 
-/// Opens a new list for a shape.
+/// Opens a new display list for a shape.
 void begin(Geometry* g, const char* name)
 {
     g->name = name;

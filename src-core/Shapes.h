@@ -33,9 +33,9 @@ void arrow(Geometry* g, float scale);
 /// \param r  radius; its sign does not count
 /// \param n  quads around the equator; its sign does not count; the cost grows with its square
 ///
-/// Do not call it with fewer than 4 quads or a radius of 0.
-/// Fixed behavior: the list then holds one point and stays open; the caller has to close it.
-/// Pinned by ShapesTest.ADegenerateSphereIsOnePointAndLeavesItsListOpen; do not correct.
+/// Fixed behavior: a sphere of fewer than 4 quads or of radius 0 is one point, and its display list
+/// stays open: the caller has to close it. Pinned by
+/// ShapesTest.ADegenerateSphereIsOnePointAndLeavesItsListOpen; do not correct.
 void sphere(Geometry* g, float r, int n);
 
 /// Not defined: does nothing and leaves \p g untouched.

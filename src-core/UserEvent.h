@@ -8,9 +8,9 @@ enum USER_EVENT {
     MOUSE_WHEEL,
 };
 
-/// An input event, which SceneGraph::event hands to every node of the tree. A node that sends one
-/// makes it with new and needs a pointer to the SceneGraph for that: the program has to give it
-/// one.
+/// An input event, which SceneGraph::event hands to every node of the tree. To send one, a node
+/// makes it with new and passes it to SceneGraph::event; the program has to give the node a pointer
+/// to its SceneGraph.
 ///
 /// \par Example
 /// \snippet hello-node.cpp event

@@ -34,7 +34,8 @@ bool isUsable(const float* m)
 }
 
 /// Calls \p move, which changes the node's transform, and restores the transform if it is not
-/// usable afterwards: further input could not undo such a move. \return whether the node moved
+/// usable afterwards: further input could not undo such a move.
+/// \return whether the node moved
 template<typename Move>
 bool moveNode(Node* node, Move move)
 {

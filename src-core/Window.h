@@ -65,8 +65,8 @@ public:
 
     /// Handles one FLTK event.
     /// \return 1 when the event was used
-    /// Fixed behavior: an event that is not used is not passed on to the base class. Pinned by
-    /// WindowInputTest.EventsWithoutAMeaningAreLeftToOthers; do not correct.
+    /// Fixed behavior: Window::handle does not pass on to the base class what it does not use.
+    /// Pinned by WindowInputTest.EventsWithoutAMeaningAreLeftToOthers; do not correct.
     int handle(int event) override;
 
     /// Makes this window's GL context current and sets the camera up for the new size. Before there
@@ -74,8 +74,8 @@ public:
     /// one, draw does it right after initGL. The widget's x, y, w and h follow in any case: FLTK
     /// computes the position of the pointer from them, and hands w and h back when a window manager
     /// puts the window into a frame.
-    /// Fixed behavior: the new size is not passed on to the base class, so that the GL context
-    /// stays valid and initGL does not run again. Pinned by
+    /// Fixed behavior: Window::resize does not pass the new size on to the base class, so that the
+    /// GL context stays valid and initGL does not run again. Pinned by
     /// WindowTest.ANewSizeReachesTheCameraAndNotTheBaseClass; do not correct.
     void resize(int x, int y, int w, int h) override;
 

@@ -23,8 +23,9 @@ Files::Handle toStream(int descriptor, bool isAccepted, const char* mode)
     return Files::Handle(file);
 }
 
-/// Opens for reading without waiting for the other end of a pipe, or \return -1. For a regular file
-/// O_NONBLOCK changes nothing.
+/// Opens for reading without waiting for the other end of a pipe. For a regular file O_NONBLOCK
+/// changes nothing.
+/// \return -1 when it cannot be opened
 int openToRead(const char* path)
 {
     return path == nullptr ? -1 : open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
@@ -61,7 +62,7 @@ Handle create(const char* path)
     if (descriptor < 0) {
         return nullptr;
     }
-    // From here on, writing may take its time.
+    // Back to blocking writes.
     const bool isAccepted = kindOf(descriptor) != S_IFIFO && fcntl(descriptor, F_SETFL, 0) == 0;
     return toStream(descriptor, isAccepted, "w");
 }

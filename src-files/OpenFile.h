@@ -3,8 +3,8 @@
 #include <cstdio>
 #include <memory>
 
-/// Opening files that come from outside: a path may name anything, also something that never ends
-/// or that nobody writes to.
+/// Opens files whose paths come from users or from other files: such a path may name a pipe or
+/// a device.
 namespace Files {
 
 struct Close {
@@ -15,8 +15,8 @@ struct Close {
 /// closes it itself: std::fclose(handle.release()).
 using Handle = std::unique_ptr<std::FILE, Close>;
 
-/// Opens a regular file for reading. The kind of file is asked of the open file, not of the path,
-/// so that nothing can be put in its place in between.
+/// Opens a regular file for reading. The kind is taken from the open file (fstat), so the file
+/// cannot be exchanged between check and use.
 /// \return null for a null path, for a file that cannot be opened, and for everything that is not a
 ///         regular file: a pipe or a device could keep its reader waiting, a directory has no bytes
 Handle openRegular(const char* path);

@@ -16,7 +16,7 @@ namespace {
     throw std::runtime_error("cannot write " + path.string() + ": " + reason);
 }
 
-/// What the latest failed call says.
+/// The text of errno.
 std::string latestReason()
 {
     return errno != 0 ? std::strerror(errno) : "not a file";

@@ -5,13 +5,14 @@
 
 namespace Files {
 
-/// A file in the making. It grows beside its place, with ".part" before its extension, and gets its
-/// name when it is complete: a file that is there under its name is always whole.
+/// A file that is being written, under its name with ".part" before the extension. It is renamed
+/// when it is complete, so a file under its final name is always whole.
 class PartFile {
 public:
     /// Makes the empty file, in place of one that an earlier run left. Throws std::runtime_error,
-    /// with a line for the user, when it cannot be made, or could not get its name.
-    /// \param path  the name it shall have in the end
+    /// with a line for the user, when it cannot be made, or cannot be renamed later (a directory
+    /// has that name).
+    /// \param path  the final name
     explicit PartFile(const std::filesystem::path& path);
     PartFile(const PartFile&) = delete;
     PartFile& operator=(const PartFile&) = delete;
@@ -22,11 +23,11 @@ public:
     /// Throws std::runtime_error with a line for the user: which file, and why it was not written.
     [[noreturn]] void fail(const std::string& reason) const;
 
-    /// The name while it grows.
+    /// The temporary name.
     const std::filesystem::path& name() const { return part; }
 
-    /// Gives it its name, in place of a file that has it. Throws std::runtime_error when that
-    /// fails.
+    /// Renames it to its final name, replacing a file of that name. Throws std::runtime_error when
+    /// that fails.
     void keep();
 
     /// Removes it, unless it was kept.

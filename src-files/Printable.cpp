@@ -52,7 +52,7 @@ std::string escaped(char c)
     return std::string("\\x") + DIGITS[byte / 16] + DIGITS[byte % 16];
 }
 
-/// \param newlines  they stay
+/// \param newlines  true: '\n' is kept
 std::string printable(std::string_view text, bool newlines)
 {
     std::string result;

@@ -22,23 +22,23 @@ struct ReleaseGlyph {
 using GlyphHandle = std::unique_ptr<FT_GlyphRec_, ReleaseGlyph>;
 
 /// An 8-bit copy of a bitmap.
-struct GreyBitmap {
+struct GrayBitmap {
     FT_Library library;
     FT_Bitmap bitmap = {};
 
-    GreyBitmap(FT_Library lib, const FT_Bitmap& source) : library(lib)
+    GrayBitmap(FT_Library lib, const FT_Bitmap& source) : library(lib)
     {
         FT_Bitmap_Init(&bitmap);
         if (FT_Bitmap_Convert(library, &source, &bitmap, 1) != 0) {
             throw std::runtime_error("FT_Bitmap_Convert failed");
         }
     }
-    GreyBitmap(const GreyBitmap&) = delete;
-    GreyBitmap& operator=(const GreyBitmap&) = delete;
-    ~GreyBitmap() { FT_Bitmap_Done(library, &bitmap); }
+    GrayBitmap(const GrayBitmap&) = delete;
+    GrayBitmap& operator=(const GrayBitmap&) = delete;
+    ~GrayBitmap() { FT_Bitmap_Done(library, &bitmap); }
 };
 
-/// FreeType's way of reading a stream. A count of 0 asks whether the position exists.
+/// FreeType's read callback of a stream. A count of 0 asks whether the position exists.
 /// \return the bytes read; for a count of 0, 0 when the position exists
 unsigned long readStream(FT_Stream stream, unsigned long offset, unsigned char* buffer,
                          unsigned long count)
@@ -163,7 +163,8 @@ FontFile::FontFile(const char* name, unsigned height) : opened_(new Opened)
 
 const Glyph& FontFile::glyph(unsigned character)
 {
-    // Often several characters in a row have one glyph: that of all characters that a font lacks.
+    // The characters that a font lacks share one glyph and often follow each other: it is
+    // rendered once.
     const FT_UInt index = FT_Get_Char_Index(opened_->face.get(), character);
     if (!rendered_ || index != index_) {
         rendered_ = false;
@@ -204,9 +205,9 @@ std::vector<unsigned char> FontFile::coverageOf(FT_LibraryRec_* library, const F
     if (size == 0 || (bitmap.pixel_mode == FT_PIXEL_MODE_GRAY && bitmap.pitch >= 0)) {
         return {bitmap.buffer, bitmap.buffer + size};
     }
-    const GreyBitmap grey(library, bitmap);
-    const int lightest = std::max(grey.bitmap.num_grays - 1, 1);
-    std::vector<unsigned char> coverage(grey.bitmap.buffer, grey.bitmap.buffer + size);
+    const GrayBitmap gray(library, bitmap);
+    const int lightest = std::max(gray.bitmap.num_grays - 1, 1);
+    std::vector<unsigned char> coverage(gray.bitmap.buffer, gray.bitmap.buffer + size);
     for (unsigned char& value : coverage) {
         value = static_cast<unsigned char>(value * 255 / lightest);
     }

@@ -46,8 +46,8 @@ public:
     ///                as it is opened: outlines have no pixels then, and bitmap fonts the size of
     ///                their bitmaps
     /// \throws std::runtime_error "FT_Init_FreeType failed" or "FT_New_Face failed (there is
-    ///         probably a problem with your font file)", the latter also when there is no regular
-    ///         file
+    ///         probably a problem with your font file)", the latter also when there is no
+    ///         regular file
     FontFile(const char* name, unsigned height);
 
     /// Renders a character's glyph.
@@ -65,8 +65,8 @@ public:
     ///         and may be anything
     std::string family() const;
 
-    /// Renders a character of a face that the caller has opened and sized. The face's glyph slot
-    /// changes.
+    /// Renders a character of a face that the caller has opened and sized. The face's glyph
+    /// slot changes.
     ///
     /// \throws std::runtime_error "FT_Load_Glyph failed", "FT_Get_Glyph failed",
     ///         "FT_Glyph_To_Bitmap failed" or "FT_Bitmap_Convert failed". A glyph more than

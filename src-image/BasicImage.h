@@ -55,8 +55,9 @@ public:
     /// whole part of the scale, so that a scale of 1.5 copies as 1 does. Pinned by
     /// GetSubImageTest.TheScaleIsCutToAWholeStride; do not correct.
     ///
-    /// Fixed behavior: the two messages about a start outside the image differ in their
-    /// punctuation. Pinned by GetSubImageTest.AStartOutsideThePictureIsRefused; do not correct.
+    /// Fixed behavior: the two messages of getSubImage about a start outside the image differ
+    /// in their punctuation. Pinned by GetSubImageTest.AStartOutsideThePictureIsRefused; do
+    /// not correct.
     /// \param inbuf          width * height * comp bytes; null is an image without pixels
     /// \param width, height  size of the source in pixels
     /// \param copy           receives w * h * comp bytes

@@ -11,10 +11,10 @@
 /// on top, which decides where the pixels go and what is said of a file that cannot be decoded.
 ///
 /// A further kind of file takes a value of IMAGE_TYPE, a decoder in newImageDecoder and a place in
-/// ImageFile::uploadedComponents; for textures a class beside ImagePNG, for models the names in
-/// ObjImage.cpp.
+/// ImageFile::uploadedComponents; for textures a class beside ImagePNG and a case in newImage of
+/// src-core/Texture.cpp, for models the names in ObjImage.cpp.
 
-/// What a file says of its image.
+/// The size and kind of pixels, from a file's header.
 struct ImageFrame {
     std::size_t width = 0;    ///< pixels per row
     std::size_t height = 0;   ///< rows
@@ -23,10 +23,10 @@ struct ImageFrame {
     bool hasPalette = false;  ///< the samples are indices into a palette
 };
 
-/// What the readers want differently.
+/// Options in which the readers differ.
 struct DecoderOptions {
-    bool saysWhatIsWrong =
-        true;                 ///< PNG: the library's messages go to standard error, as a JPEG's do
+    /// PNG: the library's messages go to standard error, as a JPEG's do.
+    bool saysWhatIsWrong = true;
     bool readsTrailer = true; ///< PNG: what follows the pixels has to be right too
     long memory = 0;          ///< JPEG: the most bytes that the library takes; 0 = no limit
 };
@@ -54,7 +54,7 @@ public:
     ///         may be incomplete
     virtual bool readRows(unsigned char* pixels) = 0;
 
-    /// Good after readHeader.
+    /// Valid after readHeader.
     const ImageFrame& frame() const { return frame_; }
 
     /// \return which of the limits here the file exceeds, in a few words; empty when it is another

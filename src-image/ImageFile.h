@@ -4,12 +4,11 @@
 
 #include <cstddef>
 
-/// What the readers of image files have in common. Private to this library and to what kelpix::core
-/// makes of images.
+/// Shared by the image readers and by the textures of kelpix::core. Private to both.
 namespace ImageFile {
 
-/// The largest pixel buffer that a reader allocates, in bytes. Few bytes of a compressed file can
-/// claim any size.
+/// The largest pixel buffer that a reader allocates, in bytes. A small compressed file can claim an
+/// image of any size.
 inline constexpr std::size_t MAX_BYTES = std::size_t{1} << 30;
 
 /// The bytes per pixel that the upload of a texture reads, 3 as RGB or 4 as RGBA. It depends on the

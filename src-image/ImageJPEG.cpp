@@ -53,7 +53,7 @@ void sayLimit(const ImageDecoder& decoder)
     }
 }
 
-/// A name for a message: text that a caller left out reads "(null)".
+/// The name for a message; "(null)" for a null pointer.
 const char* shown(const char* filename)
 {
     return filename != nullptr ? filename : "(null)";

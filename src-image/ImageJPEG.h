@@ -33,8 +33,8 @@ public:
 
     /// Writes the buffer as an RGB JPEG file.
     ///
-    /// Fixed behavior: write starts with buffer row 0, which read fills with the last row of a
-    /// file. An image that was just read is written upside down. Pinned by
+    /// Fixed behavior: ImageJPEG::write starts with buffer row 0, which read fills with the last
+    /// row of a file. An image that was just read is written upside down. Pinned by
     /// ImageJPEGTest.APictureThatWasJustReadIsWrittenUpsideDown; do not correct.
     /// \param quality  0 to 100; other values count as the nearer end
     /// \return 1; 0 after a failure: there is no buffer (no file is made then), the file cannot be

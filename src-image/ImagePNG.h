@@ -32,10 +32,10 @@ public:
     /// Fixed behavior: the name of a PNG file has ".png" or ".PNG" anywhere, not only at its end;
     /// another name is refused without a message. Pinned by ImagePNGTest.TheSuffixMayStandAnywhere,
     /// ImagePNGTest.ANameWithoutTheSuffixIsRefusedSilently; do not correct.
-    /// \return 1; -1 after a failure. On standard error, a file that cannot be opened prints "Can't
-    ///         open file %s\n", a palette or gray with alpha "Unsupported color type!\n", an image
-    ///         too large for memory "Can't get pixels from PNG\n", a damaged file the library's
-    ///         message
+    /// \return 1; -1 after a failure. On standard error, a file that cannot be opened prints
+    ///         "Can't open file %s\n", a palette or gray with alpha "Unsupported color type!\n",
+    ///         an image too large for memory "Can't get pixels from PNG\n", a damaged file the
+    ///         library's message
     int read(const char* filename) override;
 
     /// Does nothing: PNG files are not written. \return 0

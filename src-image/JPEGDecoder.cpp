@@ -12,7 +12,8 @@ namespace {
 /// 18. A scan takes few bytes of a file, and the time of a pass over the whole image.
 constexpr std::int64_t MAX_SCANS = 100;
 
-/// Of a large image only so many pixels are passed over, but MIN_SCANS scans in any case.
+/// In a large image all scans together may pass over this many pixels; MIN_SCANS are
+/// always allowed.
 constexpr std::int64_t MAX_SCANNED = std::int64_t{1} << 32;
 constexpr std::int64_t MIN_SCANS = 18;
 
@@ -22,8 +23,8 @@ int mostScans(const jpeg_decompress_struct& jpeg)
     return static_cast<int>(std::clamp(MAX_SCANNED / pixels, MIN_SCANS, MAX_SCANS));
 }
 
-// The library leaves a step through longjmp, past the destructors in between: the steps have no
-// local that needs one.
+// The library reports an error by longjmp, which skips destructors: these functions have no local
+// that needs one.
 class JPEGDecoder : public ImageDecoder {
 public:
     explicit JPEGDecoder(const DecoderOptions& options) : memory_(options.memory)
@@ -83,7 +84,7 @@ public:
     const char* exceededLimit() const override { return exceededLimit_.data(); }
 
 private:
-    /// Called by the library every now and then.
+    /// libjpeg's progress callback.
     static void stopAfterManyScans(j_common_ptr jpeg)
     {
         auto& decoder = *static_cast<JPEGDecoder*>(jpeg->client_data);

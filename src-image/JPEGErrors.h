@@ -7,10 +7,11 @@
 // jpeglib.h needs size_t and FILE declared before it.
 #include <jpeglib.h>
 
-/// libjpeg's error manager with the place to go to when the library gives up. By itself the library
-/// would end the process. Private to this library.
+/// libjpeg's error manager with a jump target; without it libjpeg ends the process on an error.
+/// Private to this library.
 struct my_error_mgr {
-    jpeg_error_mgr pub; ///< first: the pointer that the library knows is one to this
+    /// Must be the first member: libjpeg's pointer to it is converted to my_error_mgr.
+    jpeg_error_mgr pub;
     std::jmp_buf setjmp_buffer;
 };
 
@@ -18,5 +19,5 @@ struct my_error_mgr {
 [[noreturn]] void my_error_exit(j_common_ptr jpeg);
 
 /// Sets the manager up: the library's own messages, and my_error_exit.
-/// \return what a structure of the library takes as its err
+/// \return the value for the err member of a libjpeg structure
 jpeg_error_mgr* installErrors(my_error_mgr& errors);

@@ -15,8 +15,8 @@ void quietWarning(png_structp /*png*/, png_const_charp /*message*/)
 {
 }
 
-// The library leaves a step through longjmp, past the destructors in between: the steps have no
-// local that needs one.
+// The library reports an error by longjmp, which skips destructors: these functions have no local
+// that needs one.
 class PNGDecoder : public ImageDecoder {
 public:
     explicit PNGDecoder(const DecoderOptions& options)

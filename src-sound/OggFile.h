@@ -46,8 +46,8 @@ public:
     bool isUniform() const { return isUniform_; }    ///< all tracks have the same channels and rate
     int blockChannels() const { return blockChannels_; } ///< of the latest block
 
-    /// The bytes to reserve for the whole track: what the file claims, but at most 64 times its own
-    /// size.
+    /// The bytes to reserve for the whole track: what the file claims, but at most 64 times its
+    /// own size.
     std::size_t expectedBytes() const;
 
     /// Decodes the next samples: 16 bits signed, the low byte first, channels interleaved.

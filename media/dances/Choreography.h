@@ -10,8 +10,7 @@ namespace media {
 /// figure rights itself and sinks in the rest.
 /// In a piece that is too short for a whole prelude and coda they only come up and go home.
 /// \param marked  as in a rehearsal: the same places at the same times, but the arcs are flat and
-/// the
-///                speed does not pulse
+///                the speed does not pulse
 std::vector<Pose> choreograph(const Score& score, bool marked);
 
 } // namespace media

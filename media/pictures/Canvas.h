@@ -47,8 +47,7 @@ public:
 
     /// Fills the canvas. Each pixel is the mean of samples x samples calls of \p shade.
     /// \param shade  Color shade(Point): a point of the unit square (y down) to a color with
-    /// straight
-    ///               alpha
+    ///               straight alpha
     template<typename Shade>
     void paint(int samples, Shade shade);
 

@@ -209,10 +209,10 @@ void obj_init_file(int fi);
 /// bindings. The caller restores them (glPushClientAttrib).
 void obj_draw_vert(int fi);
 
-/// Binds the property's texture to the active unit: enables 2-D texturing, sets the wrapping, and
-/// sets the unit's texture matrix to translate(o) * scale(s). Without a texture nothing happens:
-/// the unit keeps the state of the previous material. Changes: these, and the matrix mode
-/// (model-view).
+/// Binds the property's texture to the active unit: enables 2-D texturing, sets the wrapping,
+/// and sets the unit's texture matrix to translate(o) * scale(s). Without a texture nothing
+/// happens: the unit keeps the state of the previous material. Changes: these, and the matrix
+/// mode (model-view).
 void obj_draw_prop(int fi, int mi, int ki);
 
 /// Sets the material's colors, front and back, and binds its maps: Ns to unit 3, Ks to 2, Ka to 1

@@ -39,7 +39,7 @@ std::optional<IMAGE_TYPE> kind_of(std::string_view path)
 /// \return null when the image is too large or memory runs out
 std::unique_ptr<unsigned char[]> allocate(const ImageFrame& frame)
 {
-    // Below this limit the sizes that GLU works with, which are up to twice as large, fit its int.
+    // GLU computes with sizes up to twice as large in an int: this limit keeps them in range.
     const std::size_t bytes = frame.width * frame.height * frame.channels;
     return std::unique_ptr<unsigned char[]>(
         bytes < ImageFile::MAX_BYTES ? new (std::nothrow) unsigned char[bytes] : nullptr);
@@ -47,7 +47,7 @@ std::unique_ptr<unsigned char[]> allocate(const ImageFrame& frame)
 
 bool decode_image(std::FILE* file, IMAGE_TYPE type, Image& image)
 {
-    // Of a PNG, errors are not reported, and what follows the pixels is not checked.
+    // PNG errors are not reported; for no kind is what follows the pixels checked.
     const DecoderOptions options = {.saysWhatIsWrong = type != IMAGE_PNG, .readsTrailer = false};
     const auto decoder = newImageDecoder(type, options);
     if (decoder == nullptr || !decoder->readHeader(file)) {
@@ -57,7 +57,7 @@ bool decode_image(std::FILE* file, IMAGE_TYPE type, Image& image)
     image.width = static_cast<int>(frame.width);
     image.height = static_cast<int>(frame.height);
     image.components = frame.hasPalette ? 0 : static_cast<int>(frame.channels);
-    // Before the decoder starts, which may take as much memory again.
+    // Allocated before start, in which the decoder may take as much memory again.
     image.pixels = allocate(frame);
     return image.pixels != nullptr && decoder->start() && decoder->readRows(image.pixels.get());
 }

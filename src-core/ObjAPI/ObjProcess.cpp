@@ -227,7 +227,7 @@ void obj_mini_file(int fi)
     try {
         drop_unused_materials(f);
     } catch (const std::bad_alloc&) {
-        // They stay, which changes nothing that is drawn.
+        // Out of memory: unused materials stay, which does not change what is drawn.
     }
 }
 
@@ -254,7 +254,7 @@ void obj_proc_file(int fi)
     try {
         order_surfaces(f);
     } catch (const std::bad_alloc&) {
-        // The surfaces keep their order.
+        // Out of memory: the surfaces keep their order.
     }
 }
 

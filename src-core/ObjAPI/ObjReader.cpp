@@ -196,8 +196,8 @@ bool same_in_line(const iset& a, const iset& b)
 
 /// Searches the chain of the corner's position for an equal corner and takes over its store vertex
 /// and its smoothing group; without one, adds a store vertex. The corner becomes the head of the
-/// chain and is linked to the corner that was found. A corner whose position is out of range has no
-/// chain.
+/// chain and is linked to the corner that was found. A corner whose position is out of range has
+/// no chain.
 ///
 /// Fixed behavior: when a model's corner is looked up, the corners of its position that are
 /// searched before the equal one, or all if there is none, are not searched again. A later corner
@@ -215,7 +215,7 @@ bool resolve(int fi, iset& corner, Same same)
     if (ij >= 0) {
         corner.gi = _iv[ij].gi;
     }
-    // A corner that is in the chain already, with all its numbers, is not added again.
+    // A corner equal in all its indices and its group is already in the chain: not added again.
     int ii = ij;
     if (ij < 0 || !same_in_face(_iv[ij], corner)) {
         ii = add_i();
@@ -237,7 +237,7 @@ bool resolve(int fi, iset& corner, Same same)
     return true;
 }
 
-/// The corners of one line of text. Each takes at least two characters.
+/// The corners of one line. A corner takes at least two characters, which bounds their number.
 using Corners = std::array<iset, (LineReader::LONGEST + 1) / 2>;
 
 /// Reads the corners of a face.
@@ -465,7 +465,8 @@ void read_obj(int fi, const char* filename)
     if (!reader.is_open()) {
         return;
     }
-    // For faces and lines before the first usemtl. Without any, obj_mini_file deletes both.
+    // For faces and lines before the first usemtl. If there are none, obj_mini_file deletes this
+    // material and surface.
     const int mi = obj_add_mtrl(fi);
     const int si = obj_add_surf(fi);
     if (si >= 0) {

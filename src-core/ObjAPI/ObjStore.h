@@ -49,7 +49,7 @@ struct obj_poly {
 struct obj_line {
     int vi[2]; ///< vertices; may be out of range
 };
-// The index arrays go to GL as they stand.
+// The index arrays are passed to GL without conversion.
 static_assert(sizeof(obj_poly) == 3 * sizeof(GLuint) && sizeof(obj_line) == 2 * sizeof(GLuint));
 
 struct obj_surf {
@@ -88,7 +88,7 @@ obj_surf* surf(int fi, int si);
 obj_poly* poly(int fi, int si, int pi);
 obj_line* line(int fi, int si, int li);
 
-/// True when all indices of a triangle or line are below \p vertices.
+/// True when all indices of a triangle or line are at least 0 and below \p vertices.
 template<typename Primitive>
 bool in_range(const Primitive& primitive, int vertices)
 {
@@ -126,7 +126,8 @@ int grow(T*& array, int& count, int& capacity)
     return count++;
 }
 
-/// Removes the elements for which \p drop is true. It is called once for each, in order.
+/// Removes the elements for which \p drop is true. \p drop is called once for each element,
+/// in order.
 template<typename T, typename Drop>
 void drop_if(T* array, int& count, Drop drop)
 {
@@ -145,7 +146,7 @@ void release(obj_surf& s);
 
 // ---- Vectors of three floats, in single precision -----------------------------------------------
 
-/// out = a x b; \p out is neither of the two.
+/// out = a x b; \p out must not be a or b.
 void cross(float* out, const float* a, const float* b);
 
 /// Scales to unit length; a vector of length 0 becomes NaN.

@@ -40,7 +40,7 @@ bool round_to_float(std::uint64_t mantissa, std::ptrdiff_t digits, std::ptrdiff_
     // quotient is rounded once (Clinger, "How to Read Floating Point Numbers Accurately", 1990).
     // Rounding that to single precision is a second rounding. It can only differ from rounding once
     // if the double is a tie between two floats.
-    constexpr std::ptrdiff_t MOST_DIGITS = 19; // no more fit the mantissa
+    constexpr std::ptrdiff_t MOST_DIGITS = 19; // a number of more digits may not fit into 64 bits
     if (digits > MOST_DIGITS || mantissa > std::uint64_t{1} << 53 || exponent < -22 ||
         exponent > 22) {
         return false;
@@ -106,7 +106,7 @@ namespace obj {
 LineReader::LineReader(const char* path) : file_(Files::openRegular(path))
 {
     if (is_open()) {
-        std::setvbuf(file_.get(), nullptr, _IONBF, 0); // the buffer here is enough
+        std::setvbuf(file_.get(), nullptr, _IONBF, 0); // LineReader has a buffer of its own
     }
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
-/// Reading OBJ and MTL text: files by lines, lines by words and numbers. Private to the OBJ
-/// library.
+/// Reading OBJ and MTL text: files by lines, lines by words and numbers. Private to the
+/// OBJ library.
 ///
 /// Words and numbers are read as formatted input (sscanf) reads them, but faster; the tests compare
 /// both. A text is NUL-terminated, white space is that of the C locale, and a function that takes
@@ -119,8 +119,8 @@ inline bool take_int(const char*& text, int& value)
 /// \return false, and nothing is taken, when there is something else
 bool take_option(const char*& text, std::string_view option);
 
-/// While it lives, numbers are read and written with a decimal point, whatever the program's
-/// locale.
+/// While it lives, numbers are read and written with a decimal point, whatever the
+/// program's locale.
 class PlainNumbers {
 public:
     PlainNumbers() : old_(uselocale(newlocale(LC_ALL_MASK, "C", nullptr))) {}

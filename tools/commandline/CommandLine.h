@@ -31,8 +31,8 @@ struct Value {
 /// An option. When it is given several times, each value is taken, in their order.
 struct Option {
     std::string name; ///< "--out"
-    std::string
-        placeholder;   ///< what --help calls the value: "DIR"; empty = a flag, without a value
+    /// What --help calls the value: "DIR"; empty = a flag, without a value.
+    std::string placeholder;
     std::string about; ///< for --help; lines end with '\n', except the last one
     Value value;
 };

@@ -1,5 +1,5 @@
-// The functions of OpenGL that set what is kept besides matrices, and those that save and restore
-// it.
+// The functions of OpenGL that set what is kept besides matrices, and those that save and
+// restore it.
 
 #include "Calls.h"
 #include "Context.h"

@@ -12,15 +12,15 @@
 /// It keeps what can be read back with effect on a scene: the matrix stacks and the matrix mode,
 /// viewport, list base, bound 2-D texture, pixel storage, and the names of display lists and of
 /// textures. A display list keeps the commands that change one of these; calling it repeats them.
-/// Matrices are multiplied in single precision, each element as a0*b0 + a1*b1 + a2*b2 + a3*b3 from
-/// the left, as software implementations do. glPushAttrib saves matrix mode, viewport, list base
-/// and texture binding. Each matrix stack holds 32 entries, each attribute stack 16. A push onto a
-/// full stack raises GL_STACK_OVERFLOW, a pop of the last entry GL_STACK_UNDERFLOW; both change
-/// nothing.
+/// Matrices are multiplied in single precision, each element as a0*b0 + a1*b1 + a2*b2 + a3*b3
+/// from the left, as software implementations do. glPushAttrib saves matrix mode, viewport, list
+/// base and texture binding. Each matrix stack holds 32 entries, each attribute stack 16. A push
+/// onto a full stack raises GL_STACK_OVERFLOW, a pop of the last entry GL_STACK_UNDERFLOW; both
+/// change nothing.
 ///
-/// All other calls are only counted. Arguments are not checked. A query for any other state raises
-/// GL_INVALID_ENUM and leaves its output unchanged. There are no extensions: GLEW's pointers stay
-/// null.
+/// All other calls are only counted. Arguments are not checked. A query for any other state
+/// raises GL_INVALID_ENUM and leaves its output unchanged. There are no extensions: GLEW's
+/// pointers stay null.
 ///
 /// One thread.
 namespace nullgl {

@@ -36,8 +36,8 @@ struct Pipe {
         }
         read = ends[0];
         write = ends[1];
-        // A larger pipe means fewer context switches. Where this is refused the default size will
-        // do.
+        // A larger pipe means fewer context switches. Where this is refused the default size
+        // will do.
         constexpr int LARGEST = 1 << 20;
         fcntl(write, F_SETPIPE_SZ, LARGEST);
     }
@@ -72,8 +72,8 @@ bool writeAll(int descriptor, const void* data, std::size_t bytes)
     return true;
 }
 
-/// Starts a command. Two descriptors of this process become its standard input and its
-/// SOUND_DESCRIPTOR.
+/// Starts a command. Two descriptors of this process become its standard input and
+/// its SOUND_DESCRIPTOR.
 /// \return the result of posix_spawnp
 int spawn(std::vector<std::string> command, int input, int sound, pid_t& process)
 {

@@ -23,8 +23,8 @@ struct FilmFormat {
     std::vector<std::string> encoderOptions; ///< put before the output's name
 };
 
-/// The command that turns raw frames on its standard input and raw sound on its descriptor 3 into a
-/// film.
+/// The command that turns raw frames on its standard input and raw sound on its descriptor 3 into
+/// a film.
 /// \param output  where the film goes
 std::vector<std::string> encoderCommand(const FilmFormat& format,
                                         const std::filesystem::path& output);

@@ -27,8 +27,8 @@ public:
 
     int rate() const { return first.rate; }
 
-    /// Frames \p from to \p from + \p count, counted from the start of the scene, both channels
-    /// interleaved.
+    /// Frames \p from to \p from + \p count, counted from the start of the scene, both
+    /// channels interleaved.
     std::vector<std::int16_t> mix(std::int64_t from, std::int64_t count) const;
 
 private:

@@ -185,8 +185,8 @@ void keepFiles(const Options& options)
     }
 }
 
-/// The frames of the film, or the one of the picture or the hash, up to where the script ends the
-/// scene.
+/// The frames of the film, or the one of the picture or the hash, up to where the script ends
+/// the scene.
 Schedule scheduleFor(const Options& options, const Script& script)
 {
     Schedule schedule(options.at, options.out.empty() ? 1 : options.seconds, options.fps);

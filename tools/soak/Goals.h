@@ -13,8 +13,8 @@ struct Goal {
     bool met;
 };
 
-/// The hour of the scene from which growth counts: hour 2, or the middle of a run shorter than four
-/// hours.
+/// The hour of the scene from which growth counts: hour 2, or the middle of a run shorter than
+/// four hours.
 /// \param hours  that the run lasts
 double settledAt(double hours);
 

@@ -6,14 +6,16 @@
 class Environment;
 class Window;
 
-/// The state of a scene as one number for each of its parts. Two scenes with the same numbers are
-/// the same to the bit, and go on in the same way when they are updated and drawn alike.
+/// The state of a scene as one number for each of its parts. Scenes of the same media and voice
+/// with equal numbers have, short of a collision, the same positions, grid, random numbers, bodies
+/// and view to the bit.
 ///
 /// random, boids and figures come from sums, products, quotients and square roots alone: they are
 /// the same from every compiler and on every processor. bodies and view also hold sines and
 /// cosines, whose last bit is the C library's: it may differ between processors.
 ///
-/// What GL answers is left out (Node::worldmat), and so is what time makes (the frame rate).
+/// Left out: what is read back from GL (Node::worldmat) and what depends on the clock (the
+/// frame rate).
 struct StateHash {
     std::uint64_t random = 0;  ///< the generator behind rand()
     std::uint64_t boids = 0;   ///< fish and bubbles, their grid, the draws until the next bubbles
