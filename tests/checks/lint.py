@@ -35,7 +35,10 @@ def compiled_alike(build, wanted):
     for file, command in once.items():
         if re.search(wanted, file):
             arguments = shlex.split(command)
-            flags = tuple(arguments[1 : arguments.index("-o")])
+            first = next(i for i, argument in enumerate(arguments) if argument.startswith("-"))
+            # Which of the compiler's warnings count is for .clang-tidy to say.
+            flags = tuple(flag for flag in arguments[first : arguments.index("-o")]
+                          if flag != "-Werror")
             alike[pathlib.Path(file).parent, flags].append(pathlib.Path(file))
     return alike
 
@@ -81,7 +84,9 @@ class Stamps:
         self.used = set()
         version = subprocess.run([*command, "--version"], check=True, stdout=subprocess.PIPE).stdout
         self.common = hashlib.sha256(version + " ".join(command).encode())
-        for path in [pathlib.Path(__file__), ROOT / ".clang-tidy", *sorted(ROOT.glob("[!b]*/**/*.h"))]:
+        for path in [pathlib.Path(__file__), ROOT / ".clang-tidy",
+                     *sorted(ROOT.glob("[!b]*/**/.clang-tidy")),
+                     *sorted(ROOT.glob("[!b]*/**/*.h"))]:
             self.common.update(path.read_bytes())
 
     def of(self, folder, flags, sources):
