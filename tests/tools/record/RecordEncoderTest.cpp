@@ -137,6 +137,13 @@ TEST_F(RecordEncoderTest, NoticesAnEncoderThatDiesEarly)
     EXPECT_FALSE(fs::exists("film.part.mp4"));
 }
 
+TEST_F(RecordEncoderTest, ABrokenPipeEndsTheEncoderThoughNotThisProgram)
+{
+    installEncoder("echo film >$out; kill -PIPE $$; cat >/dev/null");
+    Encoder encoder(format, silence);
+    EXPECT_EQ(errorOf([&] { encoder.finish(); }), "no film: ffmpeg ended by signal 13");
+}
+
 TEST_F(RecordEncoderTest, AnEncoderMayHaveEnoughBeforeTheEnd)
 {
     installEncoder("echo short >$out");

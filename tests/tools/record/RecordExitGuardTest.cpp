@@ -1,6 +1,8 @@
 #include "ExitGuard.h"
 #include "HeldMessages.h"
+#include "Interruption.h"
 
+#include <csignal>
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -29,6 +31,15 @@ void say(const char* text)
     std::exit(7);
 }
 
+[[noreturn]] void endAfterTheInnerGuard()
+{
+    const ExitGuard outer([] { say("outer;"); });
+    {
+        const ExitGuard inner([] { say("inner;"); });
+    }
+    std::exit(0);
+}
+
 TEST(RecordExitGuardTest, TurnsAnyExitIntoAFailureAfterItsWork)
 {
     EXPECT_EXIT(endWithTwoGuards(), testing::ExitedWithCode(1), "^inner;outer;$");
@@ -37,6 +48,30 @@ TEST(RecordExitGuardTest, TurnsAnyExitIntoAFailureAfterItsWork)
 TEST(RecordExitGuardTest, LeavesAnExitAfterItsLifeAlone)
 {
     EXPECT_EXIT(endAfterTheGuard(), testing::ExitedWithCode(7), "^$");
+    EXPECT_EXIT(endAfterTheInnerGuard(), testing::ExitedWithCode(1), "^outer;$");
+}
+
+/// Ends with the number of the signal that was noted.
+[[noreturn]] void hangUpThenInterrupt(void (*hangUp)(int))
+{
+    std::signal(SIGHUP, hangUp);
+    std::signal(SIGINT, SIG_DFL);
+    record::Interruption::watch();
+    try {
+        for (const int signal : {SIGHUP, SIGINT}) {
+            std::raise(signal);
+            record::Interruption::check();
+        }
+    } catch (const record::Interruption& interruption) {
+        std::_Exit(interruption.signal);
+    }
+    std::_Exit(0);
+}
+
+TEST(RecordInterruptionTest, IsNotedUnlessItsSignalWasIgnoredAtTheStart)
+{
+    EXPECT_EXIT(hangUpThenInterrupt(SIG_DFL), testing::ExitedWithCode(SIGHUP), "^$");
+    EXPECT_EXIT(hangUpThenInterrupt(SIG_IGN), testing::ExitedWithCode(SIGINT), "^$");
 }
 
 [[noreturn]] void printAndEnd(bool show)

@@ -7,6 +7,7 @@
 #include "Node.h"
 #include "Stage.h"
 
+#include <FL/Fl.H>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sstream>
@@ -138,7 +139,9 @@ protected:
 
 TEST_F(RecordPlayerTest, TheWheelZooms)
 {
+    Fl::e_dx = 7; // of a wheel that was turned sideways
     play("0 wheel up 3\n0.05 wheel down", 2);
+    EXPECT_EQ(Fl::event_dx(), 0);
     EXPECT_EQ(root()[0], 1.25F * 1.25F * 1.25F) << "the wheel goes down at the third step";
 }
 

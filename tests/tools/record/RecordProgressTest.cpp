@@ -54,11 +54,11 @@ TEST_F(RecordProgressTest, DrawsABarThatGoesAwayAtTheEnd)
 {
     {
         Progress progress(file.get(), true, 4);
-        progress.show(1, seconds(1));
-        progress.show(2, seconds(1.05)); // too early to draw again
-        progress.show(3, seconds(3));
+        progress.show(1, seconds(0));
+        progress.show(2, seconds(0.09)); // too early to draw again
+        progress.show(3, seconds(0.1));
     }
-    EXPECT_EQ(written(), "\r[##########..............................]  25 %  0:03 left\033[K"
+    EXPECT_EQ(written(), "\r[##########..............................]  25 %  0:00 left\033[K"
                          "\r[##############################..........]  75 %  0:01 left\033[K"
                          "\r\033[K");
 }

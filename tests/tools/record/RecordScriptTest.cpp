@@ -121,6 +121,17 @@ TEST(RecordScriptTest, TheWheelTurnsDuringADrag)
     EXPECT_EQ(wheel->step, 2);
 }
 
+TEST(RecordScriptTest, KeepsTheOrderOfAnyNumberOfInputsAtOneTime)
+{
+    std::string text;
+    for (int x = 0; x < 100; ++x) {
+        text += "0 move " + std::to_string(x) + " 0\n";
+    }
+    const Script script = parse(text);
+    EXPECT_TRUE(std::is_sorted(script.inputs.begin(), script.inputs.end(),
+                               [](const Input& a, const Input& b) { return a.x < b.x; }));
+}
+
 TEST(RecordScriptTest, NamesFileAndLineOfWhatIsWrong)
 {
     EXPECT_EQ(errorOf("# a\n1 move 1 1\n\nsoon move 1 1"),
