@@ -370,6 +370,18 @@ void readAloud(const char* path)
     std::fputs("still running\n", stderr);
 }
 
+/// Reads a wall with this host, then one without it.
+void readBothAloud()
+{
+    TileConfig config;
+    testing::internal::CaptureStdout();
+    config.readDisplayCfg("wall.cfg");
+    testing::internal::GetCapturedStdout();
+    dup2(STDERR_FILENO, STDOUT_FILENO);
+    config.readDisplayCfg("other.cfg");
+    std::fputs("still running\n", stderr);
+}
+
 TEST_F(TileConfigDeathTest, AWallWithoutThisHostEndsTheProcess)
 {
     pretendedName = "here";
@@ -383,6 +395,9 @@ TEST_F(TileConfigDeathTest, AWallWithoutThisHostEndsTheProcess)
         TempDirectory::write("wall.cfg", "Cluster TileMap 1 1 Mullions 0 0 Nodes " + count);
         EXPECT_EXIT(readAloud("wall.cfg"), ExitedWithCode(0), messages) << count;
     }
+    TempDirectory::write("wall.cfg", hosts({"here"}));
+    TempDirectory::write("other.cfg", hosts({"there"}));
+    EXPECT_EXIT(readBothAloud(), ExitedWithCode(0), messages);
 }
 
 TEST_F(TileConfigDeathTest, WithoutAClusterNoHostIsFound)

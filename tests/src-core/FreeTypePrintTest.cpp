@@ -199,9 +199,12 @@ TEST_F(FreeTypePrintTest, PrintRestoresTheStateButTheBlendFunction)
     glEnable(GL_LIGHTING);
     glEnable(GL_DEPTH_TEST);
     glListBase(77);
-    glColor4f(0.25f, 0.5f, 0.75f, 1);
+    glTexCoord2f(0.25f, 0.5f);
     glMatrixMode(GL_TEXTURE);
     freetype::print(1, font, 100, 100, "text");
+    float coordinates[4] = {};
+    glGetFloatv(GL_CURRENT_TEXTURE_COORDS, coordinates);
+    EXPECT_THAT(coordinates, testing::ElementsAre(0.25f, 0.5f, 0, 1));
     EXPECT_EQ(getInteger(GL_MATRIX_MODE), GL_TEXTURE);
     EXPECT_EQ(getInteger(GL_LIST_BASE), 77);
     EXPECT_TRUE(isEnabled(GL_LIGHTING));

@@ -54,8 +54,8 @@ protected:
         return buffer;
     }
 
-    /// What create makes of a path that it cannot read.
-    static GLhandleARB refused(const char* path)
+    /// What create makes of a path; 0: nothing.
+    static GLhandleARB made(const char* path)
     {
         Shader shader;
         EXPECT_EQ(shader.create(path, GL_VERTEX_SHADER_ARB), &shader.handle);
@@ -116,20 +116,24 @@ TEST_F(ShaderTest, AFileThatCannotBeReadMakesNoObject)
     empty.write({});
     const TempPath pipe(".glsl");
     ASSERT_EQ(mkfifo(pipe.name(), 0600), 0);
-    EXPECT_EQ(refused(nullptr), 0u);
-    EXPECT_EQ(refused(missing.name()), 0u);
-    EXPECT_EQ(refused(empty.name()), 0u);
-    EXPECT_EQ(refused(pipe.name()), 0u);
-    EXPECT_EQ(refused(testing::TempDir().c_str()), 0u);
-    EXPECT_EQ(refused("/proc/self/mem"), 0u); // says it has no bytes
+    EXPECT_EQ(made(nullptr), 0u);
+    EXPECT_EQ(made(missing.name()), 0u);
+    EXPECT_EQ(made(empty.name()), 0u);
+    EXPECT_EQ(made(pipe.name()), 0u);
+    EXPECT_EQ(made(testing::TempDir().c_str()), 0u);
+    EXPECT_EQ(made("/proc/self/mem"), 0u); // says it has no bytes
 }
 
-TEST_F(ShaderTest, AFileOfGigabytesMakesNoObject)
+TEST_F(ShaderTest, AFileOfMoreThan16MiBMakesNoObject)
 {
     const TempPath path(".glsl");
     path.write(text(VERTEX));
+    std::filesystem::resize_file(path.name(), 16 << 20);
+    EXPECT_NE(made(path.name()), 0u);
+    std::filesystem::resize_file(path.name(), (16 << 20) + 1);
+    EXPECT_EQ(made(path.name()), 0u);
     std::filesystem::resize_file(path.name(), std::uintmax_t{3} << 30);
-    EXPECT_EQ(refused(path.name()), 0u);
+    EXPECT_EQ(made(path.name()), 0u);
 }
 
 TEST_F(ShaderTest, ARefusedFileKeepsTheObject)
@@ -158,7 +162,7 @@ TEST_F(ShaderTest, WithoutEntryPointsNothingIsCalled)
     const auto destroy = __glewDeleteObjectARB;
     __glewCreateShaderObjectARB = nullptr;
     __glewDeleteObjectARB = nullptr;
-    EXPECT_EQ(refused(path.name()), 0u);
+    EXPECT_EQ(made(path.name()), 0u);
     __glewCreateShaderObjectARB = create;
     __glewDeleteObjectARB = destroy;
 }

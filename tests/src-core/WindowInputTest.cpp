@@ -442,6 +442,20 @@ TEST_F(WindowInputTest, NoMixOfMovesLeavesNumbersThatAreNotFinite)
     expectFinite();
 }
 
+TEST_F(WindowInputTest, NeitherScaleOfTheRootIsLostByZoomingOut)
+{
+    // Times 0.8 it is below the smallest number that has all its bits.
+    constexpr float SMALL = 1.4e-38f;
+    for (const std::size_t element : {std::size_t{0}, std::size_t{5}}) {
+        root.transformmat[0] = 1;
+        root.transformmat[5] = 1;
+        root.transformmat[element] = SMALL;
+        turnWheel(1);
+        EXPECT_EQ(root.transformmat[element], SMALL);
+        EXPECT_EQ(window.pscale, 1);
+    }
+}
+
 TEST_F(WindowInputTest, ARootWithoutScaleIsMovedAllTheSame)
 {
     root.scale(0, 2, 1);

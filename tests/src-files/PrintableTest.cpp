@@ -34,6 +34,7 @@ TEST(PrintableTest, BytesThatAreNoTextBecomeDigits)
     EXPECT_EQ(printable("\xf0\x80\x80\x80"), "\\xf0\\x80\\x80\\x80");
     EXPECT_EQ(printable("\xf4\x90\x80\x80"), "\\xf4\\x90\\x80\\x80");
     EXPECT_EQ(printable("\xf0\x9f\x90z"), "\\xf0\\x9f\\x90z");
+    EXPECT_EQ(printable("\xf5\x80\x80\x80"), "\\xf5\\x80\\x80\\x80"); // beyond U+10FFFF
     EXPECT_EQ(printable("\xff"), "\\xff");
 }
 

@@ -154,6 +154,9 @@ TEST(GetSubImageTest, AHugeScaleStepsOutOfThePicture)
     for (const float scale : {3e9f, 3e38f, -3e9f, -3e38f}) {
         EXPECT_EQ(cut(3, 3, 1, 1, 1, 2, 2, scale).copy, (Bytes{5, 0, 0, 0})) << scale;
     }
+    // 65536 pixels in steps of 32768 are 2^31 pixels, of which an int holds all but one: the steps
+    // are one shorter.
+    EXPECT_EQ(cut(32768, 1, 1, 0, 0, 65536, 1, 32768).copy[1], 32767 % 255 + 1);
 }
 
 TEST(GetSubImageTest, ANegativeScaleStepsTowardsTheOriginAndNoFurther)

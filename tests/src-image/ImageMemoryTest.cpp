@@ -62,6 +62,27 @@ TEST(ImageMemoryTest, APngIsReadWholeOrNotWhereverMemoryEnds)
     }
 }
 
+/// Reads a file twice into one image.
+template<typename Image>
+void readTwice(const TempPath& path)
+{
+    const FailingMemory counted(1000000, FailingMemory::ONCE);
+    Image image;
+    EXPECT_EQ(image.read(path.name()), 1);
+    EXPECT_EQ(image.read(path.name()), 1);
+    delete[] image.sourceFile;
+}
+
+TEST(ImageMemoryTest, ASecondReadFreesWhatTheFirstHasLeft)
+{
+    const TempPath jpeg(".jpg");
+    writeJpeg(jpeg, noise(4, 3, 3), 80);
+    expectNothingLost([&] { readTwice<ImageJPEG>(jpeg); });
+    const TempPath png(".png");
+    writePng(png, noise(4, 3, 3));
+    expectNothingLost([&] { readTwice<ImagePNG>(png); });
+}
+
 TEST(ImageMemoryTest, AJpegIsWrittenWholeOrNotWhereverMemoryEnds)
 {
     const TempPath original(".jpg");

@@ -145,7 +145,7 @@ TEST(VectorTest, ShiftsAreDefinedForEveryCountAndComponent)
     v.rshift(-3);
     v.lshift(-3);
     expectComponents(v, 5, -5, 7);
-    v.set(INF, -INF, 3e9f);
+    v.set(INF, -INF, 2147483648.0f);
     v.rshift(0);
     expectComponents(v, 2147483648.0f, -2147483648.0f, 2147483648.0f);
 }

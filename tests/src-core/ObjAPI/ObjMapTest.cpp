@@ -312,7 +312,8 @@ TEST_F(ObjMapTest, ADamagedJpegIsReportedInTheWordsOfItsLibrary)
 
 TEST_F(ObjMapTest, APictureThatIsTooLargeGivesNoTexture)
 {
-    // A header that announces 1,000,000 x 1,000,000 pixels, and one that announces 65,000 x 65,000.
+    // A header that announces 1,000,000 x 1,000,000 pixels, and a JPEG that announces 32,768 x
+    // 32,768 pixels of one byte: 1 GiB, of which the missing ones would be gray.
     write_png("a.png", {.width = 1, .height = 1, .rows = {1, 2, 3}});
     std::string png = read("a.png");
     png.replace(16, 8, std::string("\x00\x0F\x42\x40\x00\x0F\x42\x40", 8));
@@ -329,11 +330,11 @@ TEST_F(ObjMapTest, APictureThatIsTooLargeGivesNoTexture)
     }
     EXPECT_EQ(texture(write("huge.png", png)), 0U);
 
-    write_jpeg("a.jpg", 8, 8, 3, Bytes(64 * 3, 5));
+    write_jpeg("a.jpg", 8, 8, 1, Bytes(64, 5));
     std::string jpeg = read("a.jpg");
     const std::size_t frame = jpeg.find("\xFF\xC0");
     ASSERT_NE(frame, std::string::npos);
-    jpeg.replace(frame + 5, 4, "\xFD\xE8\xFD\xE8");
+    jpeg.replace(frame + 5, 4, std::string("\x80\x00\x80\x00", 4));
     EXPECT_EQ(texture(write("huge.jpg", jpeg)), 0U);
 }
 
@@ -409,6 +410,18 @@ TEST_F(ObjMapTest, AModelsPicturesLieInItsDirectory)
     EXPECT_STREQ(obj::prop(fi, 0, 0)->str, "tex.png"); // what the writer writes
     EXPECT_TRUE(glIsTexture(obj_get_mtrl_map(fi, 1, 0)));
     EXPECT_NE(obj_get_mtrl_map(fi, 1, 0), name); // a material has textures of its own
+}
+
+TEST_F(ObjMapTest, OfAMaterialsTwoMapsOfOneKindTheLastIsRead)
+{
+    write("bad.jpg", "not a picture\n"); // it would be reported
+    write_png("good.png", {.width = 1, .height = 1, .rows = {9, 8, 7}});
+    write("m.mtl", "newmtl a\nmap_Kd bad.jpg\nmap_Kd good.png\n");
+    write("m.obj", "mtllib m.mtl\nv 0 0 0\nusemtl a\nf 1 1 1\n");
+    testing::internal::CaptureStderr();
+    const int fi = obj_add_file(path("m.obj").c_str());
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_NE(obj_get_mtrl_map(fi, 0, 0), 0U);
 }
 
 TEST_F(ObjMapTest, MakingATextureAsksTheGLFirst)

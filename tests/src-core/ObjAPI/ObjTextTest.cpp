@@ -99,6 +99,16 @@ TEST_F(ObjTextTest, LinesAreThoseOfFgetsForAnyFile)
     }
 }
 
+TEST_F(ObjTextTest, ALongLineMayBeCutAnywhereInTheReadersBuffer)
+{
+    // The buffer has 65536 bytes, a line at most 1023.
+    for (std::size_t before = 64500; before < 64530; ++before) {
+        const std::string text = std::string(before, '\n') + std::string(3000, 'x') + "\nend";
+        const std::string file = write("cut", text);
+        ASSERT_EQ(lines(file), expected_lines(file)) << before;
+    }
+}
+
 TEST_F(ObjTextTest, OnlyRegularFilesHaveLines)
 {
     const std::string pipe = path("pipe");
