@@ -3,7 +3,7 @@
 add_library(kelpix_options INTERFACE)
 target_compile_features(kelpix_options INTERFACE cxx_std_20)
 # The scene's arithmetic is fixed to the bit. Contraction would fuse products with sums, and g++ 12
-# packs neighbouring double-float-double statements without the rounding in between.
+# packs neighboring double-float-double statements without the rounding in between.
 target_compile_options(kelpix_options INTERFACE -ffp-contract=off)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_compile_options(kelpix_options INTERFACE -fno-tree-slp-vectorize)

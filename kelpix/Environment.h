@@ -16,7 +16,7 @@ extern int emitt;
 /// which the boids find each other. Lives until the process ends.
 ///
 /// Fixed behavior: drawing emits the bubbles, so a world that is out of view emits none. Pinned by
-/// EnvironmentTest.AnEnvironmentOutOfViewIsInitialisedButNotDrawn; do not correct.
+/// EnvironmentTest.AnEnvironmentOutOfViewIsInitializedButNotDrawn; do not correct.
 class Environment : public Node {
 public:
     bool initialized = false;

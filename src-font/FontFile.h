@@ -78,7 +78,7 @@ public:
     ///
     /// Fixed behavior: the rows of an 8-bit gray bitmap with the first row first are read as if
     /// they were not padded, whatever the pitch. Pinned by
-    /// CoverageTest.GreyRowsAreTakenWithoutTheirPadding; do not correct.
+    /// CoverageTest.GrayRowsAreTakenWithoutTheirPadding; do not correct.
     ///
     /// \return width * rows bytes; empty for a bitmap without pixels or without a buffer
     /// \throws std::runtime_error "FT_Bitmap_Convert failed"

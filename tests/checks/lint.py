@@ -21,7 +21,7 @@ import tempfile
 
 SOURCES_AT_ONCE = 12
 ROOT = pathlib.Path(__file__).resolve().parents[2]
-COLOUR = re.compile(r"\x1b\[[0-9;]*m")
+COLOR = re.compile(r"\x1b\[[0-9;]*m")
 # What clang-tidy 14 writes for "no limit", and refuses to read.
 UNREADABLE = re.compile(r"^ *- key: .*\n *value: *'-1'\n", re.MULTILINE)
 
@@ -65,7 +65,7 @@ def joined_complaints(command, folder, flags, sources):
             stderr=subprocess.STDOUT,
             text=True,
         )
-    lines = COLOUR.sub("", result.stdout).splitlines()
+    lines = COLOR.sub("", result.stdout).splitlines()
     found = {line for line in lines if " error: " in line or line.startswith("error: ")}
     if len(sources) > 1 and (found or result.returncode != 0):
         halves = (sources[::2], sources[1::2])

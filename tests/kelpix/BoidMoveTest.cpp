@@ -96,7 +96,7 @@ TEST_F(BoidMoveTest, ABoidAloneSwimsOnAsItWas)
     EXPECT_EQ(std::rand(), ReferenceRandom(1).next());
 }
 
-TEST_F(BoidMoveTest, AFlockPullsTowardsItsCentreAndItsVelocity)
+TEST_F(BoidMoveTest, AFlockPullsTowardsItsCenterAndItsVelocity)
 {
     boids.addFarSensor();
     Boid* const boid = boids.add(BOID_FISH, 0, {0.5f, 0.5f, 0}, {1, 0, 0});
@@ -242,13 +242,13 @@ TEST_F(BoidMoveTest, ManyStepsInRandomCompanyAreTheReferencesToTheBit)
         expected.translate(expected.pos);
         expected.scale(0.001f);
 
-        std::vector<Boid*> neighbours;
+        std::vector<Boid*> neighbors;
         std::vector<reference::Boid> others;
         const float reach = n % 2 == 0 ? 0.02f : 0.2f;
         for (unsigned k = 0; k < n % 6; ++k) {
             const Vec3 offset(between(-reach, reach), between(-reach, reach), 0);
             const Vec3 velocity(between(-7, 7), between(-7, 7), 0);
-            neighbours.push_back(company.add(BOID_FISH, 2, boid->pos + offset, velocity));
+            neighbors.push_back(company.add(BOID_FISH, 2, boid->pos + offset, velocity));
             others.emplace_back(false, toTriple(boid->pos + offset));
             others.back().vel = toTriple(velocity);
         }
@@ -267,7 +267,7 @@ TEST_F(BoidMoveTest, ManyStepsInRandomCompanyAreTheReferencesToTheBit)
 
         std::srand(n);
         ReferenceRandom random(n);
-        boid->move(&neighbours, &neighbours);
+        boid->move(&neighbors, &neighbors);
         expected.move(otherPointers, otherPointers, sensorPointers, random);
         SCOPED_TRACE(n);
         ASSERT_THAT(boid->vel, SameTriple(expected.vel));

@@ -128,31 +128,31 @@ TEST_F(BoidTest, CheckBucketTellsWhereTheBoidIs)
     EXPECT_EQ(boid->checkBucket(nullptr, &a), 4);
 }
 
-TEST_F(BoidTest, TheClosestNeighbourIsTheEarlierOfTwoEquallyClose)
+TEST_F(BoidTest, TheClosestNeighborIsTheEarlierOfTwoEquallyClose)
 {
     Boid* const boid = boids.add(BOID_FISH, 0, {0.5f, 0.5f, 0});
     Boid* const far = boids.add(BOID_FISH, 1, {0.75f, 0.5f, 0});
     Boid* const left = boids.add(BOID_FISH, 2, {0.375f, 0.5f, 0});
     Boid* const right = boids.add(BOID_FISH, 3, {0.625f, 0.5f, 0});
-    std::vector<Boid*> neighbours = {far, left, right};
-    EXPECT_EQ(boid->getClosest(&neighbours), left);
-    neighbours = {far, right, left};
-    EXPECT_EQ(boid->getClosest(&neighbours), right);
-    neighbours = {};
-    EXPECT_THAT(boid->getClosest(&neighbours), IsNull());
+    std::vector<Boid*> neighbors = {far, left, right};
+    EXPECT_EQ(boid->getClosest(&neighbors), left);
+    neighbors = {far, right, left};
+    EXPECT_EQ(boid->getClosest(&neighbors), right);
+    neighbors = {};
+    EXPECT_THAT(boid->getClosest(&neighbors), IsNull());
 }
 
-TEST_F(BoidTest, ANeighbourBeyondAHundredThousandIsNotClose)
+TEST_F(BoidTest, ANeighborBeyondAHundredThousandIsNotClose)
 {
     Boid* const boid = boids.add(BOID_FISH, 0, {});
     Boid* const away = boids.add(BOID_FISH, 1, {100000, 0, 0});
-    std::vector<Boid*> neighbours = {away};
-    EXPECT_THAT(boid->getClosest(&neighbours), IsNull());
+    std::vector<Boid*> neighbors = {away};
+    EXPECT_THAT(boid->getClosest(&neighbors), IsNull());
     away->pos.x = below(100000);
-    EXPECT_EQ(boid->getClosest(&neighbours), away);
+    EXPECT_EQ(boid->getClosest(&neighbors), away);
     for (const float bad : {INF, -INF, NOT_A_NUMBER}) {
         away->pos.x = bad;
-        EXPECT_THAT(boid->getClosest(&neighbours), IsNull());
+        EXPECT_THAT(boid->getClosest(&neighbors), IsNull());
     }
 }
 
@@ -255,7 +255,7 @@ TEST_F(BoidTest, TheAvoidanceBordersBelongToTheOutside)
     }
 }
 
-TEST_F(BoidTest, TheClosestNeighbourKicksByTwoPointTwoTimesTheAvoidance)
+TEST_F(BoidTest, TheClosestNeighborKicksByTwoPointTwoTimesTheAvoidance)
 {
     Boid* const boid = boids.add(BOID_FISH, 0, {0.5f, 0.5f, 0}, {1, 2, 0});
     Boid* const near = boids.add(BOID_FISH, 1, {0.49f, 0.5f, 0});
@@ -270,7 +270,7 @@ TEST_F(BoidTest, TheClosestNeighbourKicksByTwoPointTwoTimesTheAvoidance)
     EXPECT_THAT(boid->vel, IsVec3(1, 2 + avoid * 2.2f, 0));
 }
 
-TEST_F(BoidTest, WithoutANeighbourOrAtTheSamePlaceThereIsNoKick)
+TEST_F(BoidTest, WithoutANeighborOrAtTheSamePlaceThereIsNoKick)
 {
     Boid* const boid = boids.add(BOID_FISH, 0, {0.5f, 0.5f, 0}, {1, 2, 0});
     std::vector<Boid*> all;

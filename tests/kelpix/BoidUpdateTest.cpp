@@ -269,7 +269,7 @@ TEST_F(BoidUpdateTest, ABoidReadsThePositionOfTheOthersLatestUpdate)
     EXPECT_THAT(boid->flockCenter, IsVec3(0.52f, 0.5f, 0));
 }
 
-TEST_F(BoidUpdateTest, NeighboursComeColumnByColumn)
+TEST_F(BoidUpdateTest, NeighborsComeColumnByColumn)
 {
     // Two fish equally close, left and right: the left column's is the closer one.
     Boid* const boid = add(BOID_FISH, 1, {0.5f, 0.55f, 0});

@@ -308,7 +308,7 @@ TEST(BucketIndexShapesTest, AGridWithoutCellsFindsNothing)
     }
 }
 
-TEST(BucketIndexShapesTest, AGridThatWasNotInitialisedFindsNothing)
+TEST(BucketIndexShapesTest, AGridThatWasNotInitializedFindsNothing)
 {
     BucketIndex grid;
     EXPECT_THAT(grid.query(0, 0), IsNull());
@@ -317,7 +317,7 @@ TEST(BucketIndexShapesTest, AGridThatWasNotInitialisedFindsNothing)
     EXPECT_THAT(cells, IsEmpty());
 }
 
-TEST(BucketIndexShapesTest, InitialisingAgainStartsAfresh)
+TEST(BucketIndexShapesTest, InitializingAgainStartsAfresh)
 {
     BucketIndex grid;
     grid.initialize(3, 3, nullptr);

@@ -80,7 +80,7 @@ TEST(CreatureUpdateTest, HasItsTypeAndNothingToGet)
     EXPECT_EQ(node.getGeometry(), nullptr);
 }
 
-TEST(CreatureUpdateTest, MovesATenthOfTheWayToTheCentreOfItsSensors)
+TEST(CreatureUpdateTest, MovesATenthOfTheWayToTheCenterOfItsSensors)
 {
     Group group{{1, 0, 0}, {0, 1, 0}};
     Creature& creature = newCreature();

@@ -164,7 +164,7 @@ protected:
     }
 
     /// A one-texel texture instead of the picture of the water.
-    void colourWater(unsigned char red, unsigned char green, unsigned char blue)
+    void colorWater(unsigned char red, unsigned char green, unsigned char blue)
     {
         const unsigned char texel[] = {red, green, blue, 255};
         glGenTextures(1, world->tex->getId());
@@ -193,7 +193,7 @@ TEST_F(EnvironmentTest, TheFirstCullMakesPlaneBoxAndGridLines)
     EXPECT_EQ(world->bucketList, lines);
 }
 
-TEST_F(EnvironmentTest, AnEnvironmentOutOfViewIsInitialisedButNotDrawn)
+TEST_F(EnvironmentTest, AnEnvironmentOutOfViewIsInitializedButNotDrawn)
 {
     glTranslatef(5, 0, 0);
     EXPECT_EQ(world->cull(), -1);
@@ -224,7 +224,7 @@ TEST_F(EnvironmentTest, ThePlaneIsTheTexturedUnitSquare)
 
 TEST_F(EnvironmentTest, TheWaterIsDrawnAtHalfBrightness)
 {
-    colourWater(200, 100, 40);
+    colorWater(200, 100, 40);
     world->cull();
     const auto inside = pixel(WIDTH / 2 + 100, HEIGHT / 2 + 100);
     EXPECT_NEAR(inside[0], 100, 1);
@@ -236,7 +236,7 @@ TEST_F(EnvironmentTest, TheWaterIsDrawnAtHalfBrightness)
     glDeleteTextures(1, world->tex->getId());
 }
 
-TEST_F(EnvironmentTest, WithoutATextureThePlaneIsGrey)
+TEST_F(EnvironmentTest, WithoutATextureThePlaneIsGray)
 {
     Texture* const owned = std::exchange(world->tex, nullptr);
     world->cull();

@@ -128,7 +128,7 @@ TEST_F(SceneWindowTest, EverySizeIsDrawn)
     expectNoNewContext();
 }
 
-TEST_F(SceneWindowTest, AMinimisedWindowComesBackAsItWas)
+TEST_F(SceneWindowTest, AMinimizedWindowComesBackAsItWas)
 {
     void* const context = stage->window.context();
     for (int n = 0; n < 3; ++n) {

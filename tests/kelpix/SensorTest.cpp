@@ -94,7 +94,7 @@ TEST(SensorTest, AFreshSensorRestsAtTheOriginWithItsBodyAsItsChild)
     EXPECT_EQ(sensor->rep->vel, &sensor->vel);
 }
 
-TEST(SensorTest, CullOnlyInitialises)
+TEST(SensorTest, CullOnlyInitializes)
 {
     TestSensor sensor(0);
     EXPECT_EQ(sensor->cull(), 1) << "without a GL context";

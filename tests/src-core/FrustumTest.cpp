@@ -29,7 +29,7 @@ TEST(FrustumMathTest, IdentityMatricesGiveTheUnitCube)
     }
 }
 
-TEST(FrustumMathTest, PlanesEqualTheRowSumsNormalisedToTheBit)
+TEST(FrustumMathTest, PlanesEqualTheRowSumsNormalizedToTheBit)
 {
     std::mt19937 random(1);
     std::uniform_real_distribution<float> element(-2, 2);

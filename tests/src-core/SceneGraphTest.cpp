@@ -165,7 +165,7 @@ TEST_F(SceneGraphTest, TheWorldMatrixIsTheProductOfTheTransformsAboveTheNode)
     EXPECT_THAT(worldOf(leaf), Pointwise(FloatNear(1e-4f), getMatrix(GL_MODELVIEW_MATRIX)));
 }
 
-TEST_F(SceneGraphTest, ASiblingIsNotMovedByItsNeighbours)
+TEST_F(SceneGraphTest, ASiblingIsNotMovedByItsNeighbors)
 {
     ProbeNode a("a", journal);
     ProbeNode a1("a1", journal);

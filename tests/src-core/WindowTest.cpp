@@ -247,7 +247,7 @@ TEST_F(WindowTest, WhatIsMissingIsSaid)
     EXPECT_EQ(window->valid(), 1);
 }
 
-TEST_F(WindowTest, InitialisationSetsTheFixedState)
+TEST_F(WindowTest, InitializationSetsTheFixedState)
 {
     auto window = showWindow();
     EXPECT_EQ(window->valid(), 1);
@@ -271,7 +271,7 @@ TEST_F(WindowTest, TheVisualHasWhatWasAskedFor)
     EXPECT_GE(getInteger(GL_ACCUM_RED_BITS), 1);
 }
 
-TEST_F(WindowTest, InitialisationSetsTheCameraUpWithTheOffset)
+TEST_F(WindowTest, InitializationSetsTheCameraUpWithTheOffset)
 {
     auto window = makeWindow();
     window->setOffset(0.5f, 0.25f);
@@ -324,7 +324,7 @@ TEST_F(WindowTest, AMissingFontEscapesFromDraw)
     font.clean();
 }
 
-TEST_F(WindowTest, AnInvalidContextIsInitialisedAgain)
+TEST_F(WindowTest, AnInvalidContextIsInitializedAgain)
 {
     auto window = showWindow();
     window->make_current();

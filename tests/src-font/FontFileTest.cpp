@@ -38,7 +38,7 @@ protected:
     FT_Library library = nullptr;
 };
 
-TEST_F(CoverageTest, GreyRowsAreTakenWithoutTheirPadding)
+TEST_F(CoverageTest, GrayRowsAreTakenWithoutTheirPadding)
 {
     Bytes bytes = {1, 2, 3, 4, 5, 6, 7, 8};
     EXPECT_EQ(coverage(bytes.data(), 2, 2, 4, FT_PIXEL_MODE_GRAY), (Bytes{1, 2, 3, 4}));

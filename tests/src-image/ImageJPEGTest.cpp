@@ -46,7 +46,7 @@ TEST(ImageJPEGTest, StartsWithoutAPicture)
     expectStartWithoutPicture<ImageJPEG>(IMAGE_JPEG);
 }
 
-TEST(ImageJPEGTest, ReadsOnePixelOfColour)
+TEST(ImageJPEGTest, ReadsOnePixelOfColor)
 {
     const TempPath path(".jpg");
     writeJpeg(path, {1, 1, 3, {128, 128, 128}}, 100);
@@ -58,7 +58,7 @@ TEST(ImageJPEGTest, ReadsOnePixelOfColour)
     EXPECT_EQ(bytesOf(image), (Bytes{128, 128, 128}));
 }
 
-TEST(ImageJPEGTest, ReadsOnePixelOfGrey)
+TEST(ImageJPEGTest, ReadsOnePixelOfGray)
 {
     const TempPath path(".jpg");
     writeJpeg(path, {1, 1, 1, {128}}, 100);
@@ -104,7 +104,7 @@ TEST(ImageJPEGTest, ReadsWhatTheLibraryDecodesForEveryKindAndShape)
     }
 }
 
-TEST(ImageJPEGTest, GreyPixelsAreReadableAsRgb)
+TEST(ImageJPEGTest, GrayPixelsAreReadableAsRgb)
 {
     const TempPath path(".jpg");
     writeJpeg(path, noise(5, 3, 1));

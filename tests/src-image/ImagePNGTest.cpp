@@ -94,7 +94,7 @@ TEST(ImagePNGTest, SamplesOf16BitsAreCutNotRounded)
     EXPECT_EQ(bytesOf(image), (Bytes{1, 2, 3, 4, 5, 6}));
 }
 
-TEST(ImagePNGTest, PalettesAndGreyWithAlphaAreNotSupported)
+TEST(ImagePNGTest, PalettesAndGrayWithAlphaAreNotSupported)
 {
     struct Case {
         int colorType;
@@ -121,7 +121,7 @@ TEST(ImagePNGTest, PalettesAndGreyWithAlphaAreNotSupported)
     }
 }
 
-TEST(ImagePNGTest, ThePixelsAreCheckedBeforeTheColourType)
+TEST(ImagePNGTest, ThePixelsAreCheckedBeforeTheColorType)
 {
     const TempPath path(".png");
     writePng(path, 2, 2, PNG_COLOR_TYPE_PALETTE, 8, {0, 1, 2, 3});
@@ -354,7 +354,7 @@ TEST(ImagePNGTest, TextOfAnySizeIsSkipped)
               "");
 }
 
-TEST(ImagePNGTest, AColourProfileOfAnySizeIsSkipped)
+TEST(ImagePNGTest, AColorProfileOfAnySizeIsSkipped)
 {
     EXPECT_EQ(errorsOfReadingWith(compressedPngChunk("iCCP", 1024)),
               "libpng warning: iCCP: profile 'name': 2D2D2D2Dh: exceeds application limits\n");

@@ -74,7 +74,7 @@ TEST(MatrixTest, RotationBy90DegreesAboutZTurnsXIntoY)
     }
 }
 
-TEST(MatrixTest, RotationNormalisesItsAxis)
+TEST(MatrixTest, RotationNormalizesItsAxis)
 {
     Mat unit;
     Mat longer;

@@ -378,7 +378,7 @@ TEST_F(ObjDrawTest, TheArraysPointIntoTheVertices)
 
 // ---- Materials ----------------------------------------------------------------------------------
 
-TEST_F(ObjDrawTest, TheColoursBecomeTheMaterial)
+TEST_F(ObjDrawTest, TheColorsBecomeTheMaterial)
 {
     const int fi = square();
     for (int ki = 0; ki < 4; ++ki) {
@@ -544,7 +544,7 @@ TEST_F(ObjDrawTest, APropertyWithoutAMapChangesNothing)
     glMatrixMode(GL_MODELVIEW);
 }
 
-TEST_F(ObjDrawTest, ColourTrackingIsOffWhileAModelIsDrawn)
+TEST_F(ObjDrawTest, ColorTrackingIsOffWhileAModelIsDrawn)
 {
     const int fi = square();
     const float green[4] = {0, 1, 0, 1};
@@ -606,7 +606,7 @@ protected:
         }
         float color[4];
         glGetFloatv(GL_CURRENT_COLOR, color);
-        add(text, "colour", color, 4);
+        add(text, "color", color, 4);
         add(text, "modelview", getMatrix(GL_MODELVIEW_MATRIX).data(), 16);
         const GLint active = getInteger(GL_ACTIVE_TEXTURE_ARB);
         integer("active unit", GL_ACTIVE_TEXTURE_ARB);

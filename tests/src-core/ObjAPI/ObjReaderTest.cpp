@@ -202,7 +202,7 @@ TEST_F(ObjReaderTest, TheTablesStartAnewWithEachFile)
 
 // ---- Lines --------------------------------------------------------------------------------------
 
-TEST_F(ObjReaderTest, APolylineIsALineForEachPairOfNeighbours)
+TEST_F(ObjReaderTest, APolylineIsALineForEachPairOfNeighbors)
 {
     const Model m = model(std::string(SQUARE) + "vt 0.5 1\nl 1 2/1 3 1\nl 4\nl\n");
     EXPECT_THAT(m.surfaces[0].lines, ElementsAre(Line{0, 1}, Line{1, 2}, Line{2, 0}));
