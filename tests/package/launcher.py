@@ -10,6 +10,7 @@ import shutil
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
 VERSION = sys.argv.pop()
@@ -35,13 +36,22 @@ class Launcher(unittest.TestCase):
         self.launcher = self.prefix / "bin/kelpix"
         self.program = self.prefix / "libexec/kelpix/kelpix"
         self.sound_check = self.prefix / "libexec/kelpix/kelpix-sound-check"
+        self.gl_check = self.prefix / "libexec/kelpix/kelpix-gl-check"
+        self.window_setup = self.prefix / "libexec/kelpix/kelpix-window-setup"
         self.installed = self.prefix / "share/kelpix/media"
         self.conf = self.prefix / "share/kelpix/alsoft.conf"
         self.home = self.root / "home"
+        self.setups = self.home / "setups"
         self.launcher.parent.mkdir(parents=True)
         shutil.copy(LAUNCHER, self.launcher)
         self.script(self.program, PROGRAM)
         self.script(self.sound_check, "#!/bin/sh\necho noise; echo noise >&2; exit 0\n")
+        self.script(self.gl_check, "#!/bin/sh\necho noise >&2; exit 0\n")
+        # Says how it was started, all at once.
+        self.script(self.window_setup, """#!/bin/sh
+echo "$PPID $*" >"$HOME/new"
+mv "$HOME/new" "$HOME/setups"
+""")
         self.media(self.installed)
         self.home.mkdir()
 
@@ -108,6 +118,8 @@ class Launcher(unittest.TestCase):
         self.assert_plays(self.start("--media", "../there", folder=here), there)
         self.assert_plays(self.start("--media", there, folder=here), there)
         self.assert_plays(self.start(f"--media={there}", folder=here), there)
+        self.assert_plays(self.start(there, folder=here), there)
+        self.assert_plays(self.start("../there", folder=here), there)
 
     def test_plays_folders_of_odd_names(self):
         for name in ("-", "-P", "--help", "with space", "a\nb", "*", "a=b"):
@@ -133,6 +145,44 @@ class Launcher(unittest.TestCase):
                                     env={"PATH": os.environ["PATH"], "DISPLAY": ":7"})
         out, _ = launcher.communicate()
         self.assertEqual(out, f"{launcher.pid}\n")
+
+    # The window.
+
+    def setup(self, launcher):
+        """What the helper was told about the window of the launcher's process, and who its parent was."""
+        end = time.monotonic() + 60
+        while not self.setups.exists():
+            self.assertLess(time.monotonic(), end, "the helper was not started")
+            time.sleep(0.01)
+        parent, *arguments = self.setups.read_text().split()
+        self.assertNotEqual(int(parent), launcher, "the program has no child")
+        self.setups.unlink()
+        self.assertEqual(arguments[:2], ["--pid", str(launcher)])
+        return " ".join(arguments[2:])
+
+    def test_sets_the_window_up(self):
+        self.script(self.program, "#!/bin/sh\necho $$\n")
+        for arguments, told in ((["--fullscreen"], "--fullscreen --zoom 0"),
+                                (["--zoom", "3"], "--zoom 3"),
+                                (["--zoom=-20", "--fullscreen"], "--fullscreen --zoom -20"),
+                                (["--zoom", "7", "--zoom", "0", "--fullscreen"],
+                                 "--fullscreen --zoom 0")):
+            with self.subTest(arguments=arguments):
+                result = self.start(*arguments)
+                self.assertEqual((result.returncode, result.stderr), (0, ""))
+                self.assertEqual(self.setup(int(result.stdout)), told)
+
+    def test_leaves_the_window_alone(self):
+        for arguments in [], ["--zoom", "0"]:
+            self.assert_plays(self.start(*arguments), self.installed)
+            self.assertFalse(self.setups.exists())
+
+    def test_names_a_software_renderer(self):
+        self.script(self.gl_check, "#!/bin/sh\necho llvmpipe; exit 1\n")
+        result = self.start()
+        self.assert_plays(result, self.installed)
+        self.assertEqual(result.stderr, "kelpix: llvmpipe: below 40 updates a second the tentacles "
+                                        "break into zigzags; a smaller window helps\n")
 
     # The sound.
 
@@ -168,8 +218,8 @@ class Launcher(unittest.TestCase):
         for argument, display in (("--help", ":7"), ("-h", None)):
             result = self.start(argument, DISPLAY=display)
             self.assertEqual((result.returncode, result.stderr), (0, ""))
-            self.assertTrue(result.stdout.startswith("usage: kelpix [--media DIR]\n"))
-            for option in ("--media DIR", "-h, --help", "--version"):
+            self.assertTrue(result.stdout.startswith("usage: kelpix [option ...] [DIR]\n"))
+            for option in ("--media DIR", "--fullscreen", "--zoom N", "-h, --help", "--version"):
                 self.assertIn(f"\n  {option} ", result.stdout)
 
     def test_tells_its_version(self):
@@ -178,16 +228,28 @@ class Launcher(unittest.TestCase):
                          (0, f"kelpix {VERSION}\n", ""))
 
     def test_refuses_what_makes_no_sense(self):
-        for argument in ("--loud", "--loud=1", "reef", "-n", "", "--", "-h=", "\\n"):
+        for argument in ("--loud", "--loud=1", "-n", "-", "", "--", "-h=", "-\\n"):
             with self.subTest(argument=argument):
                 self.assert_refuses_line(self.start(argument), f'unknown option "{argument}"')
         for arguments in ["--media"], ["--media", ""], ["--media=", "reef"]:
             with self.subTest(arguments=arguments):
                 self.assert_refuses_line(self.start(*arguments), "--media needs a value")
+        self.assert_refuses_line(self.start("--zoom"), "--zoom needs a value")
+        self.assert_refuses_line(self.start("--zoom="), "--zoom needs a value")
+        for value in ("x", "3x", "1.5", "21", "-21", "100", "+1", "-", " 1", "--fullscreen", "0x3"):
+            with self.subTest(zoom=value):
+                self.assert_refuses_line(
+                    self.start("--zoom", value),
+                    f'--zoom takes a whole number from -20 to 20, not "{value}"')
         self.assert_refuses_line(self.start("--help=all"), "--help takes no value")
+        self.assert_refuses_line(self.start("--fullscreen=1"), "--fullscreen takes no value")
+        for arguments in ["a", "b"], ["--media", "a", "b"], ["a", "--media=b"]:
+            with self.subTest(arguments=arguments):
+                self.assert_refuses_line(self.start(*arguments), 'two folders of media: "a" and "b"')
 
     def test_says_that_there_are_no_media(self):
         self.assert_refuses(self.start("--media", "nowhere"), 1, "nowhere", "data/mocap.txt")
+        self.assert_refuses(self.start("nowhere"), 1, "nowhere", "data/mocap.txt")
         shutil.rmtree(self.installed)
         self.assert_refuses(self.start(), 1, "installed media", "--media")
 
