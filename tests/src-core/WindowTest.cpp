@@ -469,9 +469,13 @@ TEST_F(WindowTest, ASizeGivenBeforeTheFirstFrameIsAppliedInIt)
     EXPECT_EQ(getFloats(GL_PROJECTION_MATRIX, 16)[12], 0);
     EXPECT_THAT(window->getRender()->getCamera()->view, ElementsAre(300, 200));
 
-    window->valid(0); // as FLTK does for a new context
-    window->draw();
-    EXPECT_THAT(viewportOf(*window), ElementsAre(0, 0, 600, 100));
+    // Also when one side alone differs.
+    for (const auto& [w, h] : {std::pair{600, 100}, {600, 200}, {300, 100}}) {
+        window->resize(0, 0, w, h);
+        window->valid(0); // as FLTK does for a new context
+        window->draw();
+        EXPECT_THAT(viewportOf(*window), ElementsAre(0, 0, w, h));
+    }
 }
 
 TEST_F(WindowTest, ASizeFromTheXServerBeforeTheFirstFrameIsAppliedInIt)
