@@ -17,6 +17,7 @@ FOLDER = pathlib.Path(sys.argv.pop())
 ROOT = pathlib.Path(sys.argv.pop())
 KELPIX, DEV = sorted((FOLDER / "packages").glob("*.deb"))
 USR = FOLDER / "root/usr"
+BUILD = FOLDER.parents[2]
 sys.path.insert(0, str(ROOT / "tests/checks"))
 import links  # noqa: E402, from ROOT
 
@@ -44,8 +45,35 @@ class Packages(unittest.TestCase):
     def test_the_desktop_entry_is_valid(self):
         self.assertEqual(output("desktop-file-validate", USR / "share/applications/kelpix.desktop"), "")
 
+    def test_the_icon_is_there_in_the_usual_sizes(self):
+        icons = USR / "share/icons/hicolor"
+        drawing = icons / "scalable/apps/kelpix.svg"
+        sizes = {path.parent.parent.name for path in icons.rglob("kelpix.png")}
+        self.assertEqual(sizes, {f"{n}x{n}" for n in (16, 22, 24, 32, 48, 64, 128, 256, 512)})
+        with tempfile.TemporaryDirectory() as folder:
+            drawn = pathlib.Path(folder, "drawn.png")
+            for size in sizes:
+                width, height = size.split("x")
+                subprocess.run(["rsvg-convert", "-w", width, "-h", height, drawing, "-o", drawn],
+                               check=True)
+                # Another version of the library may round otherwise.
+                result = subprocess.run(
+                    ["compare", "-metric", "AE", "-fuzz", "2%", drawn,
+                     icons / size / "apps/kelpix.png", "null:"],
+                    stderr=subprocess.PIPE, text=True)
+                self.assertEqual(result.stderr, "0", f"{size}: not kelpix.svg, drawn by rsvg-convert")
+
     def test_the_appstream_data_are_valid(self):
-        output("appstreamcli", "validate", "--no-net", USR / "share/metainfo/kelpix.metainfo.xml")
+        published = BUILD / "packaging/published/kelpix.metainfo.xml"
+        for path in USR / "share/metainfo/kelpix.metainfo.xml", published:
+            output("appstreamcli", "validate", "--no-net", path)
+        # Where the pictures are on the web, those of the documents are the screenshots.
+        screenshots = re.findall(r'width="(\d+)" height="(\d+)">https://kelpix.invalid/pictures/(.*)</',
+                                 published.read_text())
+        self.assertEqual(len(screenshots), 2)
+        for width, height, name in screenshots:
+            self.assertEqual(output("identify", "-format", "%w %h", ROOT / "docs/pictures" / name),
+                             f"{width} {height}")
 
     def test_the_program_needs_the_libraries_that_it_is_linked_with(self):
         names = {entry.split(" ")[0] for entry in depends(KELPIX)}
