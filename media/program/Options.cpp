@@ -44,6 +44,31 @@ Value asset(const Asset*& target)
             }};
 }
 
+Value preview(std::filesystem::path& target)
+{
+    return {"a name that ends in .png", [&target](const std::string& text) {
+                target = text;
+                return target.extension() == ".png";
+            }};
+}
+
+/// Refuses options beside --check that mean nothing there.
+void checkTogether(const Options& options, const std::vector<std::string>& given)
+{
+    const bool preview = !options.preview.empty();
+    if (preview && options.check.empty()) {
+        throw UsageError("--preview PICTURE goes with --check DIR");
+    }
+    if (options.check.empty()) {
+        return;
+    }
+    for (const std::string& option : given) {
+        if (option != "--check" && option != "--preview" && !(preview && option == "--force")) {
+            throw UsageError("--check DIR goes with no other option but --preview PICTURE");
+        }
+    }
+}
+
 /// Makes the dance the only asset when it is made of a table.
 void choosePoses(Options& options)
 {
@@ -102,6 +127,10 @@ std::vector<commandline::Option> tableOf(Options& options)
          "can play it and how it will look and sound; the exit status\n"
          "is 0 when nothing is wrong, hints aside",
          commandline::text(options.check)},
+        {"--preview", "PICTURE",
+         "with --check: the scene of that folder at five moments, as the\n"
+         "program shows it, in a PNG file",
+         preview(options.preview)},
     };
 }
 
@@ -117,9 +146,7 @@ Options parseOptions(const std::vector<std::string>& arguments)
     if (options.action != commandline::Action::work) {
         return options;
     }
-    if (!options.check.empty() && parsed.given.size() > 1) {
-        throw UsageError("--check DIR goes with no other option");
-    }
+    checkTogether(options, parsed.given);
     if (options.check.empty() && options.out.empty()) {
         throw UsageError("--out DIR is missing");
     }
@@ -133,7 +160,7 @@ std::string usage()
 {
     Options unused;
     std::string text = "usage: kelpix-media --out DIR [option ...]\n"
-                       "       kelpix-media --check DIR\n"
+                       "       kelpix-media --check DIR [--preview PICTURE]\n"
                        "\n"
                        "Makes the pictures, sounds, models and recordings that the scene plays.\n"
                        "The same options make the same bytes.\n"

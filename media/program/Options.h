@@ -13,10 +13,11 @@ struct Options {
     commandline::Action action = commandline::Action::work;
     Request request;
     std::filesystem::path out;
-    bool force = false;          ///< replace files of other contents
-    std::filesystem::path check; ///< empty = make the set; else the folder to look at
-    const Asset* only = nullptr; ///< null = the whole set
-    bool isLengthGiven = false;  ///< by --seconds; else request.seconds is the default
+    bool force = false;            ///< replace files of other contents
+    std::filesystem::path check;   ///< empty = make the set; else the folder to look at
+    std::filesystem::path preview; ///< with check: a picture of the scene; empty = none
+    const Asset* only = nullptr;   ///< null = the whole set
+    bool isLengthGiven = false;    ///< by --seconds; else request.seconds is the default
 };
 
 /// \param arguments  without the program's name

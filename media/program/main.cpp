@@ -2,6 +2,7 @@
 #include "DanceLength.h"
 #include "Delivery.h"
 #include "Options.h"
+#include "Preview.h"
 
 #include <algorithm>
 #include <atomic>
@@ -84,6 +85,9 @@ int run(const std::vector<std::string>& arguments)
     if (!options.check.empty()) {
         const std::vector<media::FileReport> reports = media::checkFolder(options.check);
         std::fputs(media::describe(reports).c_str(), stdout);
+        if (!options.preview.empty()) {
+            media::makePreview(options.check, options.preview, options.force);
+        }
         return media::playsWell(reports) ? 0 : 1;
     }
     options.request.seconds = media::lengthFor(options);

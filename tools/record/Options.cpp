@@ -77,6 +77,8 @@ std::vector<commandline::Option> tableOf(Options& options)
         {"--out", "FILM", "the extension tells the kind: .mp4, .mkv, .webm, .gif ...",
          film(options.out)},
         {"--png", "PICTURE", "the picture of one moment, as PNG", picture(options.png)},
+        {"--sheet", "PICTURE", "five moments of the scene side by side, as PNG",
+         picture(options.sheet)},
         {"--force", "", "replaces a file that has the name of the film or picture",
          commandline::flag(options.force)},
         {"--hash", "", "prints the scene's state at one moment as numbers",
@@ -115,11 +117,25 @@ void checkFilmKind(const Options& options)
     }
 }
 
-/// Checks the options together.
-void check(const Options& options)
+/// A sheet shows the whole scene, as it is without somebody at the window.
+void checkSheet(const std::vector<std::string>& given)
 {
-    if (options.out.empty() && options.png.empty() && !options.hash) {
-        throw UsageError("--out FILE, --png FILE or --hash is missing");
+    for (const std::string& option : given) {
+        if (option != "--sheet" && option != "--size" && option != "--seed" &&
+            option != "--media" && option != "--force") {
+            throw UsageError("--sheet does not go with " + option);
+        }
+    }
+}
+
+/// Checks the options together.
+/// \param given  their names
+void check(const Options& options, const std::vector<std::string>& given)
+{
+    if (!options.sheet.empty()) {
+        checkSheet(given);
+    } else if (options.out.empty() && options.png.empty() && !options.hash) {
+        throw UsageError("--out FILE, --png FILE, --sheet FILE or --hash is missing");
     }
     if (options.hash && !(options.out.empty() && options.png.empty())) {
         throw UsageError("--hash makes neither a film nor a picture");
@@ -150,7 +166,7 @@ Options parseOptions(const std::vector<std::string>& arguments)
     options.action = parsed.action;
     options.encoderOptions = parsed.rest;
     if (options.action == commandline::Action::work) {
-        check(options);
+        check(options, parsed.given);
     }
     return options;
 }
@@ -160,6 +176,7 @@ std::string usage()
     Options unused;
     return "usage: kelpix-record --out FILM [option ...] [-- FFMPEG-OPTION ...]\n"
            "       kelpix-record --png PICTURE [option ...]\n"
+           "       kelpix-record --sheet PICTURE [option ...]\n"
            "       kelpix-record --hash [option ...]\n"
            "\n"
            "Plays the scene without a window, as fast as the machine can, and saves it as a\n"

@@ -15,6 +15,7 @@ struct Options {
     commandline::Action action = commandline::Action::work;
     std::filesystem::path out;          ///< the film; empty = none is asked for
     std::filesystem::path png;          ///< the picture; empty = none is asked for
+    std::filesystem::path sheet;        ///< five moments in a picture; empty = none is asked for
     bool force = false;                 ///< film or picture may replace a file
     bool hash = false;                  ///< the numbers of the scene's state are asked for
     Microseconds at = 0;                ///< of picture or numbers, or of the film's first frame

@@ -12,6 +12,7 @@
 #include "Printable.h"
 #include "Progress.h"
 #include "Schedule.h"
+#include "Sheet.h"
 #include "Stage.h"
 
 #include <algorithm>
@@ -39,6 +40,7 @@ public:
     }
 
     std::string makePicture();
+    std::string makeSheet();
     std::string hash();
     std::string makeFilm(const Schedule& schedule);
 
@@ -55,6 +57,7 @@ private:
     Progress::Duration elapsed() const { return Clock::now() - begin; }
     void playStep(bool seen);
     void playUntil(std::int64_t last, bool seen);
+    void save(const Picture& picture, Files::PartFile& part);
     void film(const Schedule& schedule, Encoder& encoder);
 };
 
@@ -75,20 +78,46 @@ void Recorder::playUntil(std::int64_t last, bool seen)
     }
 }
 
+void Recorder::save(const Picture& picture, Files::PartFile& part)
+{
+    try {
+        writePng(part.name(), picture);
+    } catch (const std::runtime_error& error) {
+        part.fail(error.what());
+    }
+    part.keep();
+}
+
 std::string Recorder::makePicture()
 {
     Files::PartFile part(options.png);
     const ExitGuard guard([&] { part.discard(); });
     playUntil(stepShownAt(options.at), true);
     reader.start();
-    try {
-        writePng(part.name(), reader.finish());
-    } catch (const std::runtime_error& error) {
-        part.fail(error.what());
-    }
-    part.keep();
+    save(reader.finish(), part);
     return Files::printable(options.png.filename().string()) + ": " +
            std::to_string(options.width) + " x " + std::to_string(options.height);
+}
+
+std::string Recorder::makeSheet()
+{
+    Files::PartFile part(options.sheet);
+    const ExitGuard guard([&] { part.discard(); });
+    const Sheet sheet(voiceSamples * SECOND / voice.rate);
+    const std::int64_t last = sheet.steps().back();
+    Picture picture = Sheet::empty(options.width, options.height);
+    Progress progress(stderr, isatty(STDERR_FILENO) != 0, last + 1);
+    for (std::int64_t step = 0; step <= last; ++step) {
+        const bool seen = sheet.shows(step);
+        playStep(seen);
+        if (seen) {
+            reader.start();
+            sheet.place(reader.finish(), step, picture);
+        }
+        progress.show(step + 1, elapsed());
+    }
+    save(picture, part);
+    return Files::printable(options.sheet.filename().string()) + ": " + sheet.about();
 }
 
 std::string Recorder::hash()
@@ -176,7 +205,7 @@ void Recorder::film(const Schedule& schedule, Encoder& encoder)
 /// one means is said when the file is made.
 void keepFiles(const Options& options)
 {
-    for (const std::filesystem::path& path : {options.out, options.png}) {
+    for (const std::filesystem::path& path : {options.out, options.png, options.sheet}) {
         std::error_code error;
         if (!options.force && exists(std::filesystem::symlink_status(path, error)) &&
             !std::filesystem::is_directory(path, error)) {
@@ -210,6 +239,9 @@ std::string runRecorder(const Options& options, const Script& script)
     Recorder recorder(options, script);
     if (options.hash) {
         return recorder.hash();
+    }
+    if (!options.sheet.empty()) {
+        return recorder.makeSheet();
     }
     return options.out.empty() ? recorder.makePicture() : recorder.makeFilm(schedule);
 }

@@ -18,7 +18,7 @@ constexpr const char* PROGRAM = "kelpix-record";
 void enterMedia(Options& options)
 {
     const fs::path folder = mediaToPlay(options.media, KELPIX_MEDIA_FROM_PROGRAM);
-    for (fs::path* path : {&options.out, &options.png}) {
+    for (fs::path* path : {&options.out, &options.png, &options.sheet}) {
         if (!path->empty()) {
             *path = fs::absolute(*path);
         }

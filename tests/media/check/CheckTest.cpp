@@ -2,6 +2,7 @@
 
 #include "CheckMessages.h"
 #include "CheckedFolder.h"
+#include "OggFiles.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -75,6 +76,31 @@ TEST_F(CheckProgramTest, RecordingsAreMeasuredByTheVoice)
     EXPECT_THAT(out, HasSubstr("moves by more than 0.012 in an update"));
 }
 
+TEST_F(CheckProgramTest, AnotherProgramMakesThePreview)
+{
+    // The scene's objects are given back by the end of that process.
+    const char* options = std::getenv("ASAN_OPTIONS");
+    const std::string asan =
+        std::string(options == nullptr ? "" : options) + ":detect_leaks=0:verify_asan_link_order=0";
+    ASSERT_EQ(setenv("ASAN_OPTIONS", asan.c_str(), 1), 0);
+    const CheckedFolder folder;
+    const std::string set = folder.path().string();
+    // A short voice, and so few of the scene's steps.
+    OggFiles::Tone voice;
+    voice.samples = 44100;
+    folder.write("sound/magpie_vocal.ogg", OggFiles::vorbis(voice));
+    const std::string preview = "--check '" + set + "' --preview '" + set + "/sheet.png'";
+    EXPECT_EQ(run(preview), 1) << "the dance is too long";
+    EXPECT_THAT(out, HasSubstr("that stop the scene\n"));
+    EXPECT_THAT(out, HasSubstr("\nsheet.png: the scene at 0.1, 0.3, 0.5, 0.7 and 0.9 s\n"));
+    EXPECT_THAT(folder.read("sheet.png"), testing::StartsWith("\x89PNG"));
+    folder.write("sheet.png", "mine");
+    EXPECT_EQ(run(preview), 1);
+    EXPECT_THAT(out, HasSubstr("sheet.png is there already; --force replaces it\n"));
+    EXPECT_THAT(out, testing::EndsWith("no preview: kelpix-record ended with status 1\n"));
+    EXPECT_EQ(folder.read("sheet.png"), "mine");
+}
+
 TEST_F(CheckProgramTest, WantsAFolderAndNothingElse)
 {
     EXPECT_EQ(run("--check /nowhere"), 1);
@@ -82,7 +108,11 @@ TEST_F(CheckProgramTest, WantsAFolderAndNothingElse)
     EXPECT_EQ(run("--check"), 2);
     EXPECT_EQ(run("--check '" KELPIX_MEDIA_DIR "' --out x"), 2);
     EXPECT_EQ(run("--seed 2 --check '" KELPIX_MEDIA_DIR "'"), 2);
-    EXPECT_THAT(out, HasSubstr("--check DIR goes with no other option"));
+    EXPECT_THAT(out, HasSubstr("--check DIR goes with no other option but --preview PICTURE"));
+    EXPECT_EQ(run("--check '" KELPIX_MEDIA_DIR "' --preview x.jpg"), 2);
+    EXPECT_THAT(out, HasSubstr("--preview takes a name that ends in .png, not \"x.jpg\""));
+    EXPECT_EQ(run("--out x --preview x.png"), 2);
+    EXPECT_THAT(out, HasSubstr("--preview PICTURE goes with --check DIR"));
     EXPECT_EQ(run("--help"), 0);
     EXPECT_THAT(out, HasSubstr("  --check DIR "));
 }

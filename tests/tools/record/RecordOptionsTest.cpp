@@ -78,7 +78,11 @@ TEST_P(RecordBadOptionsTest, SayWhatIsWrong)
 INSTANTIATE_TEST_SUITE_P(
     Lines, RecordBadOptionsTest,
     testing::Values(
-        BadLine{{}, "--out FILE, --png FILE or --hash is missing"},
+        BadLine{{}, "--out FILE, --png FILE, --sheet FILE or --hash is missing"},
+        BadLine{{"--sheet", "a.jpg"}, "--sheet takes a name that ends in .png, not \"a.jpg\""},
+        BadLine{{"--sheet", "a.png", "--at", "5"}, "--sheet does not go with --at"},
+        BadLine{{"--hash", "--sheet", "a.png"}, "--sheet does not go with --hash"},
+        BadLine{{"--sheet", "a.png", "--", "-crf", "1"}, "options after -- are for films"},
         BadLine{{"--hash", "--png", "b.png"}, "--hash makes neither a film nor a picture"},
         BadLine{{"--out", "a.mp4", "--hash"}, "--hash makes neither a film nor a picture"},
         BadLine{{"--out", "a.mp4", "--png", "b.png"}, "--out and --png do not go together"},

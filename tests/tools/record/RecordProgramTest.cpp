@@ -292,7 +292,7 @@ TEST_F(RecordProgramTest, RefusesABadOption)
     EXPECT_EQ(std::count(err.begin(), err.end(), '\n'), 2) << err;
     EXPECT_THAT(filesLeft(), IsEmpty());
     EXPECT_EQ(runCommand({KELPIX_RECORD}), 2);
-    EXPECT_EQ(err, "kelpix-record: --out FILE, --png FILE or --hash is missing\n"
+    EXPECT_EQ(err, "kelpix-record: --out FILE, --png FILE, --sheet FILE or --hash is missing\n"
                    "kelpix-record --help lists the options.\n");
 }
 
@@ -330,6 +330,28 @@ TEST_F(RecordProgramTest, SaysWhereItCannotWrite)
     EXPECT_EQ(err, "kelpix-record: cannot write " + (work / "nowhere/picture.png").string() +
                        ": No such file or directory\n");
     EXPECT_THAT(filesLeft(), ElementsAre("film.mp4"));
+}
+
+TEST_F(RecordProgramTest, ASheetShowsTheScenesPicturesOfFiveMoments)
+{
+    copyMediaWithout({"sound/magpie_vocal.ogg"});
+    OggFiles::Tone voice;
+    voice.samples = 2 * 44100;
+    TempDirectory::write("media/sound/magpie_vocal.ogg", OggFiles::vorbis(voice));
+    ASSERT_EQ(run("--sheet sheet.png --size 64x48"), 0) << err;
+    EXPECT_EQ(out, "sheet.png: the scene at 0.2, 0.6, 1.0, 1.4 and 1.8 s\n");
+    EXPECT_THAT(filesLeft(), ElementsAre("sheet.png"));
+    const auto pixelsOf = [&](const std::string& name, const std::string& left) {
+        return converted(
+            {"-i", name, "-vf", "crop=64:48:" + left + ":0", "-f", "rawvideo", "-pix_fmt", "rgb24"},
+            "pixels");
+    };
+    // 64 pixels and a gap of 2.
+    const std::vector<std::pair<std::string, std::string>> moments = {{"0.2", "0"}, {"1.8", "264"}};
+    for (const auto& [at, left] : moments) {
+        ASSERT_EQ(run("--force --png picture.png --size 64x48 --at " + at), 0) << err;
+        EXPECT_TRUE(pixelsOf("sheet.png", left) == pixelsOf("picture.png", "0")) << at;
+    }
 }
 
 TEST_F(RecordProgramTest, ReplacesAFileOnlyWhenItIsForced)
