@@ -33,6 +33,7 @@ std::filesystem::path findRecorder()
 int run(std::vector<std::string> command)
 {
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (std::string& argument : command) {
         arguments.push_back(argument.data());
     }
