@@ -112,7 +112,7 @@ int main(int argc, char* argv[])
         return 1;
     }
     OggSound::initAL(&argc, argv);
-    if (!alcGetCurrentContext()) {
+    if (alcGetCurrentContext() == nullptr) {
         std::fputs("creature: no sound device, so the figures rest. ALSOFT_DRIVERS=null plays to "
                    "nowhere and lets them move.\n",
                    stderr);

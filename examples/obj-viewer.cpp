@@ -143,7 +143,7 @@ public:
     void draw() override
     {
         //! [text]
-        const bool newContext = !valid();
+        const bool newContext = valid() == 0;
         Window::draw(); // loads the model in the first frame
         if (newContext) {
             font.init(KELPIX_FONT, 12);

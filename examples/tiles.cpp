@@ -67,15 +67,15 @@ void printWall()
         printRule(columns);
         for (int column = 0; column < columns; ++column) {
             const Tile tile = tileAt(column, row);
-            const char* mark = tile.host && isThisHost(*tile.host) ? "* " : "";
-            printCell(tile.host ? mark + std::string(tile.host->hostname) : "");
+            const char* mark = tile.host != nullptr && isThisHost(*tile.host) ? "* " : "";
+            printCell(tile.host != nullptr ? mark + std::string(tile.host->hostname) : "");
         }
         std::puts("|");
         for (int column = 0; column < columns; ++column) {
             const WindowEntity* window = tileAt(column, row).window;
-            printCell(window ? std::to_string(window->location[2]) + " x " +
-                                   std::to_string(window->location[3])
-                             : "");
+            printCell(window != nullptr ? std::to_string(window->location[2]) + " x " +
+                                              std::to_string(window->location[3])
+                                        : "");
         }
         std::puts("|");
     }
@@ -100,7 +100,7 @@ void printHost(const ClusterNode& host)
 void printConfiguration()
 {
     const Cluster* wall = config.cluster;
-    if (!wall) {
+    if (wall == nullptr) {
         return;
     }
     std::printf("\nA wall of %d x %d tiles, mullions %g and %g, hosts: %zu\n\n", wall->tilemap[0],

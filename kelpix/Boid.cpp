@@ -128,7 +128,7 @@ void Boid::cleanup()
 {
     // A boid that leaves the grid has left its cell already. One that other code killed is still
     // in it: without this its cell would keep a pointer to a deleted boid.
-    if (myBucket) {
+    if (myBucket != nullptr) {
         myBucket->forget(this);
         myBucket = nullptr;
     }
@@ -184,7 +184,7 @@ void Boid::draw()
 void Boid::doupdate()
 {
     auto* environment = static_cast<Environment*>(getParent());
-    if (!environment) {
+    if (environment == nullptr) {
         return;
     }
     BucketIndex* grid = environment->getBucketIndex();
@@ -192,7 +192,7 @@ void Boid::doupdate()
     const float x = pos.x * 10;
     const float y = pos.y * 10;
     enterGrid(grid->query(x, y));
-    if (!myBucket) {
+    if (myBucket == nullptr) {
         die();
         return;
     }
@@ -220,7 +220,7 @@ void Boid::enterGrid(Bucket* bucket)
         bucket->add(this);
         break;
     case 3:
-        if (myBucket) {
+        if (myBucket != nullptr) {
             myBucket->remove(this);
         }
         myBucket = nullptr;
@@ -236,10 +236,10 @@ int Boid::checkBucket(Bucket* a, Bucket* b)
     if (outOfBound) {
         return 4;
     }
-    if (!b) {
+    if (b == nullptr) {
         return 3;
     }
-    if (!a) {
+    if (a == nullptr) {
         return 2;
     }
     if (a->x() != b->x()) {
@@ -259,7 +259,7 @@ void Boid::steer(const Neighborhood& flockmates, Boid* closest)
         flock(flockmates);
     }
     avoidWalls();
-    if (closest) {
+    if (closest != nullptr) {
         bounceOff(closest);
     }
     moveToClosestSensor();
@@ -363,7 +363,7 @@ Node* Boid::getClosestSensor()
 
 Sensor* Boid::findSensor(float& distance)
 {
-    if (!sensorList) {
+    if (sensorList == nullptr) {
         return nullptr;
     }
     Closest nearest;
@@ -382,7 +382,7 @@ void Boid::moveToClosestSensor()
 {
     float distance = 0;
     const Sensor* closest = findSensor(distance);
-    if (!closest) {
+    if (closest == nullptr) {
         std::puts("sensor not found");
         return;
     }
@@ -404,7 +404,7 @@ void Boid::turnSprite()
     target.normalize();
     const float degrees = DEGREES_PER_RADIAN * Vec3::AngleBetween(heading, target);
     // NaN fails this test too: a boid at rest has no heading, and its sprite is not turned.
-    if (!boider || !(-180 <= degrees && degrees <= 180)) {
+    if (boider == nullptr || !(-180 <= degrees && degrees <= 180)) {
         return;
     }
     const Vec3 normal = Vec3::CrossProduct(target - heading, target);

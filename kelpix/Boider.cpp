@@ -38,18 +38,18 @@ int Boider::cull()
 
 void Boider::draw()
 {
-    if (tex && !tex->isLoaded()) {
+    if (tex != nullptr && !tex->isLoaded()) {
         tex->load();
     }
     glColor4f(1.0f, 1.0f, 1.0f, 0.5f);
     glEnable(GL_BLEND);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-    if (tex) {
+    if (tex != nullptr) {
         glEnable(GL_TEXTURE_2D);
         glBindTexture(GL_TEXTURE_2D, *tex->getId());
     }
     glCallList(boidGeometry);
-    if (tex) {
+    if (tex != nullptr) {
         glBindTexture(GL_TEXTURE_2D, 0);
         glDisable(GL_TEXTURE_2D);
     }

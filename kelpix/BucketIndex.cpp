@@ -37,7 +37,7 @@ void Bucket::remove(Node* node)
 {
     const int id = idOf(node);
     for (std::size_t i = 0; i < boidList.size(); ++i) {
-        if (boidList[i] && idOf(boidList[i]) == id) {
+        if (boidList[i] != nullptr && idOf(boidList[i]) == id) {
             nullboids.push(static_cast<int>(i));
             boidList[i] = nullptr;
         }

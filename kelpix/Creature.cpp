@@ -18,7 +18,7 @@ Vec3 centerOf(const std::vector<Node*>* sensors)
 {
     Vec3 sum;
     std::size_t count = 0;
-    if (sensors) {
+    if (sensors != nullptr) {
         for (Node* sensor : *sensors) {
             sum = sum + positionOf(sensor);
         }
@@ -71,7 +71,7 @@ void Creature::doupdate()
 
 void Creature::draw()
 {
-    if (tex && !tex->isLoaded()) {
+    if (tex != nullptr && !tex->isLoaded()) {
         tex->load();
     }
     glColor4f(1, 1, 1, 0.5f);
@@ -84,12 +84,12 @@ void Creature::draw()
 
 void Creature::drawSquare()
 {
-    if (tex) {
+    if (tex != nullptr) {
         glEnable(GL_TEXTURE_2D);
         glBindTexture(GL_TEXTURE_2D, *tex->getId());
     }
     glCallList(cGeometry);
-    if (tex) {
+    if (tex != nullptr) {
         glBindTexture(GL_TEXTURE_2D, 0);
         glDisable(GL_TEXTURE_2D);
     }
@@ -99,7 +99,7 @@ void Creature::drawLines()
 {
     glLineWidth(4);
     glBegin(GL_LINES);
-    if (sensorList) {
+    if (sensorList != nullptr) {
         for (Node* sensor : *sensorList) {
             const Vec3& end = positionOf(sensor);
             glVertex2f(0, 0);

@@ -141,17 +141,17 @@ int Environment::cull()
 
 void Environment::draw()
 {
-    if (tex && !tex->isLoaded()) {
+    if (tex != nullptr && !tex->isLoaded()) {
         tex->load();
     }
-    if (geom) {
-        if (tex) {
+    if (geom != nullptr) {
+        if (tex != nullptr) {
             glEnable(GL_TEXTURE_2D);
             glBindTexture(GL_TEXTURE_2D, *tex->getId());
         }
         glColor3f(0.5f, 0.5f, 0.5f);
         glCallList(geom->list);
-        if (tex) {
+        if (tex != nullptr) {
             glBindTexture(GL_TEXTURE_2D, 0);
             glDisable(GL_TEXTURE_2D);
         }

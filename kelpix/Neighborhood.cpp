@@ -46,7 +46,7 @@ std::size_t listBoids(const std::vector<Bucket*>& cells)
         Boid** const list = scratch.candidates.data();
         for (Node* node : slots) {
             list[count] = static_cast<Boid*>(node);
-            count += node != nullptr;
+            count += static_cast<std::size_t>(node != nullptr);
         }
     }
     return count;
@@ -64,7 +64,7 @@ std::size_t keepNear(std::size_t count, const Boid& boid)
     for (std::size_t i = 0; i < count; ++i) {
         list[near] = list[i];
         square[near] = Vec3::SquaredDistance(list[near]->pos, pos);
-        near += square[near] <= reach;
+        near += static_cast<std::size_t>(square[near] <= reach);
     }
     return near;
 }

@@ -64,11 +64,11 @@ int Sensor::cull()
 
 void Sensor::doupdate()
 {
-    if (!mocap) {
+    if (mocap == nullptr) {
         return;
     }
     Vec3* recorded = recordedPosition();
-    if (!recorded) {
+    if (recorded == nullptr) {
         std::exit(1);
     }
     *recorded = *recorded * 0.45f;

@@ -29,7 +29,7 @@ void drawCallback(Window*)
 /// Closes the sound device however the process ends: OpenAL prints a warning when it is left open.
 void closeSound()
 {
-    if (alcGetCurrentContext()) {
+    if (alcGetCurrentContext() != nullptr) {
         OggSound::exitAL();
     }
 }
@@ -74,7 +74,7 @@ int runScene(int argc, char** argv)
     std::srand(static_cast<unsigned>(std::time(nullptr)));
     OggSound::initAL(&argc, argv);
     std::atexit(closeSound);
-    if (!alcGetCurrentContext()) {
+    if (alcGetCurrentContext() == nullptr) {
         std::fprintf(stderr, "kelpix: no sound device: the scene is silent and its figures rest. "
                              "ALSOFT_DRIVERS=null plays to nowhere and lets them move.\n");
     }

@@ -26,20 +26,20 @@ std::string softwareRenderer(Display* display)
         return "";
     }
     const char* const extensions = glXQueryExtensionsString(display, screen);
-    if (!extensions ||
+    if (extensions == nullptr ||
         std::string(extensions).find("GLX_MESA_query_renderer") == std::string::npos) {
         return "";
     }
     const auto queryInteger = find<QueryInteger>("glXQueryRendererIntegerMESA");
     const auto queryString = find<QueryString>("glXQueryRendererStringMESA");
     unsigned isAccelerated = 1;
-    if (!queryInteger || !queryString ||
+    if (queryInteger == nullptr || queryString == nullptr ||
         !queryInteger(display, screen, 0, GLX_RENDERER_ACCELERATED_MESA, &isAccelerated) ||
         isAccelerated) {
         return "";
     }
     const char* const device = queryString(display, screen, 0, GLX_RENDERER_DEVICE_ID_MESA);
-    const std::string name = device ? device : "";
+    const std::string name = device != nullptr ? device : "";
     // "llvmpipe (LLVM 15.0.6, 256 bits)"
     return name.empty() ? "software" : name.substr(0, name.find(' '));
 }
@@ -49,7 +49,7 @@ std::string softwareRenderer(Display* display)
 int main()
 {
     Display* const display = XOpenDisplay(nullptr);
-    if (!display) {
+    if (display == nullptr) {
         return 0;
     }
     const std::string name = softwareRenderer(display);

@@ -7,7 +7,7 @@
 int main(int argc, char* argv[])
 {
     OggSound::initAL(&argc, argv);
-    if (!alcGetCurrentContext()) {
+    if (alcGetCurrentContext() == nullptr) {
         return 1;
     }
     OggSound::exitAL();

@@ -63,7 +63,7 @@ public:
     }
 
     /// \return the window in which process \p pid shows the scene, None before its first frame
-    Window sceneOf(pid_t pid) { return sceneBelow(root, static_cast<unsigned long>(pid)); }
+    Window sceneOf(pid_t pid) { return sceneBelow(root, static_cast<std::size_t>(pid)); }
 
     void makeFullscreen(Window window)
     {
@@ -127,7 +127,7 @@ private:
             values.resize(count);
             std::memcpy(values.data(), data, count * sizeof values[0]);
         }
-        if (data) {
+        if (data != nullptr) {
             XFree(data);
         }
         return values;
@@ -140,7 +140,7 @@ private:
             return false;
         }
         char* name = nullptr;
-        if (!XFetchName(display.get(), window, &name) || !name) {
+        if (!XFetchName(display.get(), window, &name) || name == nullptr) {
             return false;
         }
         // The first frame gives it this title, with the frame rate.
@@ -162,7 +162,7 @@ private:
         for (unsigned i = 0; i < count && found == None; ++i) {
             found = isScene(windows[i], pid) ? windows[i] : sceneBelow(windows[i], pid);
         }
-        if (windows) {
+        if (windows != nullptr) {
             XFree(windows);
         }
         return found;

@@ -37,7 +37,7 @@ void AppManager::addTimeouts(float idle, float redraw)
 
 void timerIdle(void* w)
 {
-    if (w) {
+    if (w != nullptr) {
         static_cast<Window*>(w)->idle();
     }
     Fl::repeat_timeout(period(tm_idle), timerIdle, w);
@@ -45,7 +45,7 @@ void timerIdle(void* w)
 
 void timerRedraw(void* w)
 {
-    if (w) {
+    if (w != nullptr) {
         static_cast<Window*>(w)->redraw();
     }
     Fl::repeat_timeout(period(tm_draw), timerRedraw, w);

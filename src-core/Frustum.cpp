@@ -58,7 +58,7 @@ int test_plane(const float* plane, const float* bounds)
         const float x = bounds[corner & 1 ? 3 : 0];
         const float y = bounds[corner & 2 ? 4 : 1];
         const float z = bounds[corner & 4 ? 5 : 2];
-        inside += distance(plane, x, y, z) > 0;
+        inside += static_cast<int>(distance(plane, x, y, z) > 0);
     }
     return inside;
 }

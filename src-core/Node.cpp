@@ -35,7 +35,7 @@ void Node::multiply(const float* elementary)
 
 void Node::attachChild(Node* child)
 {
-    if (!child) {
+    if (child == nullptr) {
         return;
     }
     children.push_back(child);
@@ -44,7 +44,7 @@ void Node::attachChild(Node* child)
 
 void Node::update()
 {
-    if (updateptr) {
+    if (updateptr != nullptr) {
         updateptr(this);
     } else {
         doupdate();

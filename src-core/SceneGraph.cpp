@@ -25,7 +25,7 @@ void drawAlone(Node* node)
 
 bool isDead(Node* node)
 {
-    return node && !node->isAlive();
+    return node != nullptr && !node->isAlive();
 }
 
 /// Deletes a node that has died. Its destructor is not virtual, so its class and size are not known
@@ -42,16 +42,16 @@ void deleteDead(Node* node)
 void SceneGraph::draw()
 {
     glMatrixMode(GL_MODELVIEW);
-    if (envNode) {
+    if (envNode != nullptr) {
         drawAlone(envNode);
     }
     for (Node* light : listOfLights) {
-        if (light) {
+        if (light != nullptr) {
             drawAlone(light);
         }
     }
     node_count = 0;
-    if (rootNode) {
+    if (rootNode != nullptr) {
         drawScene(rootNode);
     }
     glFlush();
@@ -59,7 +59,7 @@ void SceneGraph::draw()
 
 void SceneGraph::drawScene(Node* node)
 {
-    if (!node) {
+    if (node == nullptr) {
         return;
     }
     enterFrame(node);
@@ -91,7 +91,7 @@ void SceneGraph::update()
 
 void SceneGraph::updateScene(Node* node)
 {
-    if (!node) {
+    if (node == nullptr) {
         return;
     }
     node->update();
@@ -108,7 +108,7 @@ void SceneGraph::event(UserEvent* ev)
 
 void SceneGraph::eventScene(Node* node, UserEvent* ev)
 {
-    if (!node) {
+    if (node == nullptr) {
         return;
     }
     node->userEvent(ev);

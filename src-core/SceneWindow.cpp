@@ -27,7 +27,7 @@ bool SceneWindow::run(float updates, float frames)
     AppManager manager;
     manager.addWindow(this);
     manager.addTimeouts(updates, frames);
-    const bool isShown = shown();
+    const bool isShown = shown() != 0;
     while (shown()) {
         Fl::wait();
     }

@@ -91,7 +91,7 @@ void Window::initGL()
     if (const Node* root = rootNode()) {
         pscale = root->transformmat[0];
     }
-    if (our_font) {
+    if (our_font != nullptr) {
         our_font->init("fonts/ChalkboardBold.ttf", 12);
     }
 }
@@ -108,7 +108,7 @@ void Window::draw()
     render.frame();
     std::snprintf(title, sizeof title, "kelpix (%3.1f fps)", static_cast<double>(fps));
     label(title);
-    if (drawcallback) {
+    if (drawcallback != nullptr) {
         drawcallback(this);
     }
     ++frames;
@@ -128,7 +128,7 @@ void Window::resize(int x, int y, int w, int h)
     this->y(y);
     this->w(w);
     this->h(h);
-    if (!context()) {
+    if (context() == nullptr) {
         return;
     }
     // FLTK may call this while the context of another window is current.
@@ -180,7 +180,7 @@ int Window::handle(int event)
 void Window::click(int x, int y)
 {
     SceneGraph* graph = render.getSG();
-    if (!graph) {
+    if (graph == nullptr) {
         return;
     }
     auto* event = new UserEvent(MOUSE_CLICK);
@@ -227,7 +227,7 @@ void Window::pan(int dx, int dy)
 void Window::turn(float x, float y, float z, int dy)
 {
     const SceneGraph* graph = render.getSG();
-    if (Node* pivot = graph ? graph->pivotNode : nullptr) {
+    if (Node* pivot = graph != nullptr ? graph->pivotNode : nullptr) {
         // Slower when zoomed in.
         const float angle = static_cast<float>(dy) / pscale;
         moveNode(pivot, [&] { pivot->rotate(x, y, z, angle); });
@@ -237,7 +237,7 @@ void Window::turn(float x, float y, float z, int dy)
 void Window::zoom(int dy)
 {
     Node* root = rootNode();
-    if (!root || dy == 0) {
+    if (root == nullptr || dy == 0) {
         return;
     }
     const bool in = dy < 0;
@@ -254,12 +254,12 @@ void Window::zoom(int dy)
 Node* Window::rootNode()
 {
     const SceneGraph* graph = render.getSG();
-    return graph ? graph->rootNode : nullptr;
+    return graph != nullptr ? graph->rootNode : nullptr;
 }
 
 void timer(void* w)
 {
-    if (w) {
+    if (w != nullptr) {
         auto* window = static_cast<Window*>(w);
         window->fps = static_cast<float>(window->frames);
         window->frames = 0;

@@ -169,7 +169,7 @@ void drop_unused_materials(obj_file& f)
     }
     std::vector<int> dropped(count + 1); // the number of unused materials before each one
     for (std::size_t i = 0; i < count; ++i) {
-        dropped[i + 1] = dropped[i] + !used[i];
+        dropped[i + 1] = dropped[i] + static_cast<int>(!used[i]);
     }
     for (int si = 0; si < f.sc; ++si) {
         int& mi = f.sv[si].mi;

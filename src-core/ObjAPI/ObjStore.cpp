@@ -419,7 +419,7 @@ void obj_del_mtrl(int fi, int mi)
             obj::release(s);
             return true;
         }
-        s.mi -= s.mi > mi;
+        s.mi -= static_cast<int>(s.mi > mi);
         return false;
     });
 }

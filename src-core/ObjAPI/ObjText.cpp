@@ -64,7 +64,7 @@ bool take_float(const char*& text, float& value)
         return false;
     }
     const bool negative = *p == '-';
-    p += *p == '-' || *p == '+';
+    p += static_cast<int>(*p == '-' || *p == '+');
 
     std::uint64_t mantissa = 0;
     const char* const first = p;

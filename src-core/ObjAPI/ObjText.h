@@ -93,7 +93,7 @@ inline bool take_int(const char*& text, int& value)
 {
     const char* p = text;
     const bool negative = *p == '-';
-    p += *p == '-' || *p == '+';
+    p += static_cast<int>(*p == '-' || *p == '+');
     if (!is_digit(*p)) {
         return false;
     }

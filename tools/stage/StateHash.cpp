@@ -80,7 +80,7 @@ void add(Hash& hash, const BucketIndex& grid)
         const Bucket& cell = *grid.index[i];
         hash.size(cell.boidList.size());
         for (const Node* node : cell.boidList) {
-            hash.integer(node ? static_cast<const Boid*>(node)->getId() : -1);
+            hash.integer(node != nullptr ? static_cast<const Boid*>(node)->getId() : -1);
         }
         hash.size(cell.nullboids.stack.size());
         for (const int slot : cell.nullboids.stack) {
@@ -95,8 +95,8 @@ void addBoid(Hash& boids, Hash& bodies, const Boid& boid)
     boids.integer(boid.type);
     boids.integer(boid.alive ? 1 : 0);
     boids.integer(boid.outOfBound ? 1 : 0);
-    boids.integer(boid.myBucket ? boid.myBucket->x() : -1);
-    boids.integer(boid.myBucket ? boid.myBucket->y() : -1);
+    boids.integer(boid.myBucket != nullptr ? boid.myBucket->x() : -1);
+    boids.integer(boid.myBucket != nullptr ? boid.myBucket->y() : -1);
     boids.number(boid.searchRadius);
     boids.vector(boid.pos);
     boids.vector(boid.vel);
