@@ -22,8 +22,9 @@ import tempfile
 SOURCES_AT_ONCE = 12
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 COLOR = re.compile(r"\x1b\[[0-9;]*m")
-# What clang-tidy 14 writes for "no limit", and refuses to read.
-UNREADABLE = re.compile(r"^ *- key: .*\n *value: *'-1'\n", re.MULTILINE)
+# What clang-tidy 14 writes for "no limit" and for names without a prefix, and refuses to read.
+UNREADABLE = re.compile(r"^ *- key: (.*\n *value: *'-1'|.*HungarianPrefix\n *value: .*)\n",
+                        re.MULTILINE)
 
 
 def compiled_alike(build, wanted):
