@@ -13,9 +13,9 @@ std::function<void()> makeContext()
 {
     const auto getDisplay = reinterpret_cast<PFNEGLGETPLATFORMDISPLAYEXTPROC>(
         eglGetProcAddress("eglGetPlatformDisplayEXT"));
-    EGLDisplay display =
-        getDisplay ? getDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr)
-                   : EGL_NO_DISPLAY;
+    EGLDisplay display = getDisplay != nullptr ? getDisplay(EGL_PLATFORM_SURFACELESS_MESA,
+                                                            EGL_DEFAULT_DISPLAY, nullptr)
+                                               : EGL_NO_DISPLAY;
     eglInitialize(display, nullptr, nullptr);
     eglBindAPI(EGL_OPENGL_API);
     constexpr EGLint WANTED[] = {EGL_SURFACE_TYPE,

@@ -65,7 +65,7 @@ public:
 
     void restore()
     {
-        if (!environment) {
+        if (environment == nullptr) {
             environment = flock::newEnvironment(fish, TICKS);
             before = std::make_unique<flock::Snapshot>(*environment);
         }

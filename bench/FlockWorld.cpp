@@ -77,7 +77,7 @@ std::unique_ptr<Twin> literalCopyOf(::Boid& boid, World& world)
     twin->searchRadius = boid.searchRadius;
     twin->alive = boid.alive;
     twin->outOfBound = boid.outOfBound;
-    if (boid.myBucket) {
+    if (boid.myBucket != nullptr) {
         const int cell = 10 * boid.myBucket->y() + boid.myBucket->x();
         twin->cell = &world.cells.at(static_cast<std::size_t>(cell));
     }
@@ -237,7 +237,7 @@ std::unique_ptr<World> literalCopyOf(Environment& environment)
         const Bucket& bucket = *environment.bucketIndex.index[i];
         world->cells[i].vacated = bucket.nullboids.stack;
         for (const Node* node : bucket.boidList) {
-            world->cells[i].slots.push_back(node ? twins.at(node) : nullptr);
+            world->cells[i].slots.push_back(node != nullptr ? twins.at(node) : nullptr);
         }
     }
     return world;

@@ -55,7 +55,7 @@ double difference(const std::vector<unsigned char>& a, const std::vector<unsigne
 {
     std::size_t different = 0;
     for (std::size_t i = 0; i < BYTES; ++i) {
-        different += std::abs(a[i] - b[i]) > 8;
+        different += static_cast<std::size_t>(std::abs(a[i] - b[i]) > 8);
     }
     return static_cast<double>(different) / static_cast<double>(BYTES);
 }

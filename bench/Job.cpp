@@ -156,7 +156,7 @@ bool agree(const Job& job)
             continue;
         }
         const std::uint64_t result = contender.result();
-        if (!first) {
+        if (first == nullptr) {
             first = &contender;
             expected = result;
         } else if (result != expected) {
