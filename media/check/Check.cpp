@@ -23,9 +23,10 @@ std::vector<FileReport> checkFolder(const std::filesystem::path& folder)
         reports.push_back(std::move(report));
     }
     reports.push_back(checkFont(folder));
-    reports.push_back(checkWater(folder));
-    reports.push_back(checkFish(folder));
-    reports.push_back(checkBubble(folder));
+    WaterCheck water = checkWater(folder);
+    reports.push_back(std::move(water.report));
+    reports.push_back(checkFish(folder, water.colors));
+    reports.push_back(checkBubble(folder, water.colors));
     return reports;
 }
 

@@ -106,19 +106,12 @@ bool readSprite(const std::filesystem::path& path, const std::string& instead, I
     return true;
 }
 
-/// The colors of the water, part by part; none when it cannot be read.
-std::vector<WaterColor> colorsOfWater(const std::filesystem::path& folder)
+/// The colors of the water, part by part; none for an image that the scene shows garbled.
+std::vector<WaterColor> colorsOf(const ImageJPEG& image)
 {
     constexpr int PARTS = 8; // in a row, and as many rows
     constexpr float SHOWN = 0.5f;
-    FileReport unused;
-    ImageJPEG image;
-    const CheckMessages messages;
-    const std::filesystem::path path = folder / "data/underwater.jpg";
-    const bool read = checkReadable(path, Mark::wrong, "", unused) && image.read(path.c_str()) == 1;
-    delete[] image.sourceFile;
-    image.sourceFile = nullptr;
-    if (!read || image.c != 3 || image.w < PARTS || image.h < PARTS) {
+    if (image.c != 3 || image.w < PARTS || image.h < PARTS) {
         return {};
     }
     std::vector<WaterColor> colors(std::size_t{PARTS} * PARTS, WaterColor{});
@@ -142,13 +135,14 @@ std::vector<WaterColor> colorsOfWater(const std::filesystem::path& folder)
 
 } // namespace
 
-FileReport checkWater(const std::filesystem::path& folder)
+WaterCheck checkWater(const std::filesystem::path& folder)
 {
-    FileReport report{"data/underwater.jpg", "", {}};
+    WaterCheck water{{"data/underwater.jpg", "", {}}, {}};
+    FileReport& report = water.report;
     const std::string instead = "the water is plain gray";
     const std::filesystem::path path = folder / report.name;
     if (!checkReadable(path, Mark::wrong, instead, report)) {
-        return report;
+        return water;
     }
     ImageJPEG image;
     CheckMessages messages;
@@ -159,7 +153,7 @@ FileReport checkWater(const std::filesystem::path& folder)
     if (!read) {
         report.wrong("cannot be decoded" + inBrackets(said) + "; " +
                      (image.buffer == nullptr ? instead : "what is missing is black"));
-        return report;
+        return water;
     }
     report.summary = sizeOf(image) + ", RGB";
     if (!said.empty()) {
@@ -170,27 +164,28 @@ FileReport checkWater(const std::filesystem::path& folder)
                      ": the scene takes it for RGB and shows garbled pixels");
     }
     checkSize(image, report);
-    return report;
+    water.colors = colorsOf(image);
+    return water;
 }
 
-FileReport checkFish(const std::filesystem::path& folder)
+FileReport checkFish(const std::filesystem::path& folder, const std::vector<WaterColor>& water)
 {
     FileReport report{"data/fish0.png", "", {}};
     ImagePNG image;
     if (readSprite(folder / report.name, "every fish is a pale square", image, report)) {
         const Sprite sprite(image);
-        checkSprite(sprite, colorsOfWater(folder), report);
+        checkSprite(sprite, water, report);
         checkHeading(sprite, report);
     }
     return report;
 }
 
-FileReport checkBubble(const std::filesystem::path& folder)
+FileReport checkBubble(const std::filesystem::path& folder, const std::vector<WaterColor>& water)
 {
     FileReport report{"data/bubble.png", "", {}};
     ImagePNG image;
     if (readSprite(folder / report.name, "every bubble is a pale square", image, report)) {
-        checkSprite(Sprite(image), colorsOfWater(folder), report);
+        checkSprite(Sprite(image), water, report);
     }
     return report;
 }

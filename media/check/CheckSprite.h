@@ -2,14 +2,11 @@
 
 #include "CheckReport.h"
 #include "Sprite.h"
+#include "WaterColor.h"
 
-#include <array>
 #include <vector>
 
 namespace media {
-
-/// The mean color of a part of the water, red, green and blue of 0 .. 255, as the scene shows it.
-using WaterColor = std::array<float, 3>;
 
 /// Remarks on a sprite as it will be seen: drawn small, at half opacity, over the water.
 /// \param water  of all its parts; empty = not known

@@ -108,7 +108,7 @@ TEST_F(CheckVerdictsTest, ASpriteIsPaleWhenItsReaderFails)
         const bool read = image.read((folder.path() / NAME).c_str()) == 1;
         delete[] image.sourceFile;
         verdicts.add(read);
-        const FileReport report = media::checkFish(folder.path());
+        const FileReport report = media::checkFish(folder.path(), {});
         ASSERT_EQ(says(report, "every fish is a pale square"), !read) << input;
         ASSERT_EQ(says(report, "garbled pixels"), read && image.c != 4) << input;
     }
@@ -123,7 +123,7 @@ TEST_F(CheckVerdictsTest, TheWaterIsLostWhenItsReaderFails)
         const bool read = image.read((folder.path() / NAME).c_str()) == 1;
         delete[] image.sourceFile;
         verdicts.add(read);
-        const FileReport report = media::checkWater(folder.path());
+        const FileReport report = media::checkWater(folder.path()).report;
         ASSERT_EQ(says(report, "cannot be decoded"), !read) << input;
         ASSERT_EQ(says(report, "the water is plain gray"), !read && image.buffer == nullptr);
         ASSERT_EQ(says(report, "garbled pixels"), read && image.c != 3) << input;
