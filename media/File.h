@@ -12,6 +12,7 @@ struct Request {
     std::uint64_t seed = 1;
     int waterSize = 1024;              ///< pixels, a power of two
     double seconds = 120;              ///< the length of the voice and of the dance
+    bool wide = false;                 ///< composed for WIDE_VIEW, not for SQUARE_VIEW
     std::filesystem::path table;       ///< the poses of the dance; empty = it follows the song
     std::filesystem::path font;        ///< copied as the scene's font
     std::filesystem::path fontLicense; ///< copied beside it; empty = none is
