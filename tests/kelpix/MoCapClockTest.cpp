@@ -47,15 +47,17 @@ protected:
         return context != nullptr && connected != 0;
     }
 
-    /// Makes the device fail, as if it was unplugged: its file cannot grow any more.
-    static void loseDevice()
+    /// Makes the device fail, as if it was unplugged: its file cannot grow any more. OpenAL's
+    /// thread first notes the failure, then stops the sounds: this waits for both.
+    void loseDevice()
     {
         rlimit before{};
         ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
         const auto handler = std::signal(SIGXFSZ, SIG_IGN);
         const rlimit none{0, before.rlim_max};
         ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &none), 0);
-        for (int i = 0; i < 60000 && isConnected(); ++i) {
+        const auto isLost = [&] { return !isConnected() && voice.getState() != AL_PLAYING; };
+        for (int i = 0; i < 60000 && !isLost(); ++i) {
             Fl::wait(0.001);
         }
         setrlimit(RLIMIT_FSIZE, &before);
@@ -76,11 +78,13 @@ protected:
         Fl::remove_timeout(dataTimer, nullptr);
     }
 
-    /// Makes the voice stand still at one of its 20000 samples.
+    /// Makes the voice stand still at one of its 20000 samples. They last 2.5 seconds: it loops
+    /// until it is paused, so that it has not ended before however long that takes.
     void holdVoiceAt(float sample)
     {
-        voice.play();
+        voice.loopyPlay();
         alSourcePause(voice.sourceID);
+        alSourcei(voice.sourceID, AL_LOOPING, AL_FALSE);
         alSourcef(voice.sourceID, AL_SAMPLE_OFFSET, sample);
     }
 
