@@ -57,6 +57,15 @@ protected:
         return false;
     }
 
+    /// Makes a sound stand still at one of its samples. It loops until it is paused, so that it has
+    /// not ended before.
+    static void holdAt(OggSound& sound, float sample)
+    {
+        sound.loopyPlay();
+        alSourcePause(sound.sourceID);
+        alSourcef(sound.sourceID, AL_SAMPLE_OFFSET, sample);
+    }
+
     static ALint bufferValue(const OggSound& sound, ALenum what)
     {
         ALint value = -1;
@@ -120,9 +129,7 @@ TEST_F(OggSoundTest, TheFractionIsThePositionOverTheTrack)
 {
     OggSound sound;
     load(sound, {.rate = 8000, .samples = 80000});
-    sound.play();
-    alSourcePause(sound.sourceID);
-    alSourcef(sound.sourceID, AL_SAMPLE_OFFSET, 40000);
+    holdAt(sound, 40000);
     EXPECT_EQ(sound.getPlaybackOffset(), 0.5f);
     EXPECT_EQ(sound.sampleOffset, 40000);
     alSourcef(sound.sourceID, AL_SAMPLE_OFFSET, 79999);
@@ -234,9 +241,7 @@ TEST_F(OggSoundTest, CleanUpLeavesAnEmptySound)
     OggSound sound;
     load(sound, {.samples = 1000});
     const ALuint source = sound.sourceID;
-    sound.play();
-    alSourcePause(source);
-    alSourcef(source, AL_SAMPLE_OFFSET, 500);
+    holdAt(sound, 500);
     EXPECT_EQ(sound.getState(), AL_PAUSED);
     EXPECT_EQ(sound.getPlaybackOffset(), 0.5f);
     sound.cleanUp();
