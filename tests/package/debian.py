@@ -100,7 +100,7 @@ class Packages(unittest.TestCase):
                    "src-core", "kelpix"]
         private = {"Column.h", "ImageDecoder.h", "ImageFile.h", "JPEGErrors.h", "MediaFolder.h",
                    "Neighborhood.h", "ObjLibrary.h", "ObjStore.h", "ObjText.h", "ScreenPosition.h", "StandardStreams.h",
-                   "WindowIcon.h", "WindowIconFiles.h"}
+                   "WindowIcon.h", "WindowIconRows.h"}
         headers = {path.name for folder in folders for path in (ROOT / folder).rglob("*.h")}
         self.assertEqual({path.name for path in (USR / "include/kelpix").iterdir()}, headers - private)
 
