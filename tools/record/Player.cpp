@@ -1,6 +1,10 @@
 #include "Player.h"
 
+#include "Environment.h"
+#include "PivotNode.h"
+#include "RootNode.h"
 #include "Stage.h"
+#include "View.h"
 
 #include <FL/Fl.H>
 
@@ -8,15 +12,15 @@ namespace record {
 
 void Player::playStep()
 {
-    for (; next < inputs.size() && inputs[next].step <= step; ++next) {
-        give(inputs[next]);
+    for (; next < acts.size() && stepOf(acts[next]) <= step; ++next) {
+        std::visit([this](const auto& act) { perform(act); }, acts[next]);
     }
     scene.update();
     scene.draw();
     ++step;
 }
 
-void Player::give(const Input& input)
+void Player::perform(const Input& input)
 {
     Fl::e_number = input.event;
     Fl::e_x = Fl::e_x_root = input.x;
@@ -25,6 +29,19 @@ void Player::give(const Input& input)
     Fl::e_dy = input.wheel;
     Fl::e_keysym = Fl::e_original_keysym = input.key;
     scene.window.handle(input.event);
+}
+
+void Player::perform(const Zoom& zoom)
+{
+    if (View::zoom(scene.scene.root->transformmat, zoom.factor)) {
+        scene.window.pscale = zoom.factor; // by which the window slows down turns
+    }
+}
+
+void Player::perform(const Pan& pan)
+{
+    View::center(scene.scene.root->transformmat, scene.scene.pivot->transformmat,
+                 scene.water->transformmat, pan.x, pan.y);
 }
 
 } // namespace record

@@ -1,6 +1,7 @@
 #include "Script.h"
 
 #include "CommandLine.h"
+#include "Glide.h"
 #include "Schedule.h"
 
 #include <FL/Enumerations.H>
@@ -16,10 +17,20 @@ namespace {
 
 constexpr int FARTHEST = 32767; // of X's coordinates
 constexpr int MOST_WHEEL_STEPS = 100;
+constexpr double SMALLEST_ZOOM = 0.01;
+constexpr double LARGEST_ZOOM = 100;
+constexpr double FARTHEST_PLACE = 100; // the water reaches from 0 to 1
 
 struct Place {
     int x = 0;
     int y = 0;
+};
+
+/// What lasts for some time, and keeps others from what it does.
+struct Lasting {
+    const char* name;
+    Microseconds end = 0;
+    int line = 0; ///< 0 = none yet
 };
 
 /// Reads a script line by line. Its errors have neither file nor line number yet.
@@ -29,7 +40,7 @@ public:
 
     void readLine(const std::string& line, int number);
 
-    /// Sorts the inputs: a drag has inputs after those of the lines that follow it.
+    /// Sorts the acts: drags and glides have some after those of the lines that follow them.
     void finish();
 
 private:
@@ -37,22 +48,31 @@ private:
     std::size_t next = 0;           ///< the word to be read
     Place pointer;
     Microseconds now = 0;
-    Microseconds dragEnd = 0;
-    int dragLine = 0; ///< 0 = no drag yet
+    int current = 0; ///< number of the line
+    Lasting dragging{"drag"};
+    Lasting zooming{"zoom"};
+    Lasting panning{"pan"};
+    int held = 0; ///< the key of the latest drag
 
     [[noreturn]] static void refuse(const std::string& what) { throw ScriptError(what); }
     const std::string& word(const char* what);
-    int number(const char* what, int low, int high);
+    template<typename Number>
+    Number number(const char* what, Number low, Number high);
     Place place();
     int key();
     void readTime();
-    void readAct(int lineNumber);
+    void readAct();
+    void waitFor(const Lasting& other) const;
+    void begin(Lasting& act);
 
     void move();
     void click();
     void wheel();
     void press();
-    void drag(int lineNumber);
+    void drag();
+    void glide();
+    void glideZoom();
+    void glidePan();
     void add(std::int64_t step, int event, int key, int wheelSteps = 0);
 };
 
@@ -64,11 +84,12 @@ void Parser::readLine(const std::string& line, int number)
         words.push_back(word);
     }
     next = 0;
+    current = number;
     if (words.empty()) {
         return;
     }
     readTime();
-    readAct(number);
+    readAct();
     if (next < words.size()) {
         refuse("\"" + words[next] + "\" is one word too many");
     }
@@ -76,8 +97,8 @@ void Parser::readLine(const std::string& line, int number)
 
 void Parser::finish()
 {
-    std::stable_sort(script.inputs.begin(), script.inputs.end(),
-                     [](const Input& a, const Input& b) { return a.step < b.step; });
+    std::stable_sort(script.acts.begin(), script.acts.end(),
+                     [](const Act& a, const Act& b) { return stepOf(a) < stepOf(b); });
 }
 
 const std::string& Parser::word(const char* what)
@@ -88,10 +109,11 @@ const std::string& Parser::word(const char* what)
     return words[next++];
 }
 
-int Parser::number(const char* what, int low, int high)
+template<typename Number>
+Number Parser::number(const char* what, Number low, Number high)
 {
     const std::string& text = word(what);
-    int value = 0;
+    Number value{};
     if (!commandline::readNumber(text, low, high, value)) {
         refuse(std::string(what) + " is " + commandline::rangeOf(low, high) + ", not \"" + text +
                "\"");
@@ -131,16 +153,38 @@ void Parser::readTime()
     now = *time;
 }
 
-void Parser::readAct(int lineNumber)
+void Parser::waitFor(const Lasting& other) const
 {
-    const std::string& act = word("what happens (move, click, wheel, key or drag)");
+    if (now < other.end) {
+        refuse(std::string("the ") + other.name + " of line " + std::to_string(other.line) +
+               " has not ended yet");
+    }
+}
+
+void Parser::begin(Lasting& act)
+{
+    const std::string& text =
+        word((std::string("how many seconds the ") + act.name + " lasts").c_str());
+    const auto seconds = parseTime(text);
+    if (!seconds) {
+        refuse(std::string("a ") + act.name + " lasts 0 to 36000 seconds, not \"" + text + "\"");
+    }
+    act.end = now + *seconds;
+    act.line = current;
+}
+
+void Parser::readAct()
+{
+    const std::string& act = word("what happens (move, click, wheel, key, drag or glide)");
     if (act == "wheel") {
         wheel();
         return;
     }
-    if (now < dragEnd) {
-        refuse("the drag of line " + std::to_string(dragLine) + " has not ended yet");
+    if (act == "glide") {
+        glide();
+        return;
     }
+    waitFor(dragging);
     if (act == "move") {
         move();
     } else if (act == "click") {
@@ -148,15 +192,15 @@ void Parser::readAct(int lineNumber)
     } else if (act == "key") {
         press();
     } else if (act == "drag") {
-        drag(lineNumber);
+        drag();
     } else {
-        refuse("\"" + act + "\" is none of move, click, wheel, key and drag");
+        refuse("\"" + act + "\" is none of move, click, wheel, key, drag and glide");
     }
 }
 
 void Parser::add(std::int64_t step, int event, int pressed, int wheelSteps)
 {
-    script.inputs.push_back({step, event, pointer.x, pointer.y, pressed, wheelSteps});
+    script.acts.emplace_back(Input{step, event, pointer.x, pointer.y, pressed, wheelSteps});
 }
 
 void Parser::move()
@@ -180,6 +224,7 @@ void Parser::wheel()
         refuse("the wheel goes up or down, not \"" + direction + "\"");
     }
     const int count = next < words.size() ? number("the count", 1, MOST_WHEEL_STEPS) : 1;
+    waitFor(zooming);
     // X reports the wheel's directions as buttons 4 and 5.
     const bool up = direction == "up";
     for (int i = 0; i < count; ++i) {
@@ -197,21 +242,18 @@ void Parser::press()
     }
 }
 
-void Parser::drag(int lineNumber)
+void Parser::drag()
 {
-    const int held = key();
+    held = key();
     const Place from = place();
     const Place to = place();
-    const std::string& text = word("how many seconds the drag lasts");
-    const auto seconds = parseTime(text);
-    if (!seconds) {
-        refuse("a drag lasts 0 to 36000 seconds, not \"" + text + "\"");
+    if (held == 'v') {
+        waitFor(panning);
     }
-    dragEnd = now + *seconds;
-    dragLine = lineNumber;
+    begin(dragging);
 
     const std::int64_t first = stepAfter(now);
-    const std::int64_t last = stepAfter(dragEnd);
+    const std::int64_t last = stepAfter(dragging.end);
     pointer = from;
     add(first, FL_MOVE, 0);
     add(first, FL_PUSH, FL_Button + FL_LEFT_MOUSE);
@@ -226,7 +268,55 @@ void Parser::drag(int lineNumber)
     add(last, FL_RELEASE, FL_Button + FL_LEFT_MOUSE);
 }
 
+void Parser::glide()
+{
+    const std::string& what = word("what glides (zoom or pan)");
+    if (what == "zoom") {
+        glideZoom();
+    } else if (what == "pan") {
+        glidePan();
+    } else {
+        refuse("a glide is a zoom or a pan, not \"" + what + "\"");
+    }
+}
+
+void Parser::glideZoom()
+{
+    waitFor(zooming);
+    const double from = number("the first factor", SMALLEST_ZOOM, LARGEST_ZOOM);
+    const double to = number("the last factor", SMALLEST_ZOOM, LARGEST_ZOOM);
+    begin(zooming);
+    const Glide factor{stepAfter(now), stepAfter(zooming.end), from, to};
+    for (std::int64_t step = factor.first; step <= factor.last; ++step) {
+        script.acts.emplace_back(Zoom{step, static_cast<float>(factor.productAt(step))});
+    }
+}
+
+void Parser::glidePan()
+{
+    waitFor(panning);
+    if (held == 'v') {
+        waitFor(dragging);
+    }
+    double places[4];
+    for (int i = 0; i < 4; ++i) {
+        places[i] = number(i % 2 == 0 ? "x" : "y", -FARTHEST_PLACE, FARTHEST_PLACE);
+    }
+    begin(panning);
+    const Glide x{stepAfter(now), stepAfter(panning.end), places[0], places[2]};
+    const Glide y{x.first, x.last, places[1], places[3]};
+    for (std::int64_t step = x.first; step <= x.last; ++step) {
+        script.acts.emplace_back(
+            Pan{step, static_cast<float>(x.sumAt(step)), static_cast<float>(y.sumAt(step))});
+    }
+}
+
 } // namespace
+
+std::int64_t stepOf(const Act& act)
+{
+    return std::visit([](const auto& each) { return each.step; }, act);
+}
 
 Script Script::parse(std::istream& text, const std::string& name)
 {

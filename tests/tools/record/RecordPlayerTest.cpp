@@ -3,6 +3,7 @@
 #include "FrameReader.h"
 #include "OffscreenContext.h"
 #include "Player.h"
+#include "View.h"
 
 #include "Node.h"
 #include "Stage.h"
@@ -182,6 +183,57 @@ TEST_F(RecordPlayerTest, ARightClickIsRememberedAndSpaceRepeatsIt)
     EXPECT_EQ(stage.window.MOUSE[1], 34);
     play("0 key space", 1);
     EXPECT_EQ(stage.window.MOUSE[0], 12);
+}
+
+TEST_F(RecordPlayerTest, AGlideSetsTheZoomAndKeepsTheMiddle)
+{
+    play("0 drag v 0 0 -200 100 0\n0.025 glide zoom 1 4 0.05", 3);
+    EXPECT_EQ(root()[0], 2) << "half of the way";
+    EXPECT_EQ(root()[5], 2);
+    EXPECT_EQ(root()[10], 1);
+    EXPECT_THAT(root()[12], FloatEq(-0.4F));
+    EXPECT_THAT(root()[13], FloatEq(-0.2F));
+    EXPECT_EQ(stage.window.pscale, 2) << "turns are slower by it";
+}
+
+TEST_F(RecordPlayerTest, TheWheelZoomsOnWhereAGlideHasEnded)
+{
+    play("0 glide zoom 1 4 0.05\n0.05 wheel up", 4);
+    EXPECT_EQ(root()[0], 5);
+    EXPECT_EQ(stage.window.pscale, 5);
+}
+
+TEST_F(RecordPlayerTest, AGlidePutsAPlaceOfTheWaterIntoTheMiddle)
+{
+    // 0.25 to the right of the water's middle are 0.3 of the root's units.
+    play("0 glide zoom 2 2 0\n0 glide pan 0.5 0.5 0.75 0.25 0.05", 2);
+    EXPECT_NEAR(root()[12], -0.3, 1e-6) << "half of the way";
+    EXPECT_NEAR(root()[13], 0.3, 1e-6);
+    play("0 glide pan 0 0 0.75 0.25 0", 1);
+    EXPECT_NEAR(root()[12], -0.6, 1e-6);
+    EXPECT_NEAR(root()[13], 0.6, 1e-6);
+    EXPECT_EQ(root()[0], 2);
+}
+
+TEST_F(RecordPlayerTest, APanFindsItsPlaceInATurnedScene)
+{
+    // A quarter turn carries (0.3, -0.3) to (0.3, 0.3).
+    play("0 drag z 0 0 0 90 0\n0 glide pan 0 0 0.75 0.25 0", 1);
+    EXPECT_NEAR(root()[12], -0.3, 1e-6);
+    EXPECT_NEAR(root()[13], -0.3, 1e-6);
+}
+
+TEST(RecordViewTest, AZoomThatTheTranslationCannotBearIsLeftOut)
+{
+    float m[16] = {};
+    m[0] = m[5] = 1e-30F;
+    m[12] = 1e30F;
+    EXPECT_FALSE(record::View::zoom(m, 100));
+    EXPECT_EQ(m[0], 1e-30F);
+    EXPECT_EQ(m[12], 1e30F);
+    EXPECT_TRUE(record::View::zoom(m, 1e-36F));
+    EXPECT_EQ(m[5], 1e-36F);
+    EXPECT_THAT(m[12], FloatEq(1e24F));
 }
 
 } // namespace

@@ -260,8 +260,8 @@ TEST_F(RecordProgramTest, AScriptThatMakesNoSenseIsRefusedBeforeAnythingIsDone)
 {
     write("script.txt", "1 key v\n\n2 hop\n");
     EXPECT_EQ(run("--out film.mp4 --script script.txt"), 2);
-    EXPECT_EQ(err, "kelpix-record: script.txt:3: \"hop\" is none of move, click, wheel, key and "
-                   "drag\n");
+    EXPECT_EQ(err, "kelpix-record: script.txt:3: \"hop\" is none of move, click, wheel, key, "
+                   "drag and glide\n");
     EXPECT_EQ(run("--out film.mp4 --script missing.txt"), 2);
     EXPECT_EQ(err, "kelpix-record: cannot read missing.txt: No such file or directory\n");
     write("script.txt", "1 key q");
