@@ -112,6 +112,25 @@ mv "$HOME/new" "$HOME/setups"
         folder = self.media(self.root / "reef")
         self.assert_plays(self.start(folder=folder), folder)
 
+    def test_says_that_the_media_of_this_folder_do_not_play(self):
+        message = "kelpix: this folder has media but no data/mocap.txt: " \
+                  "the media that came with kelpix play\n"
+        for name in ("data/underwater.jpg", "data/fish0.png", "data/bubble.png",
+                     "sound/magpie_vocal.ogg", "sound/bubbles_sound.ogg",
+                     "fonts/ChalkboardBold.ttf"):
+            file = self.root / "half" / name
+            file.parent.mkdir(parents=True, exist_ok=True)
+            file.write_text("")
+            with self.subTest(name=name):
+                result = self.start(folder=self.root / "half")
+                self.assert_plays(result, self.installed)
+                self.assertEqual(result.stderr, message)
+            if name != "data/underwater.jpg":  # beside each of the others it is told once, too
+                file.unlink()
+        result = self.start("--media", self.installed, folder=self.root / "half")
+        self.assert_plays(result, self.installed)
+        self.assertEqual(result.stderr, "")
+
     def test_plays_the_folder_that_is_named(self):
         here = self.media(self.root / "here")
         there = self.media(self.root / "there")
@@ -246,6 +265,34 @@ mv "$HOME/new" "$HOME/setups"
         for arguments in ["a", "b"], ["--media", "a", "b"], ["a", "--media=b"]:
             with self.subTest(arguments=arguments):
                 self.assert_refuses_line(self.start(*arguments), 'two folders of media: "a" and "b"')
+
+    def test_prints_names_that_a_terminal_takes_for_commands(self):
+        # As the programs around the scene print them: PrintableTest has the same.
+        for name, printed in (
+                ("data/Grün €\U0001F41F \\x41 ~.txt".encode(), "data/Grün €\U0001F41F \\x41 ~.txt"),
+                (b"a\nb\x1b[2J\t\x7f", "a\\x0ab\\x1b[2J\\x09\\x7f"),
+                (b"a\n\n", "a\\x0a\\x0a"),
+                ("\u009b2J\u00a0".encode(), "\\xc2\\x9b2J\u00a0"),
+                (b"\x9b2J", "\\x9b2J"),
+                (b"\xc3", "\\xc3"),
+                (b"\xc0\x9b", "\\xc0\\x9b"),
+                (b"\xe0\x82\x9b", "\\xe0\\x82\\x9b"),
+                ("\u0800\ud7ff\ue000\uffff".encode(), "\u0800\ud7ff\ue000\uffff"),
+                (b"\xed\xa0\x80", "\\xed\\xa0\\x80"),
+                (b"\xe2\x82z", "\\xe2\\x82z"),
+                (b"\xf0\x80\x80\x80", "\\xf0\\x80\\x80\\x80"),
+                ("\U00010000\U0010ffff".encode(), "\U00010000\U0010ffff"),
+                (b"\xf4\x90\x80\x80", "\\xf4\\x90\\x80\\x80"),
+                (b"\xf0\x9f\x90z", "\\xf0\\x9f\\x90z"),
+                (b"\xf5\x80\x80\x80", "\\xf5\\x80\\x80\\x80"),
+                (b"\xff%s%n", "\\xff%s%n")):
+            for locale in None, "C.UTF-8":
+                with self.subTest(name=name, locale=locale):
+                    result = self.start("--media", name, LC_ALL=locale)
+                    self.assert_refuses(result, 1, f" ./{printed}: there is no data/mocap.txt\n")
+                    result = self.start("--zoom", name, LC_ALL=locale)
+                    self.assert_refuses_line(
+                        result, f'--zoom takes a whole number from -20 to 20, not "{printed}"')
 
     def test_says_that_there_are_no_media(self):
         self.assert_refuses(self.start("--media", "nowhere"), 1, "nowhere", "data/mocap.txt")
