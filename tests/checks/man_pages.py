@@ -1,5 +1,5 @@
 """Checks the man pages: mandoc finds nothing, what they refer to is there, and every option that a
-program lists is on its page.
+program lists is on its page, with the default that it lists.
 
 Usage: man_pages.py FOLDER PROGRAM...
 FOLDER: of the man pages; PROGRAM: each takes --help.
@@ -9,6 +9,16 @@ import pathlib
 import re
 import subprocess
 import sys
+
+
+def defaults(text, option, default):
+    """{option: default}; in the text each option goes up to the next one."""
+    found = {}
+    for name, rest in re.findall(rf"{option}([a-z-]+)(.*?)(?={option}|\Z)", text, re.M | re.S):
+        match = re.search(default, rest)
+        if match:
+            found[name] = match[1]
+    return found
 
 
 def complaints(folder, programs):
@@ -23,6 +33,7 @@ def complaints(folder, programs):
             if not (folder / f"{name}.1").is_file():
                 yield f"{page.name} refers to {name}(1), which is not there"
 
+    count = 0
     for program in programs:
         name = pathlib.Path(program).name
         usage = subprocess.run([program, "--help"], check=True, stdout=subprocess.PIPE, text=True)
@@ -34,6 +45,14 @@ def complaints(folder, programs):
             yield f"{name}.1 does not describe --{option}"
         for option in sorted(described - options):
             yield f"{name}.1 describes --{option}, which {name} does not list"
+        of_page = defaults(page, r"^\.It Fl -", r"default\s+is\s+([0-9]\w*)")
+        of_program = defaults(usage.stdout, "^  --", r"default:?\s+([0-9]\w*)")
+        count += len(of_program)
+        for option in sorted(of_page.keys() | of_program.keys()):
+            if of_page.get(option) != of_program.get(option):
+                yield f"--{option} of {name}: its default is {of_program.get(option)} in its usage, " \
+                      f"{of_page.get(option)} in {name}.1"
+    assert count, "no defaults found"
 
 
 def main(folder, *programs):
