@@ -6,6 +6,7 @@
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
+#include <poll.h>
 #include <spawn.h>
 #include <stdexcept>
 #include <sys/wait.h>
@@ -17,13 +18,27 @@ namespace record {
 namespace {
 
 constexpr int SOUND_DESCRIPTOR = 3;
+constexpr int REPORT_DESCRIPTOR = 4;
 
 bool isOneOf(const std::string& text, std::initializer_list<const char*> texts)
 {
     return std::any_of(texts.begin(), texts.end(), [&](const char* each) { return text == each; });
 }
 
-/// A pipe that a child gets the reading end of.
+void closeIfOpen(int& descriptor)
+{
+    if (descriptor >= 0) {
+        close(std::exchange(descriptor, -1));
+    }
+}
+
+/// Operations on this end return at once, also when the pipe is full or empty.
+void makeNonBlocking(int descriptor)
+{
+    fcntl(descriptor, F_SETFL, fcntl(descriptor, F_GETFL) | O_NONBLOCK);
+}
+
+/// A pipe that a child gets one end of.
 struct Pipe {
     int read = -1;
     int write = -1;
@@ -45,18 +60,19 @@ struct Pipe {
     Pipe& operator=(const Pipe&) = delete;
     ~Pipe()
     {
-        close(read);
-        if (write >= 0) {
-            close(write);
-        }
+        closeIfOpen(read);
+        closeIfOpen(write);
     }
 
     /// \return the writing end, which is the caller's from here on
     int takeWritingEnd() { return std::exchange(write, -1); }
+
+    /// \return the reading end, likewise
+    int takeReadingEnd() { return std::exchange(read, -1); }
 };
 
 /// \return false when nobody reads any more
-bool writeAll(int descriptor, const void* data, std::size_t bytes)
+bool writeBlocking(int descriptor, const void* data, std::size_t bytes)
 {
     const auto* at = static_cast<const char*>(data);
     while (bytes > 0) {
@@ -72,10 +88,11 @@ bool writeAll(int descriptor, const void* data, std::size_t bytes)
     return true;
 }
 
-/// Starts a command. Two descriptors of this process become its standard input and
-/// its SOUND_DESCRIPTOR.
+/// Starts a command. Three descriptors of this process become its standard input, its
+/// SOUND_DESCRIPTOR and its REPORT_DESCRIPTOR: none of them is a lower one that becomes another
+/// before, so the pipes are made in this order.
 /// \return the result of posix_spawnp
-int spawn(std::vector<std::string> command, int input, int sound, pid_t& process)
+int spawn(std::vector<std::string> command, int input, int sound, int report, pid_t& process)
 {
     std::vector<char*> arguments;
     arguments.reserve(command.size() + 1);
@@ -88,6 +105,7 @@ int spawn(std::vector<std::string> command, int input, int sound, pid_t& process
     posix_spawn_file_actions_init(&files);
     posix_spawn_file_actions_adddup2(&files, input, STDIN_FILENO);
     posix_spawn_file_actions_adddup2(&files, sound, SOUND_DESCRIPTOR);
+    posix_spawn_file_actions_adddup2(&files, report, REPORT_DESCRIPTOR);
 
     // The child gets SIGPIPE's default action back, and a process group of its own: Ctrl-C then
     // reaches this program only.
@@ -111,7 +129,7 @@ void feedSound(int descriptor, const Encoder::SoundSource& next)
     for (;;) {
         const std::vector<std::int16_t> chunk = next();
         if (chunk.empty() ||
-            !writeAll(descriptor, chunk.data(), chunk.size() * sizeof(std::int16_t))) {
+            !writeBlocking(descriptor, chunk.data(), chunk.size() * sizeof(std::int16_t))) {
             break;
         }
     }
@@ -124,18 +142,15 @@ std::vector<std::string> encoderCommand(const FilmFormat& format,
                                         const std::filesystem::path& output)
 {
     const std::string size = std::to_string(format.width) + "x" + std::to_string(format.height);
-    std::vector<std::string> command = {"ffmpeg",     "-hide_banner",
-                                        "-nostdin",   "-loglevel",
-                                        "error",      "-y",
-                                        "-f",         "rawvideo",
-                                        "-pix_fmt",   "rgb0",
-                                        "-s",         size,
-                                        "-framerate", std::to_string(format.fps),
-                                        "-i",         "pipe:0",
-                                        "-f",         "s16le",
-                                        "-ar",        std::to_string(format.soundRate),
-                                        "-ac",        "2",
-                                        "-i",         "pipe:" + std::to_string(SOUND_DESCRIPTOR)};
+    const std::string fps = std::to_string(format.fps);
+    const std::string soundRate = std::to_string(format.soundRate);
+    const std::string sound = "pipe:" + std::to_string(SOUND_DESCRIPTOR);
+    const std::string report = "pipe:" + std::to_string(REPORT_DESCRIPTOR);
+    std::vector<std::string> command = {
+        "ffmpeg", "-hide_banner", "-nostdin", "-loglevel", "error", "-progress", report,       "-y",
+        "-f",     "rawvideo",     "-pix_fmt", "rgb0",      "-s",    size,        "-framerate", fps,
+        "-i",     "pipe:0",       "-f",       "s16le",     "-ar",   soundRate,   "-ac",        "2",
+        "-i",     sound};
     const auto add = [&](std::initializer_list<const char*> options) {
         command.insert(command.end(), options.begin(), options.end());
     };
@@ -160,8 +175,9 @@ Encoder::Encoder(const FilmFormat& format, SoundSource sound) : part(format.path
 {
     Pipe framePipe;
     Pipe soundPipe;
-    const int error =
-        spawn(encoderCommand(format, part.name()), framePipe.read, soundPipe.read, process);
+    Pipe reportPipe;
+    const int error = spawn(encoderCommand(format, part.name()), framePipe.read, soundPipe.read,
+                            reportPipe.write, process);
     if (error != 0) {
         process = -1;
         throw std::runtime_error(error == ENOENT
@@ -169,6 +185,10 @@ Encoder::Encoder(const FilmFormat& format, SoundSource sound) : part(format.path
                                      : std::string("cannot start ffmpeg: ") + std::strerror(error));
     }
     frames = framePipe.takeWritingEnd();
+    reports = reportPipe.takeReadingEnd();
+    // Neither waits for the other: ffmpeg does not go on while nobody reads its reports.
+    makeNonBlocking(frames);
+    makeNonBlocking(reports);
     soundFeed = std::thread(feedSound, soundPipe.takeWritingEnd(), std::move(sound));
 }
 
@@ -182,17 +202,50 @@ bool Encoder::write(const Picture& frame)
     if (process == -1) {
         return false;
     }
-    if (writeAll(frames, frame.pixels.data(), frame.pixels.size())) {
+    if (writeAll(frame.pixels)) {
         return true;
     }
-    requireSuccess(waitForEnd());
+    requireSuccess(waitForEnd(nullptr));
     return false;
 }
 
-void Encoder::finish()
+/// \return false when nobody reads any more
+bool Encoder::writeAll(const std::vector<std::uint8_t>& bytes)
+{
+    for (std::size_t at = 0; at < bytes.size();) {
+        std::array<pollfd, 2> ends = {{{frames, POLLOUT, 0}, {reports, POLLIN, 0}}};
+        poll(ends.data(), ends.size(), -1);
+        readReports();
+        const ssize_t count = ::write(frames, &bytes[at], bytes.size() - at);
+        if (count > 0) {
+            at += static_cast<std::size_t>(count);
+        } else if (count < 0 && errno != EINTR && errno != EAGAIN) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// Reads the reports that have arrived, and closes their pipe when there will be no more.
+void Encoder::readReports()
+{
+    std::array<char, 4096> bytes{};
+    while (reports != -1) {
+        const ssize_t count = ::read(reports, bytes.data(), bytes.size());
+        if (count > 0) {
+            report.read({bytes.data(), static_cast<std::size_t>(count)});
+        } else if (count < 0 && (errno == EAGAIN || errno == EINTR)) {
+            return;
+        } else {
+            closeIfOpen(reports);
+        }
+    }
+}
+
+void Encoder::finish(const std::function<void()>& waiting)
 {
     if (process != -1) {
-        requireSuccess(waitForEnd());
+        requireSuccess(waitForEnd(waiting));
     }
     std::error_code error;
     if (std::filesystem::file_size(part.name(), error) == 0 || error) {
@@ -206,17 +259,28 @@ void Encoder::abandon()
     if (process != -1) {
         // The whole group: processes that ffmpeg has started end with it.
         kill(-process, SIGKILL);
-        waitForEnd();
+        waitForEnd(nullptr);
     }
     part.discard();
 }
 
-int Encoder::waitForEnd()
+int Encoder::waitForEnd(const std::function<void()>& waiting)
 {
-    close(std::exchange(frames, -1));
+    closeIfOpen(frames);
     int status = 0;
-    while (waitpid(process, &status, 0) == -1 && errno == EINTR) {
+    pid_t ended = 0;
+    while (ended != process) {
+        constexpr int PERIOD = 100; // milliseconds
+        pollfd end{reports, POLLIN, 0};
+        poll(&end, 1, PERIOD);
+        readReports();
+        if (waiting) {
+            waiting();
+        }
+        // Without reports the end is near.
+        ended = waitpid(process, &status, reports == -1 ? 0 : WNOHANG);
     }
+    closeIfOpen(reports);
     process = -1;
     // Nobody reads the sound any more, so the thread ends.
     soundFeed.join();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "EncoderReport.h"
 #include "PartFile.h"
 #include "Picture.h"
 
@@ -24,7 +25,7 @@ struct FilmFormat {
 };
 
 /// The command that turns raw frames on its standard input and raw sound on its descriptor 3 into
-/// a film.
+/// a film, and reports its progress on its descriptor 4.
 /// \param output  where the film goes
 std::vector<std::string> encoderCommand(const FilmFormat& format,
                                         const std::filesystem::path& output);
@@ -53,8 +54,13 @@ public:
     /// Throws std::runtime_error when ffmpeg failed.
     bool write(const Picture& frame);
 
+    /// The frames that ffmpeg's encoder has taken, as ffmpeg has last said, which it does twice a
+    /// second; those that wait in a pipe or for a filter do not count. write and finish read it.
+    std::int64_t taken() const { return report.taken(); }
+
     /// Waits for ffmpeg and gives the film its name. Throws std::runtime_error when ffmpeg failed.
-    void finish();
+    /// \param waiting  called ten times a second meanwhile, and may throw; null: nothing is called
+    void finish(const std::function<void()>& waiting = nullptr);
 
     /// Ends ffmpeg and removes what there is of the film, unless it is finished.
     void abandon();
@@ -63,9 +69,13 @@ private:
     Files::PartFile part;
     pid_t process = -1; ///< -1 = ended
     int frames = -1;    ///< owns; the pipe's end to write to, -1 = closed
+    int reports = -1;   ///< owns; the end to read from of another one, -1 = closed
+    EncoderReport report;
     std::thread soundFeed;
 
-    int waitForEnd();
+    bool writeAll(const std::vector<std::uint8_t>& bytes);
+    void readReports();
+    int waitForEnd(const std::function<void()>& waiting);
     void requireSuccess(int status);
 };
 

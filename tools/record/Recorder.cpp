@@ -162,7 +162,6 @@ std::string Recorder::makeFilm(const Schedule& schedule)
     Encoder encoder(format, soundFor(schedule, options, std::move(mixer)));
     const ExitGuard guard([&] { encoder.abandon(); });
     film(schedule, encoder);
-    encoder.finish();
 
     const double seconds = static_cast<double>(schedule.frames()) / options.fps;
     char text[100];
@@ -171,6 +170,7 @@ std::string Recorder::makeFilm(const Schedule& schedule)
     return Files::printable(options.out.filename().string()) + text;
 }
 
+/// Makes the whole film.
 void Recorder::film(const Schedule& schedule, Encoder& encoder)
 {
     std::queue<std::int64_t> repeats; // how often each frame under way is shown
@@ -182,8 +182,16 @@ void Recorder::film(const Schedule& schedule, Encoder& encoder)
         }
         repeats.pop();
     };
+    const std::int64_t first = schedule.stepOf(0);
     const std::int64_t last = schedule.stepOf(schedule.frames() - 1);
     Progress progress(stderr, isatty(STDERR_FILENO) != 0, last + 1);
+    // Done is what the encoder has taken, and the way to the first frame.
+    const auto showProgress = [&](std::int64_t played) {
+        const std::int64_t taken = std::min(encoder.taken(), schedule.frames());
+        const std::int64_t done =
+            taken > 0 ? schedule.stepOf(taken - 1) + 1 : std::min(played, first);
+        progress.show(std::min(done, last), elapsed());
+    };
     for (std::int64_t step = 0; step <= last && wanted; ++step) {
         const std::int64_t shown = schedule.framesOf(step);
         playStep(shown > 0);
@@ -194,11 +202,16 @@ void Recorder::film(const Schedule& schedule, Encoder& encoder)
         if (reader.underWay() == 2) {
             deliver();
         }
-        progress.show(step + 1, elapsed());
+        showProgress(step + 1);
     }
     while (wanted && reader.underWay() > 0) {
         deliver();
     }
+    encoder.finish([&] {
+        Interruption::check();
+        showProgress(last + 1);
+    });
+    progress.show(last + 1, elapsed());
 }
 
 /// Throws std::runtime_error when film or picture would replace a file. What a folder or a missing

@@ -65,7 +65,7 @@ protected:
 TEST(RecordEncoderCommandTest, DescribesWhatComesThroughThePipes)
 {
     EXPECT_EQ(joined(encoderCommand({"a.gif", 640, 480, 25, 48000, {}}, "a.part.gif")),
-              "ffmpeg -hide_banner -nostdin -loglevel error -y "
+              "ffmpeg -hide_banner -nostdin -loglevel error -progress pipe:4 -y "
               "-f rawvideo -pix_fmt rgb0 -s 640x480 -framerate 25 -i pipe:0 "
               "-f s16le -ar 48000 -ac 2 -i pipe:3 file:a.part.gif");
 }
@@ -99,6 +99,60 @@ TEST_F(RecordEncoderTest, HandsOverFramesAndSoundAndNamesTheFilm)
     encoder.finish();
     EXPECT_EQ(content("film.mp4"), "abcdefghijklmnopabcdefghijklmnop");
     EXPECT_EQ(content("sound"), "ABCDABCD");
+    EXPECT_FALSE(fs::exists("film.part.mp4"));
+}
+
+TEST_F(RecordEncoderTest, TellsWhatTheEncoderHasTaken)
+{
+    installEncoder("echo frame=1 >&4; echo progress=continue >&4; cat >$out\n"
+                   "echo frame=2 >&4; echo progress=end >&4");
+    Encoder encoder(format, silence);
+    EXPECT_EQ(encoder.taken(), 0);
+    int calls = 0;
+    while (encoder.taken() == 0) {
+        ASSERT_TRUE(encoder.write(frame));
+    }
+    EXPECT_EQ(encoder.taken(), 1);
+    encoder.finish([&] { ++calls; });
+    EXPECT_EQ(encoder.taken(), 2);
+    EXPECT_GE(calls, 1);
+}
+
+TEST_F(RecordEncoderTest, FfmpegReportsEveryFrameThatItWasGiven)
+{
+    for (const std::vector<std::string>& options :
+         {std::vector<std::string>{}, std::vector<std::string>{"-r", "20"}}) {
+        Encoder encoder({"film.nut", 2, 2, 40, 44100, options}, silence);
+        std::int64_t before = 0;
+        for (int written = 0; written < 50; ++written) {
+            ASSERT_TRUE(encoder.write(frame));
+            EXPECT_LE(before, encoder.taken());
+            EXPECT_LE(encoder.taken(), written + 1);
+            before = encoder.taken();
+        }
+        encoder.finish();
+        EXPECT_EQ(encoder.taken(), 50);
+    }
+}
+
+TEST_F(RecordEncoderTest, ReportsThatNobodyReadsHoldNothingUp)
+{
+    // More than a pipe holds, before the first byte of a film is read.
+    installEncoder("yes frame=3 | head -n 200000 >&4; echo progress=end >&4; cat >$out");
+    Encoder encoder(format, silence);
+    EXPECT_TRUE(encoder.write(frame));
+    encoder.finish();
+    EXPECT_EQ(encoder.taken(), 3);
+}
+
+TEST_F(RecordEncoderTest, WhoeverWaitsForTheEndMayGiveUp)
+{
+    installEncoder("echo half >$out; cat >/dev/null; sleep 1000");
+    Encoder encoder(format, silence);
+    encoder.write(frame);
+    EXPECT_EQ(errorOf([&] { encoder.finish([] { throw std::runtime_error("enough"); }); }),
+              "enough");
+    encoder.abandon();
     EXPECT_FALSE(fs::exists("film.part.mp4"));
 }
 
