@@ -45,8 +45,8 @@ def complaints(folder, programs):
             yield f"{name}.1 does not describe --{option}"
         for option in sorted(described - options):
             yield f"{name}.1 describes --{option}, which {name} does not list"
-        of_page = defaults(page, r"^\.It Fl -", r"default\s+is\s+([0-9]\w*)")
-        of_program = defaults(usage.stdout, "^  --", r"default:?\s+([0-9]\w*)")
+        of_page = defaults(page, r"^\.It Fl -", r"default\s+is\s+([0-9][\w.]*)\b")
+        of_program = defaults(usage.stdout, "^  --", r"default:?\s+([0-9][\w.]*)\b")
         count += len(of_program)
         for option in sorted(of_page.keys() | of_program.keys()):
             if of_page.get(option) != of_program.get(option):
