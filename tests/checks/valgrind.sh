@@ -17,12 +17,14 @@ export ALSOFT_DRIVERS=null LIBGL_ALWAYS_SOFTWARE=1
 tests="
     src-image/BasicImageTest
     src-image/ImageJPEGTest
+    src-image/ImageJPEGWriteTest
     src-image/ImagePNGTest
     src-sound/OggDecodingTest
     src-cluster/TileConfigTest
     kelpix/MoCapTest
     src-core/ObjAPI/ObjTextTest
     src-core/ObjAPI/ObjReaderTest
+    src-core/ObjAPI/ObjLibraryTest
     src-core/ObjAPI/ObjHazardTest
     src-core/ObjAPI/ObjMapTest
     src-core/TextureTest
