@@ -1,4 +1,4 @@
-// hello-node: the smallest scene. Kelp that sways and bubbles that rise: node classes of our own in
+// hello-node: a small scene. Kelp that sways and bubbles that rise: node classes of our own in
 // the framework's window.
 
 #include "Frustum.h"

@@ -3,7 +3,7 @@ cmake_minimum_required(VERSION 3.25)
 project(kelpix-examples LANGUAGES CXX)
 find_package(kelpix REQUIRED)
 
-foreach(example hello-node obj-viewer shader)
+foreach(example starfish hello-node obj-viewer shader)
     add_executable(${example} ${example}.cpp)
     target_link_libraries(${example} PRIVATE kelpix::core)
 endforeach()

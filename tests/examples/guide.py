@@ -1,4 +1,4 @@
-"""Checks that the code in docs/framework.md stands in the examples, or in the framework's
+"""Checks that the code in README.md and docs/framework.md stands in the examples, or in the framework's
 SceneWindow.cpp, as it is quoted.
 
 Usage: guide.py ROOT
@@ -10,7 +10,7 @@ import textwrap
 import unittest
 
 ROOT = pathlib.Path(sys.argv.pop())
-PAGE = (ROOT / "docs/framework.md").read_text()
+PAGES = {"README.md": 1, "docs/framework.md": 20} # with at least so many quotes
 
 
 def stands_in(quote, lines):
@@ -26,10 +26,11 @@ class Guide(unittest.TestCase):
         # The lines that mark snippets for the reference are not quoted.
         sources = [[line for line in path.read_text().splitlines() if "//! [" not in line]
                    for path in files]
-        quotes = re.findall(r"```(?:cpp|cmake)\n(.*?)```", PAGE, re.DOTALL)
-        self.assertGreater(len(quotes), 20)
-        for quote in quotes:
-            self.assertTrue(any(stands_in(quote, source) for source in sources), quote)
+        for page, least in PAGES.items():
+            quotes = re.findall(r"```(?:cpp|cmake)\n(.*?)```", (ROOT / page).read_text(), re.DOTALL)
+            self.assertGreaterEqual(len(quotes), least, page)
+            for quote in quotes:
+                self.assertTrue(any(stands_in(quote, source) for source in sources), quote)
 
 
 unittest.main()
