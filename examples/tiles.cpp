@@ -52,9 +52,8 @@ void printRule(int columns)
     std::puts("+");
 }
 
-/// Draws the wall. The file gives numbers without units or directions. This drawing reads TileMap
-/// as columns and rows; Map as the column and row of a window, counted from 0 at the top left;
-/// Location as x, y, width and height in pixels.
+/// Draws the wall. TileMap is columns and rows; Map is the column and row of a window, counted from 0
+/// at the top left; Location is x, y, width and height in pixels of the host's desktop.
 void printWall()
 {
     const int columns = config.cluster->tilemap[0];

@@ -21,6 +21,7 @@ tests="
     src-image/ImagePNGTest
     src-sound/OggDecodingTest
     src-cluster/TileConfigTest
+    src-cluster/TileDescriptionTest
     kelpix/MoCapTest
     src-core/ObjAPI/ObjTextTest
     src-core/ObjAPI/ObjReaderTest

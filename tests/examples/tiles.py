@@ -23,20 +23,20 @@ A wall of 3 x 2 tiles, mullions 0.02 and 0.03, hosts: 3
 
 reef-left
   window on tile 0 0, location 0 0 1920 1080
-    camera: rectangle 0 0 1 1, offset -0.5 0.25
+    camera: rectangle 0 0 1 1, offset 0 0
   window on tile 0 1, location 0 1080 1920 1080
-    camera: rectangle 0 0 1 1, offset -0.5 -0.25
+    camera: rectangle 0 0 1 1, offset 0 0
 {name}
   window on tile 1 0, location 0 0 1920 1080
-    camera: rectangle 0 0 1 1, offset 0 0.25
+    camera: rectangle 0 0 1 1, offset 0 0
   window on tile 1 1, location 0 1080 1920 1080
-    camera: rectangle 0 0 0.5 1, offset 0 -0.25
-    camera: rectangle 0.5 0 0.5 1, offset 0 -0.25
+    camera: rectangle 0 0 0.5 1, offset 0 0
+    camera: rectangle 0.5 0 0.5 1, offset 0 0
 reef-right
   window on tile 2 0, location 0 0 1920 1080
-    camera: rectangle 0 0 1 1, offset 0.5 0.25
+    camera: rectangle 0 0 1 1, offset 0 0
   window on tile 2 1, location 0 1080 1920 1080
-    camera: rectangle 0 0 1 1, offset 0.5 -0.25
+    camera: rectangle 0 0 1 1, offset 0 0
 """
 
 
