@@ -33,6 +33,7 @@ ALLOWED = {
                      "tools/stage", "tools/commandline"],
     "tools/soak": ["src-math", "src-image", "src-core", "src-sound", "kelpix", "tools/stage",
                    "tools/nullgl", "tools/commandline"],
+    "tools/wall/layout": ["src-cluster"],
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"')
 
