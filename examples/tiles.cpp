@@ -52,8 +52,8 @@ void printRule(int columns)
     std::puts("+");
 }
 
-/// Draws the wall. TileMap is columns and rows; Map is the column and row of a window, counted from 0
-/// at the top left; Location is x, y, width and height in pixels of the host's desktop.
+/// Draws the wall. TileMap is columns and rows; Map is the column and row of a window, counted from
+/// 0 at the top left; Location is x, y, width and height in pixels of the host's desktop.
 void printWall()
 {
     const int columns = config.cluster->tilemap[0];
