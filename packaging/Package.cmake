@@ -2,7 +2,16 @@
 
 set(KELPIX_MAINTAINER "The kelpix authors <kelpix@localhost>" CACHE STRING
     "Who answers for the packages: a name and a mail address")
-set(KELPIX_CHANGELOG_DATE "Sat, 21 Nov 2026 00:00:00 +0000")
+# The date of this version, in seconds since 1970: that of the Debian changelog, and of every file in the
+# packages, so that two builds of the same sources are the same bytes. A builder can set another one in
+# the environment, as reproducible-builds.org/specs/source-date-epoch says.
+if(NOT DEFINED ENV{SOURCE_DATE_EPOCH})
+    set(ENV{SOURCE_DATE_EPOCH} 1795219200) # 2026-11-21
+endif()
+string(TIMESTAMP KELPIX_CHANGELOG_DATE "%a, %d %b %Y %H:%M:%S +0000" UTC)
+set(CPACK_PROJECT_CONFIG_FILE ${CMAKE_CURRENT_BINARY_DIR}/CPackDate.cmake)
+file(CONFIGURE OUTPUT ${CPACK_PROJECT_CONFIG_FILE}
+    CONTENT "set(ENV{SOURCE_DATE_EPOCH} $ENV{SOURCE_DATE_EPOCH})\n")
 
 # Licenses, as a Debian package says them.
 file(READ ${PROJECT_SOURCE_DIR}/LICENSE license)
@@ -39,6 +48,8 @@ set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/packages)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_COMPONENTS_ALL kelpix libkelpix-dev)
 set(CPACK_STRIP_FILES ON)
+set(CPACK_POST_BUILD_SCRIPTS ${CMAKE_CURRENT_SOURCE_DIR}/package-modes.cmake)
+set(CPACK_KELPIX_AR ${CMAKE_AR})
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
     OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 
