@@ -35,8 +35,8 @@ void blurLine(Color* line, std::size_t stride, int count, int radius, std::vecto
 
 } // namespace
 
-Canvas::Canvas(int width, int height)
-    : columns(width), rows(height),
+Canvas::Canvas(int width, int height, Point corner, float unit)
+    : columns(width), rows(height), begin(corner), scale(unit),
       pixels(static_cast<std::size_t>(width) * static_cast<std::size_t>(height))
 {
 }
@@ -57,6 +57,11 @@ void Canvas::draw(const Canvas& layer)
         const Color& over = layer.pixels[i];
         pixels[i] = over + pixels[i] * (1 - over.a);
     }
+}
+
+void Canvas::copyRows(const Canvas& from, int top)
+{
+    std::copy(from.pixels.begin(), from.pixels.end(), pixels.begin() + std::ptrdiff_t{top} * columns);
 }
 
 void Canvas::blur(float deviation)

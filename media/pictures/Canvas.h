@@ -17,9 +17,19 @@ struct Bitmap {
 
 /// A picture to paint on. Pixels hold float colors with premultiplied alpha, so that layers can be
 /// blurred and laid over each other. The top row is the first. A new canvas is transparent.
+///
+/// Points of what is painted have y down. Unless it is told otherwise the canvas is one unit wide
+/// and begins at (0, 0).
 class Canvas {
 public:
-    Canvas(int width, int height);
+    Canvas(int width, int height) : Canvas(width, height, {0, 0}, static_cast<float>(width)) {}
+
+    /// \param corner  the point at the upper left corner
+    /// \param unit    how many pixels a unit has
+    Canvas(int width, int height, Point corner, float unit);
+
+    /// An empty canvas of the same size and place.
+    Canvas another() const { return {columns, rows, begin, scale}; }
 
     int width() const { return columns; }
     int height() const { return rows; }
@@ -28,18 +38,27 @@ public:
     Color& at(int x, int y) { return pixels[index(x, y)]; }
     const Color& at(int x, int y) const { return pixels[index(x, y)]; }
 
-    /// The center of a pixel in the unit square, y down.
+    /// The point at the center of a pixel.
     Point center(int x, int y) const
     {
-        return {(static_cast<float>(x) + 0.5f) / static_cast<float>(columns),
-                (static_cast<float>(y) + 0.5f) / static_cast<float>(rows)};
+        return begin +
+               Point{static_cast<float>(x) + 0.5f, static_cast<float>(y) + 0.5f} * (1 / scale);
     }
+
+    /// Where a point lies, in pixels from the upper left corner.
+    Point pixel(Point p) const { return (p - begin) * scale; }
+
+    /// The pixels of a unit.
+    float unit() const { return scale; }
 
     /// Lays a color (straight alpha) over a pixel. Outside the canvas nothing happens.
     void blend(int x, int y, Color color, float coverage = 1);
 
     /// Lays another canvas of the same size over this one.
     void draw(const Canvas& layer);
+
+    /// Copies another canvas of the same width into this one, from row \p top on. It fits.
+    void copyRows(const Canvas& from, int top);
 
     /// Blurs the picture: three box blurs, which together are close to a Gaussian.
     /// \param deviation  its standard deviation in pixels
@@ -69,6 +88,8 @@ private:
 
     int columns;
     int rows;
+    Point begin;
+    float scale;
     std::vector<Color> pixels;
 };
 

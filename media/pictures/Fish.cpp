@@ -8,61 +8,67 @@ namespace {
 
 // The scene draws the fish at half opacity, 31 pixels wide: bright pure colors, few shapes, and no
 // dark lines, which would turn brown over blue water.
-constexpr Color ORANGE = rgb(255, 118, 0);
-constexpr Color RIDGE = rgb(255, 176, 48);
-constexpr Color FLANK = rgb(255, 84, 0);
+constexpr Color RIDGE = rgb(255, 182, 30);
+constexpr Color ORANGE = rgb(255, 126, 0);
+constexpr Color FLANK = rgb(255, 98, 0);
 constexpr Color WHITE = rgb(255, 255, 255);
-constexpr Color YELLOW = rgb(255, 226, 30);
-constexpr Color FIN_TIP = rgb(255, 250, 150);
-constexpr Color EYE = rgb(20, 40, 120);
+constexpr Color YELLOW = rgb(255, 200, 30);
+constexpr Color FIN_TIP = rgb(255, 240, 140);
+constexpr Color EYE = rgb(16, 30, 110);
 
-/// Half the width of the body at \p y, which runs from -1 at the snout to 1 at the end of the tail.
+// Along the axis of the fish, which runs from -1 at the top of the picture to 1 at its bottom.
+constexpr float SNOUT = -0.93f;
+constexpr float SHOULDER = -0.20f; ///< where the body is widest
+constexpr float ROOT = 0.56f;      ///< where the tail begins
+constexpr float END = 0.94f;
+
+/// Half the width of the body.
 float bodyHalfWidth(float y)
 {
-    constexpr float SNOUT = -0.93f;
-    constexpr float ROOT = 0.62f; // where the tail begins
-    const float t = (y - SNOUT) / (ROOT - SNOUT);
-    if (t <= 0 || t >= 1) {
+    constexpr float WIDEST = 0.56f;
+    constexpr float NARROWEST = 0.12f;
+    if (y <= SNOUT || y >= ROOT) {
         return 0;
     }
-    const float round = std::sqrt(t) * (1 - 0.84f * t * t);
-    return 0.56f * round;
+    if (y < SHOULDER) {
+        const float t = (SHOULDER - y) / (SHOULDER - SNOUT);
+        return WIDEST * std::pow(1 - std::pow(t, 2.2f), 0.80f);
+    }
+    const float t = (y - SHOULDER) / (ROOT - SHOULDER);
+    return mix(WIDEST, NARROWEST, smoothstep(0, 1, std::pow(t, 0.92f)));
 }
 
-/// The pectoral fin. \return 0 at the body .. 1 at the tip, negative outside the fin
+/// The pectoral fin, small and swept back. \return 0 at the body .. 1 at the tip, negative outside
 float onBreastFin(float x, float y)
 {
-    constexpr float TIP = 0.72f;
+    constexpr float TIP = 0.80f;
     const float t = x / TIP;
-    const float front = mix(-0.46f, 0.16f, t * t * 0.65f + t * 0.35f);
-    const float back = mix(0.02f, 0.16f, std::sqrt(std::max(t, 0.0f)));
-    return t < 1 && y > front && y < back ? t : -1;
+    const float front = mix(-0.42f, 0.16f, t * t);
+    const float back = mix(0.06f, 0.22f, t * t);
+    return t < 1 && y > front && y < back ? smoothstep(0.55f, 1, t) : -1;
 }
 
 /// The tail: two lobes with a notch between them. \return 0 at its root .. 1 at the tips of the
 /// lobes, negative outside
 float onTail(float x, float y)
 {
-    constexpr float ROOT = 0.42f;
-    constexpr float END = 0.94f;
-    const float t = (y - ROOT) / (END - ROOT);
-    const float outer = 0.06f + 0.48f * t * std::sqrt(std::max(t, 0.0f));
-    const float notch = (t - 0.56f) * 0.66f;
+    constexpr float BEGIN = ROOT - 0.10f;
+    const float t = (y - BEGIN) / (END - BEGIN);
+    const float outer = 0.08f + 0.40f * t * std::sqrt(std::max(t, 0.0f));
+    const float notch = (t - 0.66f) * 0.62f;
     return t > 0 && t < 1 && x < outer && x > notch ? t : -1;
 }
 
 Color body(float x, float y, float half)
 {
     const float across = x / half;
-    Color c = mix(RIDGE, ORANGE, smoothstep(0.0f, 0.45f, across));
-    c = mix(c, FLANK, smoothstep(0.45f, 1.0f, across));
-    // The bands bend back a little at the flanks, as they do around a round body.
-    const float bent = y - 0.07f * across * across;
-    const float bands = std::max(smoothstep(0.115f, 0.075f, std::abs(bent + 0.44f)),
-                                 smoothstep(0.105f, 0.070f, std::abs(bent - 0.06f)));
-    c = mix(c, WHITE, bands);
-    const float eye = length({x - 0.22f, y + 0.66f});
-    return mix(c, EYE, smoothstep(0.065f, 0.04f, eye));
+    Color c = mix(RIDGE, ORANGE, smoothstep(0.05f, 0.5f, across));
+    c = mix(c, FLANK, smoothstep(0.60f, 1.0f, across));
+    // The band bends back a little at the flanks, as it does around a round body.
+    const float bent = y - 0.10f * across * across;
+    c = mix(c, WHITE, smoothstep(0.17f, 0.125f, std::abs(bent + 0.13f)));
+    const float eye = length({x - 0.34f, y + 0.54f});
+    return mix(c, EYE, smoothstep(0.080f, 0.050f, eye));
 }
 
 /// \param x  distance from the axis of the fish \param y  -1 at the snout .. 1 at the tail's end
@@ -74,11 +80,11 @@ Color fishAt(float x, float y)
     }
     const float fin = onBreastFin(x, y);
     if (fin >= 0) {
-        return mix(YELLOW, FIN_TIP, smoothstep(0.4f, 1.0f, fin));
+        return mix(YELLOW, FIN_TIP, fin);
     }
     const float tail = onTail(x, y);
     if (tail >= 0) {
-        return mix(mix(FLANK, YELLOW, smoothstep(0.1f, 0.4f, tail)), FIN_TIP,
+        return mix(mix(ORANGE, YELLOW, smoothstep(0.1f, 0.4f, tail)), FIN_TIP,
                    smoothstep(0.5f, 1.0f, tail));
     }
     return withAlpha(YELLOW, 0);

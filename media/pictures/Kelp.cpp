@@ -8,29 +8,27 @@ namespace media {
 namespace {
 
 // Colors in the sun and in the shade.
-constexpr Color BLADE_DARK = rgb(2, 40, 50);
-constexpr Color BLADE_GREEN = rgb(40, 150, 74);
-constexpr Color BLADE_SUN = rgb(214, 240, 84);
-constexpr Color STEM_DARK = rgb(8, 54, 52);
-constexpr Color STEM_SUN = rgb(176, 180, 70);
+constexpr Color BLADE_DARK = rgb(0, 74, 76);
+constexpr Color BLADE_GREEN = rgb(24, 172, 84);
+constexpr Color BLADE_SUN = rgb(142, 252, 84);
+constexpr Color STEM_DARK = rgb(4, 80, 70);
+constexpr Color STEM_SUN = rgb(150, 206, 70);
 
 class Painter {
 public:
-    Painter(const KelpForest& of, const Light& by, int pixels, Random& byChance)
-        : canvas(pixels, pixels), forest(of), light(by), size(static_cast<float>(pixels)),
-          random(byChance)
+    Painter(Canvas& on, const KelpForest& of, const Light& by, Random& byChance)
+        : canvas(on), forest(of), light(by), size(on.unit()), random(byChance)
     {
     }
 
     void plant(float x, float top);
-
-    Canvas canvas;
 
 private:
     void blade(Point root, float angle, float bend, float span);
     void bulb(Point at, float angle, float radius);
     Color tint(Color color, Point p) const;
 
+    Canvas& canvas;
     const KelpForest& forest;
     const Light& light;
     const float size;
@@ -57,7 +55,7 @@ void Painter::blade(Point root, float angle, float bend, float span)
         // Lance-shaped: widest soon after the float, pointed at the end, with a ruffled edge.
         const float lance = std::sqrt(t) * (1 - t) * 2.4f + 0.06f * (1 - t);
         const float ruffle = 1 + 0.13f * std::sin(t * 26 + wave);
-        stroke.add(at * size, thick * lance * ruffle * size * 0.5f + 0.2f);
+        stroke.add(canvas.pixel(at), thick * lance * ruffle * size * 0.5f + 0.2f);
         const float heading = angle + bend * t + 0.16f * std::sin(t * 5.5f + wave);
         tip = at;
         at = at + turned({0, -1}, heading) * (span / JOINTS);
@@ -75,7 +73,7 @@ void Painter::blade(Point root, float angle, float bend, float span)
         float glow = sun * (0.95f + 0.35f * beam) + own * sun;
         glow += sun * (0.16f * folds * std::abs(touch.across) + 0.26f * touch.across * up);
         glow += 0.20f * sun * edge - 0.16f * sun * rib;
-        glow *= 0.55f + 0.45f * smoothstep(0.0f, 0.5f, touch.along);
+        glow *= 0.66f + 0.40f * smoothstep(0.0f, 0.5f, touch.along);
         const Color c = glow < 0.45f ? mix(BLADE_DARK, BLADE_GREEN, clamp01(glow / 0.45f))
                                      : mix(BLADE_GREEN, BLADE_SUN, clamp01((glow - 0.45f) / 0.6f));
         canvas.blend(touch.x, touch.y, tint(c, p), touch.coverage);
@@ -86,9 +84,9 @@ void Painter::bulb(Point at, float angle, float radius)
 {
     Stroke stroke;
     const Point way = turned({0, -1}, angle) * radius;
-    stroke.add((at - way) * size, radius * 0.55f * size);
-    stroke.add(at * size, radius * size);
-    stroke.add((at + way * 1.3f) * size, radius * 0.45f * size);
+    stroke.add(canvas.pixel(at - way), radius * 0.55f * size);
+    stroke.add(canvas.pixel(at), radius * size);
+    stroke.add(canvas.pixel(at + way * 1.3f), radius * 0.45f * size);
     for (const Touch& touch : stroke.touch(canvas.width(), canvas.height())) {
         const Point p = canvas.center(touch.x, touch.y);
         const Point off = (p - at) * (1 / radius);
@@ -116,7 +114,7 @@ void Painter::plant(float x, float top)
     Stroke stroke;
     for (int i = 0; i <= JOINTS; ++i) {
         const float t = static_cast<float>(i) / JOINTS;
-        stroke.add(stem(t) * size, thick * mix(1.2f, 0.5f, t) * size);
+        stroke.add(canvas.pixel(stem(t)), thick * mix(1.2f, 0.5f, t) * size);
     }
     for (const Touch& touch : stroke.touch(canvas.width(), canvas.height())) {
         const Point p = canvas.center(touch.x, touch.y);
@@ -135,8 +133,11 @@ void Painter::plant(float x, float top)
         // Low blades hang outward, high ones stand up. The current bends all to the right.
         const float angle = out * mix(1.45f, 0.50f, t) * random.between(0.65f, 1.25f);
         const float bend = out * random.between(-0.7f, 0.6f) + 0.30f;
-        const float span = forest.leaf * random.between(0.6f, 1.15f) * mix(1.0f, 0.45f, t * t * t);
+        float span = forest.leaf * random.between(0.6f, 1.15f) * mix(1.0f, 0.45f, t * t * t);
         const Point root = stem(t);
+        // A blade that would leave the picture stays shorter.
+        const float room = out < 0 ? root.x - light.sides().left : light.sides().right - root.x;
+        span = std::min(span, 0.9f * std::max(room, 0.0f));
         const float radius = forest.leaf * 0.042f * mix(1.0f, 0.6f, t);
         blade(root + turned({0, -1}, angle) * (radius * 1.6f), angle, bend, span);
         bulb(root + turned({0, -1}, angle) * (radius * 1.4f), angle, radius);
@@ -145,23 +146,25 @@ void Painter::plant(float x, float top)
 
 } // namespace
 
-Canvas paintKelp(const KelpForest& forest, const Light& light, int size, Random random)
+void paintKelp(Canvas& canvas, const KelpForest& forest, const Light& light, Random random)
 {
-    Painter painter(forest, light, size, random);
-    for (int i = 0; i < forest.plants; ++i) {
+    const Sides sides = light.sides();
+    Painter painter(canvas, forest, light, random);
+    const int plants =
+        static_cast<int>(std::lround(static_cast<float>(forest.plants) * sides.width()));
+    for (int i = 0; i < plants; ++i) {
         for (const bool right : {false, true}) {
-            const float place = forest.reach *
-                                (static_cast<float>(i) + random.between(0.1f, 0.9f)) /
-                                static_cast<float>(forest.plants);
+            const float inward =
+                (static_cast<float>(i) + random.between(0.1f, 0.9f)) /
+                static_cast<float>(plants);
             // The tallest stand at the sides: the middle is kept free for the fish.
-            const float inward = place / forest.reach;
             const float lower = inward * inward * random.between(0.15f, 0.5f);
-            const float uneven = random.between(0, 0.12f);
-            painter.plant(right ? 1 - place : place, forest.top + lower + uneven);
+            const float uneven = random.between(0, 0.16f);
+            const float place = mix(0.07f, forest.reach, inward);
+            painter.plant(sides.at(right ? 1 - place : place), forest.top + lower + uneven);
         }
     }
-    painter.canvas.blur(forest.deviation * static_cast<float>(size));
-    return painter.canvas;
+    canvas.blur(forest.deviation * canvas.unit());
 }
 
 } // namespace media

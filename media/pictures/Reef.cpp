@@ -11,7 +11,7 @@ namespace {
 class Gardener {
 public:
     Gardener(Canvas& on, const Light& by, Random& byChance)
-        : canvas(on), light(by), size(static_cast<float>(on.width())), random(byChance)
+        : canvas(on), light(by), size(on.unit()), random(byChance)
     {
     }
 
@@ -37,7 +37,7 @@ void Gardener::branch(Point root, float angle, float span, float thick, int fork
     constexpr int JOINTS = 5;
     for (int i = 0; i <= JOINTS; ++i) {
         const float t = static_cast<float>(i) / JOINTS;
-        stroke.add(at * size, thick * mix(1.0f, 0.78f, t) * size);
+        stroke.add(canvas.pixel(at), thick * mix(1.0f, 0.78f, t) * size);
         at = at + turned({0, -1}, angle + bend * t) * (span / JOINTS);
     }
     const Point tip = at;
@@ -69,7 +69,7 @@ void Gardener::tube(Point root, float angle, float span, float thick, Color colo
     Point at = root;
     for (int i = 0; i <= JOINTS; ++i) {
         const float t = static_cast<float>(i) / JOINTS;
-        stroke.add(at * size, thick * (0.75f + 0.3f * t + 0.06f * std::sin(t * 14)) * size);
+        stroke.add(canvas.pixel(at), thick * (0.75f + 0.3f * t + 0.06f * std::sin(t * 14)) * size);
         at = at + turned({0, -1}, angle * (1 - 0.5f * t)) * (span / JOINTS);
     }
     for (const Touch& touch : stroke.touch(canvas.width(), canvas.height())) {
@@ -86,8 +86,8 @@ void Gardener::tube(Point root, float angle, float span, float thick, Color colo
     }
     const Point mouth = at + turned({0, -1}, angle * 0.5f) * (thick * 0.30f);
     Stroke hole;
-    hole.add((mouth - Point{thick * 0.42f, 0}) * size, thick * 0.30f * size);
-    hole.add((mouth + Point{thick * 0.42f, 0}) * size, thick * 0.30f * size);
+    hole.add(canvas.pixel(mouth - Point{thick * 0.42f, 0}), thick * 0.30f * size);
+    hole.add(canvas.pixel(mouth + Point{thick * 0.42f, 0}), thick * 0.30f * size);
     for (const Touch& touch : hole.touch(canvas.width(), canvas.height())) {
         const Point p = canvas.center(touch.x, touch.y);
         canvas.blend(touch.x, touch.y, withAlpha(mix(lit(color, 0.34f), light.water(p), haze), 1),
@@ -109,7 +109,7 @@ void Gardener::grass(Point root, float span, float haze)
         Point at = root + Point{random.between(-0.25f, 0.25f) * span, 0};
         for (int i = 0; i <= JOINTS; ++i) {
             const float t = static_cast<float>(i) / JOINTS;
-            stroke.add(at * size, span * 0.028f * (1 - t * t) * size + 0.15f);
+            stroke.add(canvas.pixel(at), span * 0.028f * (1 - t * t) * size + 0.15f);
             at = at + turned({0, -1}, angle + bend * t) * (tall / JOINTS);
         }
         for (const Touch& touch : stroke.touch(canvas.width(), canvas.height())) {
@@ -127,9 +127,9 @@ void Gardener::grass(Point root, float span, float haze)
 void paintReef(Canvas& canvas, const Light& light, Random random)
 {
     Gardener gardener(canvas, light, random);
-    constexpr Color ROSE = rgb(255, 110, 150);
-    constexpr Color AMBER = rgb(255, 170, 80);
-    constexpr Color VIOLET = rgb(190, 130, 255);
+    constexpr Color ROSE = rgb(255, 84, 150);
+    constexpr Color AMBER = rgb(255, 164, 50);
+    constexpr Color VIOLET = rgb(190, 110, 255);
     constexpr Color CREAM = rgb(240, 225, 180);
     struct Patch {
         float x;
@@ -140,19 +140,20 @@ void paintReef(Canvas& canvas, const Light& light, Random random)
         float haze;
     };
     static constexpr Patch PATCHES[] = {
-        {0.250f, 0.880f, 0.022f, VIOLET, true, 0.52f},
-        {0.685f, 0.862f, 0.020f, ROSE, false, 0.58f},
-        {0.780f, 0.905f, 0.028f, AMBER, false, 0.36f},
-        {0.830f, 0.915f, 0.040f, VIOLET, true, 0.30f},
-        {0.185f, 0.930f, 0.034f, ROSE, false, 0.22f},
-        {0.065f, 0.925f, 0.042f, AMBER, false, 0.16f},
-        {0.130f, 0.960f, 0.048f, VIOLET, true, 0.12f},
-        {0.905f, 0.960f, 0.040f, ROSE, false, 0.10f},
-        {0.965f, 0.950f, 0.046f, CREAM, false, 0.08f},
-        {0.040f, 0.985f, 0.036f, CREAM, false, 0.04f},
+        {0.345f, 0.862f, 0.028f, AMBER, false, 0.46f},
+        {0.250f, 0.880f, 0.034f, VIOLET, true, 0.36f},
+        {0.685f, 0.862f, 0.034f, ROSE, false, 0.40f},
+        {0.780f, 0.905f, 0.046f, AMBER, false, 0.24f},
+        {0.840f, 0.925f, 0.060f, VIOLET, true, 0.18f},
+        {0.185f, 0.940f, 0.060f, ROSE, false, 0.14f},
+        {0.045f, 0.935f, 0.060f, AMBER, false, 0.12f},
+        {0.115f, 0.970f, 0.066f, VIOLET, true, 0.08f},
+        {0.905f, 0.970f, 0.070f, ROSE, false, 0.06f},
+        {0.965f, 0.955f, 0.060f, CREAM, false, 0.06f},
+        {0.020f, 0.985f, 0.050f, CREAM, false, 0.04f},
     };
     for (const Patch& patch : PATCHES) {
-        const Point root{patch.x, patch.y};
+        const Point root{light.sides().at(patch.x), patch.y};
         if (patch.tubes) {
             for (int i = 0; i < 5; ++i) {
                 const float off = (static_cast<float>(i) - 2) * patch.span * 0.30f;
@@ -173,7 +174,7 @@ void paintReef(Canvas& canvas, const Light& light, Random random)
         const float y = random.between(0.885f, 1.0f);
         const float out = random.between(0.18f, 0.5f);
         const float x = 0.5f + (random.below(2) == 0 ? -out : out);
-        gardener.grass({x, y}, random.between(0.02f, 0.05f) * (0.4f + 6 * (y - 0.85f)),
+        gardener.grass({light.sides().at(x), y}, random.between(0.02f, 0.05f) * (0.4f + 6 * (y - 0.85f)),
                        clamp01((0.96f - y) * 6));
     }
 }

@@ -18,14 +18,14 @@ struct Dune {
 };
 
 constexpr Dune DUNES[] = {
-    {0.800f, 0.050f, 3.1f, 0.770f, 0.84f},
-    {0.845f, 0.045f, 2.3f, 0.800f, 0.66f},
-    {0.885f, 0.040f, 1.7f, 0.820f, 0.42f},
-    {0.935f, 0.045f, 1.3f, 0.840f, 0.12f},
+    {0.785f, 0.050f, 3.1f, 0.755f, 0.72f},
+    {0.825f, 0.045f, 2.3f, 0.780f, 0.46f},
+    {0.865f, 0.040f, 1.7f, 0.800f, 0.24f},
+    {0.920f, 0.045f, 1.3f, 0.825f, 0.05f},
 };
 
-constexpr Color SAND_LIT = rgb(214, 226, 168);
-constexpr Color SAND_DARK = rgb(30, 92, 104);
+constexpr Color SAND_LIT = rgb(126, 240, 190);
+constexpr Color SAND_DARK = rgb(0, 134, 160);
 
 float ridge(const Dune& dune, float x, std::uint32_t seed)
 {
@@ -47,11 +47,11 @@ Color sand(const Dune& dune, Point p, float crest, const Light& light, std::uint
     const float net = caustics(ground * 2.0f, 0.3f, seed + 62) * smoothstep(3.5f, 1.0f, away);
     const float grain = noise(p * 700, seed + 63) - 0.5f;
     const float under = smoothstep(0, 0.05f, p.y - crest);
-    float bright = 0.50f + 1.6f * slope + 0.15f * ripple + 0.06f * grain - 0.12f * under;
+    float bright = 0.70f + 1.6f * slope + 0.15f * ripple + 0.06f * grain - 0.12f * under;
     bright += 0.10f * bump(p.y, crest, 0.006f);
-    bright *= 0.75f + 0.55f * bump(p.x, 0.42f, 0.40f);
+    bright *= 0.80f + 0.50f * light.belowSun(p);
     Color c = mix(SAND_DARK, SAND_LIT, clamp01(bright));
-    c = screen(c, Color{0.34f, 0.52f, 0.40f, 0} * (net * (0.35f + bump(p.x, 0.45f, 0.35f))));
+    c = screen(c, Color{0.40f, 0.66f, 0.50f, 0} * (net * (0.45f + light.belowSun(p))));
     return mix(c, light.water(p), dune.haze);
 }
 
@@ -59,15 +59,15 @@ Color sand(const Dune& dune, Point p, float crest, const Light& light, std::uint
 void paintStone(Canvas& canvas, const Light& light, Point center, Point radius, float haze,
                 std::uint32_t seed)
 {
-    const auto size = static_cast<float>(canvas.width());
-    const auto pixel = [size](float v) { return static_cast<int>(std::floor(v * size)); };
+    const float size = canvas.unit();
+    const Point from = canvas.pixel({center.x - radius.x * 1.7f, center.y - radius.y * 1.4f});
+    const Point to = canvas.pixel({center.x + radius.x * 1.7f, center.y + radius.y * 1.7f});
     const float tint = noise(3.7f, seed);
     const Color shade = mix(rgb(10, 40, 56), rgb(18, 50, 54), tint);
     const Color body = mix(rgb(64, 112, 118), rgb(112, 118, 96), tint);
     const Color lichen = mix(rgb(150, 90, 140), rgb(120, 170, 90), noise(9.1f, seed));
-    for (int y = pixel(center.y - radius.y * 1.4f); y <= pixel(center.y + radius.y * 1.7f); ++y) {
-        for (int x = pixel(center.x - radius.x * 1.7f); x <= pixel(center.x + radius.x * 1.7f);
-             ++x) {
+    for (int y = static_cast<int>(std::floor(from.y)); y <= static_cast<int>(to.y); ++y) {
+        for (int x = static_cast<int>(std::floor(from.x)); x <= static_cast<int>(to.x); ++x) {
             const Point p = canvas.center(x, y);
             const Point q{(p.x - center.x) / radius.x, (p.y - center.y) / radius.y};
             // The shadow on the sand first, then the stone over it.
@@ -106,22 +106,21 @@ void paintStone(Canvas& canvas, const Light& light, Point center, Point radius, 
 
 void paintDunes(Canvas& canvas, const Light& light, std::uint32_t seed)
 {
-    const auto size = static_cast<float>(canvas.width());
+    const float size = canvas.unit();
     for (std::size_t i = 0; i < std::size(DUNES); ++i) {
         const Dune& dune = DUNES[i];
         const auto own = seed + static_cast<std::uint32_t>(i) * 100;
         // Far ridges are soft.
         const float soft = 1 + 5 * dune.haze;
         for (int x = 0; x < canvas.width(); ++x) {
-            const float u = (static_cast<float>(x) + 0.5f) / size;
+            const float u = canvas.center(x, 0).x;
             const float crest = ridge(dune, u, own);
-            for (int y = static_cast<int>((dune.crest - dune.swing) * size) - 8;
+            for (int y = static_cast<int>(canvas.pixel({u, dune.crest - dune.swing}).y) - 8;
                  y < canvas.height(); ++y) {
-                const float v = (static_cast<float>(y) + 0.5f) / size;
-                const float coverage = clamp01((v - crest) * size / soft);
+                const Point p = canvas.center(x, y);
+                const float coverage = clamp01((p.y - crest) * size / soft);
                 if (coverage > 0) {
-                    canvas.blend(x, y, withAlpha(sand(dune, {u, v}, crest, light, own), 1),
-                                 coverage);
+                    canvas.blend(x, y, withAlpha(sand(dune, p, crest, light, own), 1), coverage);
                 }
             }
         }
@@ -150,7 +149,7 @@ void paintStones(Canvas& canvas, const Light& light, Random random)
             const float large = heap.largest * mix(1.0f, 0.35f, t) * random.between(0.8f, 1.1f);
             const float aside = heap.wide * (random.unit() - 0.5f) * (0.5f + t);
             const float before = heap.wide * 0.22f * t * random.unit();
-            const Point center{heap.x + aside, heap.y + before + (heap.largest - large) * 0.5f};
+            const Point center{light.sides().at(heap.x) + aside, heap.y + before + (heap.largest - large) * 0.5f};
             paintStone(canvas, light, center, {large, large * random.between(0.6f, 0.85f)},
                        heap.haze, seed += 17);
         }

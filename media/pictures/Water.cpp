@@ -7,105 +7,175 @@
 #include "Noise.h"
 #include "Reef.h"
 #include "Seabed.h"
+#include "VisibleWorld.h"
 
 namespace media {
 
 namespace {
 
-// Two forests stand behind the dunes and two in front of them, each larger and clearer than the
-// one behind.
-constexpr KelpForest FAR_KELP[] = {{9, 0.42f, 0.060f, 0.86f, 0.14f, 0.80f, 0.0034f},
-                                   {6, 0.33f, 0.085f, 0.89f, 0.08f, 0.62f, 0.0020f}};
-constexpr KelpForest NEAR_KELP[] = {{4, 0.22f, 0.120f, 0.94f, 0.02f, 0.34f, 0.0008f},
-                                    {2, 0.09f, 0.170f, 1.02f, -0.06f, 0.08f, 0}};
+// Two forests stand far off in the haze, blurred, so that no fish is lost before them; two stand in
+// front of the dunes, at the sides.
+constexpr KelpForest FAR_KELP[] = {{8, 0.36f, 0.070f, 0.86f, 0.18f, 0.88f, 0.0060f},
+                                   {5, 0.25f, 0.085f, 0.89f, 0.12f, 0.72f, 0.0032f}};
+constexpr KelpForest NEAR_KELP[] = {{3, 0.18f, 0.100f, 0.93f, 0.12f, 0.52f, 0.0014f},
+                                    {3, 0.115f, 0.130f, 1.02f, 0.00f, 0.08f, 0}};
 
 /// The color at the edge of the picture. The scene halves it, which gives (5, 26, 38): the color
 /// that a wide window shows beside the picture.
 constexpr Color SURROUND = rgb(10, 51, 77);
 
-/// Calls \p change with every pixel and its place in the unit square.
+/// What the edges run through on their way there.
+constexpr Color DEEP = rgb(2, 104, 160);
+
+/// Where the painting lies in the square picture of the file. Its points have y from 0 at the top
+/// of what the window shows to 1 at the bottom.
+struct Panel {
+    int size;    ///< pixels of the file, in both directions
+    int top;     ///< the first of its rows that is painted; the others are SURROUND
+    int rows;    ///< how many are painted
+    int fade;    ///< of these, how many run out into SURROUND at the top, and at the bottom
+    Point corner; ///< the point at the left end of the first painted row
+    float unit;  ///< pixels from the point (0, 0) to (0, 1)
+    Sides sides; ///< of what is painted clearly: the outer 6 % of the picture run out
+
+    explicit Panel(const Request& request) : size(request.waterSize)
+    {
+        const auto all = static_cast<float>(size);
+        if (request.wide) {
+            const float first = 1 - WIDE_VIEW.top;
+            fade = size / 20;
+            top = static_cast<int>(first * all) - fade;
+            rows = size - 2 * top;
+            unit = (WIDE_VIEW.top - WIDE_VIEW.bottom) * all;
+            corner = {0.5f - 0.5f * all / unit, (static_cast<float>(top) - first * all) / unit};
+        } else {
+            fade = static_cast<int>(SQUARE_VIEW.bottom * all);
+            top = 0;
+            rows = size;
+            unit = all;
+            corner = {0, 0};
+        }
+        constexpr float OUTER = 0.06f;
+        sides = {corner.x + OUTER * all / unit, corner.x + (1 - OUTER) * all / unit};
+    }
+};
+
+/// Calls \p change with every pixel, its place in the picture, and its number.
 template<typename Change>
 void forEachPixel(Canvas& canvas, Change change)
 {
+    std::size_t number = 0;
     for (int y = 0; y < canvas.height(); ++y) {
         for (int x = 0; x < canvas.width(); ++x) {
-            change(canvas.at(x, y), canvas.center(x, y));
+            change(canvas.at(x, y), canvas.center(x, y), number++);
         }
     }
 }
 
-/// Adds shafts of sunlight in front of all that is painted so far.
-void shine(Canvas& canvas, const Light& light, float strength)
-{
-    forEachPixel(canvas, [&](Color& pixel, Point p) {
-        pixel = screen(pixel, Light::shaftColor() * (light.shafts(p) * strength));
-    });
-}
+/// The light of the shafts in each pixel, to be added to what is behind them.
+class Shafts {
+public:
+    Shafts(Canvas& canvas, const Light& light)
+    {
+        lights.reserve(static_cast<std::size_t>(canvas.width()) *
+                       static_cast<std::size_t>(canvas.height()));
+        forEachPixel(canvas, [&](Color&, Point p, std::size_t) {
+            lights.push_back(Light::shaftColor(p) * light.shafts(p));
+        });
+    }
+
+    /// Adds them in front of all that is painted so far.
+    void shine(Canvas& canvas, float strength) const
+    {
+        forEachPixel(canvas, [&](Color& pixel, Point, std::size_t number) {
+            pixel = screen(pixel, lights[number] * strength);
+        });
+    }
+
+private:
+    std::vector<Color> lights;
+};
 
 /// Adds specks that drift in the water and light up where the sun reaches them. Most are tiny, a
 /// few are close to the eye and out of focus.
 void scatterSpecks(Canvas& canvas, const Light& light, Random random)
 {
-    const auto size = static_cast<float>(canvas.width());
-    for (int i = 0; i < 420; ++i) {
+    const float size = canvas.unit();
+    const Sides sides = light.sides();
+    const int count = static_cast<int>(420 * sides.width());
+    for (int i = 0; i < count; ++i) {
         const bool close = i % 40 == 0;
-        const Point at{random.unit(), random.unit()};
+        const float share = random.unit();
+        const Point at{sides.at(share), random.unit()};
         const float large = random.unit();
         const float radius = mix(0.0007f, 0.0022f, large * large) + (close ? 0.004f : 0.0f);
         const float own = close ? 0.10f : random.between(0.15f, 0.55f);
         const float bright = own * (0.25f + light.sunlight(at) + light.shafts(at));
         const int reach = static_cast<int>(radius * size * 1.5f) + 1;
-        const int cx = static_cast<int>(at.x * size);
-        const int cy = static_cast<int>(at.y * size);
+        const Point middle = canvas.pixel(at);
+        const int cx = static_cast<int>(middle.x);
+        const int cy = static_cast<int>(middle.y);
         for (int y = cy - reach; y <= cy + reach; ++y) {
             for (int x = cx - reach; x <= cx + reach; ++x) {
                 const float disc =
                     smoothstep(1.3f, 0.5f, length(canvas.center(x, y) - at) / radius);
-                canvas.blend(x, y, rgb(120, 250, 235), disc * bright);
+                canvas.blend(x, y, rgb(150, 255, 240), disc * bright);
             }
         }
     }
 }
 
-/// Brightens the picture, since the scene halves it, and darkens the corners.
-void develop(Canvas& canvas)
+/// Brightens the picture, since the scene halves it, and darkens the corners a little.
+void develop(Canvas& canvas, const Sides& sides)
 {
-    const auto lift = [](float v) { return 1 - std::pow(1 - clamp01(v), 1.35f); };
-    forEachPixel(canvas, [lift](Color& pixel, Point p) {
-        const float corner = length({(p.x - 0.46f) * 1.15f, (p.y - 0.38f) * 0.85f});
-        const float shade = 1 - 0.38f * smoothstep(0.38f, 0.95f, corner);
+    const auto lift = [](float v) { return 1 - std::pow(1 - clamp01(v), 1.55f); };
+    forEachPixel(canvas, [&](Color& pixel, Point p, std::size_t) {
+        const float aside = (p.x - sides.at(0.46f)) / sides.width();
+        const float corner = length({aside * 1.1f, (p.y - 0.38f) * 0.85f});
+        const float shade = 1 - 0.16f * smoothstep(0.40f, 0.95f, corner);
         pixel = lit({lift(pixel.r), lift(pixel.g), lift(pixel.b), 1}, shade);
     });
 }
 
-/// Fades the edges of the picture into SURROUND, unevenly. The upper and lower edges fade within
-/// fewer pixels: no window shows what lies beyond them.
-void frame(Canvas& canvas, std::uint32_t seed)
+/// Fades the edges of the painting into SURROUND, unevenly, as sight ends in water.
+void frame(Canvas& canvas, const Panel& panel, std::uint32_t seed)
 {
-    forEachPixel(canvas, [seed](Color& pixel, Point p) {
-        const float uneven = fractal(p * 9, 3, seed + 70);
-        const float sides = std::min(p.x, 1 - p.x) / mix(0.025f, 0.065f, uneven);
-        const float ends = std::min(p.y, 1 - p.y) / mix(0.018f, 0.030f, uneven);
-        pixel = mix(SURROUND, pixel, smoothstep(0.05f, 1, sides) * smoothstep(0.05f, 1, ends));
-    });
+    for (int y = 0; y < canvas.height(); ++y) {
+        for (int x = 0; x < canvas.width(); ++x) {
+            const auto column = static_cast<float>(std::min(x, canvas.width() - 1 - x));
+            const auto row = static_cast<float>(std::min(y, canvas.height() - 1 - y));
+            const Point p = canvas.center(x, y);
+            const float uneven = fractal(p * 7, 4, seed + 70);
+            const float aside =
+                column / static_cast<float>(panel.size) / mix(0.026f, 0.062f, clamp01(uneven * 1.5f - 0.25f));
+            const float ends = row / static_cast<float>(panel.fade) / mix(0.8f, 1.4f, uneven);
+            const float shown = smoothstep(0.08f, 1, aside) * smoothstep(0.08f, 1, ends);
+            // Through the blue of the deep, so that the end looks like far water, not like a frame.
+            const Color deep = mix(SURROUND, DEEP, smoothstep(0, 0.35f, shown));
+            canvas.at(x, y) = mix(deep, canvas.at(x, y), smoothstep(0.2f, 1, shown));
+        }
+    }
 }
 
-} // namespace
-
-std::vector<File> makeWater(const Request& request)
+/// Paints what the window shows and a little around it.
+Canvas paintPanel(const Request& request, const Panel& panel)
 {
-    const int size = request.waterSize;
     const auto seed = static_cast<std::uint32_t>(request.seed);
-    const Light light(seed);
-    Canvas canvas(size, size);
+    const Light light(seed, panel.sides);
+    Canvas canvas(panel.size, panel.rows, panel.corner, panel.unit);
+    forEachPixel(canvas, [&](Color& pixel, Point p, std::size_t) {
+        pixel = screen(light.water(p), light.surface(p));
+    });
+    const Shafts shafts(canvas, light);
     std::uint64_t stream = 10;
     const auto plant = [&](const KelpForest& forest) {
-        canvas.draw(paintKelp(forest, light, size, Random(request.seed, stream++)));
-        shine(canvas, light, 0.24f);
+        Canvas layer = canvas.another();
+        paintKelp(layer, forest, light, Random(request.seed, stream++));
+        canvas.draw(layer);
+        shafts.shine(canvas, 0.20f);
     };
-    canvas.paint(1, [&](Point p) { return screen(light.water(p), light.surface(p)); });
     paintCliffs(canvas, light, seed);
-    shine(canvas, light, 0.8f);
+    shafts.shine(canvas, 0.9f);
     for (const KelpForest& forest : FAR_KELP) {
         plant(forest);
     }
@@ -116,10 +186,21 @@ std::vector<File> makeWater(const Request& request)
         plant(forest);
     }
     scatterSpecks(canvas, light, Random(request.seed, 30));
-    develop(canvas);
-    frame(canvas, seed);
-    const std::string side = std::to_string(size);
-    return {{"data/underwater.jpg", encodeJpeg(canvas.toRgb(2), 90), side + " x " + side}};
+    develop(canvas, panel.sides);
+    frame(canvas, panel, seed);
+    return canvas;
+}
+
+} // namespace
+
+std::vector<File> makeWater(const Request& request)
+{
+    const Panel panel(request);
+    Canvas picture(panel.size, panel.size);
+    forEachPixel(picture, [](Color& pixel, Point, std::size_t) { pixel = SURROUND; });
+    picture.copyRows(paintPanel(request, panel), panel.top);
+    const std::string side = std::to_string(panel.size);
+    return {{"data/underwater.jpg", encodeJpeg(picture.toRgb(2), 90), side + " x " + side}};
 }
 
 } // namespace media

@@ -16,6 +16,7 @@ using commandline::Value;
 
 constexpr int LEAST_WATER = 64; // pixels
 constexpr int MOST_WATER = 4096;
+constexpr int WIDE_WATER = 2048; // as much of it is shown larger
 constexpr double SHORTEST = SHORTEST_DANCE;
 constexpr double LONGEST = 600; // seconds; the voice is made in memory
 
@@ -107,8 +108,12 @@ std::vector<commandline::Option> tableOf(Options& options)
          number<std::uint64_t>(request.seed, 0, UINT64_MAX)},
         {"--water", "SIZE",
          "width of the water picture, a power of two from 64 to\n"
-         "4096 pixels (default 1024)",
+         "4096 pixels (default 1024, with --wide 2048)",
          waterSize(request.waterSize)},
+        {"--wide", "",
+         "a set for a window of 16 to 9, zoomed in by three steps of\n"
+         "the wheel",
+         commandline::flag(request.wide)},
         {"--seconds", "N",
          "length of the voice and the dance, 5 to 600 (default 120; a\n"
          "dance that is made alone is as long as the folder's voice)",
@@ -150,8 +155,13 @@ Options parseOptions(const std::vector<std::string>& arguments)
     if (options.check.empty() && options.out.empty()) {
         throw UsageError("--out DIR is missing");
     }
-    options.isLengthGiven =
-        std::find(parsed.given.begin(), parsed.given.end(), "--seconds") != parsed.given.end();
+    const auto isGiven = [&parsed](const char* option) {
+        return std::find(parsed.given.begin(), parsed.given.end(), option) != parsed.given.end();
+    };
+    options.isLengthGiven = isGiven("--seconds");
+    if (options.request.wide && !isGiven("--water")) {
+        options.request.waterSize = WIDE_WATER;
+    }
     choosePoses(options);
     return options;
 }
