@@ -1,10 +1,13 @@
 #include "CheckPicture.h"
 
+#include "CheckContrast.h"
 #include "CheckMessages.h"
 #include "CheckSprite.h"
 #include "ImageJPEG.h"
 #include "ImagePNG.h"
+#include "VisibleWorld.h"
 
+#include <algorithm>
 #include <bit>
 #include <fstream>
 
@@ -133,6 +136,41 @@ std::vector<WaterColor> colorsOf(const ImageJPEG& image)
     return colors;
 }
 
+/// The mean brightness of what a window shows of the water, as the scene shows it: the luma of Rec.
+/// 709, 0 .. 255.
+double brightnessOf(const ImageJPEG& image, const Region& view)
+{
+    const auto pixel = [](float share, int size) {
+        return static_cast<int>(share * static_cast<float>(size));
+    };
+    double sum = 0;
+    int count = 0;
+    for (int y = pixel(view.bottom, image.h); y < pixel(view.top, image.h); ++y) {
+        for (int x = pixel(view.left, image.w); x < pixel(view.right, image.w); ++x) {
+            const auto at = static_cast<std::size_t>(y) * static_cast<std::size_t>(image.w) +
+                            static_cast<std::size_t>(x);
+            const unsigned char* texel = image.buffer + at * 3;
+            sum += 0.2126 * texel[0] + 0.7152 * texel[1] + 0.0722 * texel[2];
+            ++count;
+        }
+    }
+    return count > 0 ? sum / count / 2 : 255;
+}
+
+void checkBrightness(const ImageJPEG& image, FileReport& report)
+{
+    constexpr double BRIGHT = 70;
+    if (image.c != 3) {
+        return;
+    }
+    // A picture may be made for the one view or for the other.
+    const double mean = std::max(brightnessOf(image, SQUARE_VIEW), brightnessOf(image, WIDE_VIEW));
+    if (mean < BRIGHT) {
+        report.hint("is dark: the scene halves it, to a mean brightness of " + decimal(mean, 0) +
+                    " of 255; paint it lighter");
+    }
+}
+
 } // namespace
 
 WaterCheck checkWater(const std::filesystem::path& folder)
@@ -164,6 +202,7 @@ WaterCheck checkWater(const std::filesystem::path& folder)
                      ": the scene takes it for RGB and shows garbled pixels");
     }
     checkSize(image, report);
+    checkBrightness(image, report);
     water.colors = colorsOf(image);
     return water;
 }
@@ -175,6 +214,9 @@ FileReport checkFish(const std::filesystem::path& folder, const std::vector<Wate
     if (readSprite(folder / report.name, "every fish is a pale square", image, report)) {
         const Sprite sprite(image);
         checkSprite(sprite, water, report);
+        if (report.remarks.empty()) {
+            checkContrast(sprite, water, report);
+        }
         checkHeading(sprite, report);
     }
     return report;

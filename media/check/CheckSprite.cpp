@@ -137,7 +137,7 @@ float meanContrast(const Sprite& sprite, const WaterColor& water)
     return 0;
 }
 
-void checkContrast(const Sprite& sprite, const std::vector<WaterColor>& water, FileReport& report)
+void checkVisibility(const Sprite& sprite, const std::vector<WaterColor>& water, FileReport& report)
 {
     constexpr float SEEN = 12;
     if (water.empty()) {
@@ -218,7 +218,7 @@ void checkSprite(const Sprite& sprite, const std::vector<WaterColor>& water, Fil
     checkBorder(sprite, report);
     checkFringe(sprite, report);
     checkTexels(sprite, report);
-    checkContrast(sprite, water, report);
+    checkVisibility(sprite, water, report);
 }
 
 void checkHeading(const Sprite& sprite, FileReport& report)

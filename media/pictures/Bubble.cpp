@@ -41,12 +41,12 @@ Color bubbleAt(Point q)
     const float fresnel = 0.02f + 0.98f * std::pow(1 - facing, 1.7f);
     const float towardsLight = dot(q * (1 / std::max(r, 0.01f)), {-0.55f, -0.83f});
     Color c = withAlpha(AIR, 0.02f);
-    // The scene draws a circle into the bubble that pulses: it goes from the middle towards the top,
-    // and its diameter is at most the radius. This glow is the brighter the larger the circle
+    // The scene draws a circle into the bubble that pulses: it goes from the middle towards the
+    // top, and its diameter is at most the radius. This glow is the brighter the larger the circle
     // through a point is, so that each of them runs along the glow as the edge of a reflection.
     const float circle = q.y < 0 ? r * r / -q.y : 2.0f;
     const float lens = smoothstep(0.10f, 0.95f, circle) * smoothstep(1.30f, 0.98f, circle);
-    c = cover(c, {GLASS, 0.42f * lens});
+    c = cover(c, {GLASS, 0.46f * lens * smoothstep(0.24f, 0.55f, r)});
     c = cover(c, {RIM, fresnel * (1.05f + 0.35f * towardsLight)});
     // Light that has gone through the bubble gathers at the far side of its wall.
     const float far = smoothstep(0.35f, 1.0f, -towardsLight) * bump(r, 0.80f, 0.11f);
@@ -54,7 +54,7 @@ Color bubbleAt(Point q)
     // The reflection of the sun, and its mirror image inside.
     const Point sun = turned(q - Point{-0.42f, -0.49f}, -0.72f);
     c = cover(
-        c, {rgb(255, 255, 255), 1.25f * bump(length({sun.x * 0.62f, sun.y * 1.15f}), 0, 0.17f)});
+        c, {rgb(255, 255, 255), 1.25f * bump(length({sun.x * 0.66f, sun.y * 1.25f}), 0, 0.155f)});
     c = cover(c, {rgb(255, 255, 255), 0.95f * bump(length(q - Point{0.34f, 0.50f}), 0, 0.10f)});
     return c;
 }

@@ -61,7 +61,8 @@ void Canvas::draw(const Canvas& layer)
 
 void Canvas::copyRows(const Canvas& from, int top)
 {
-    std::copy(from.pixels.begin(), from.pixels.end(), pixels.begin() + std::ptrdiff_t{top} * columns);
+    std::copy(from.pixels.begin(), from.pixels.end(),
+              pixels.begin() + std::ptrdiff_t{top} * columns);
 }
 
 void Canvas::blur(float deviation)

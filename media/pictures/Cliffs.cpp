@@ -18,8 +18,8 @@ struct Cliff {
 };
 
 constexpr Cliff CLIFFS[] = {
-    {0.83f, 0.30f, 0.05f, 0.72f, 0.005f},
-    {0.86f, 0.24f, 0.20f, 0.50f, 0.003f},
+    {0.83f, 0.22f, 0.05f, 0.72f, 0.005f},
+    {0.86f, 0.13f, 0.20f, 0.50f, 0.003f},
 };
 
 float skyline(const Cliff& cliff, float x, const Sides& sides, std::uint32_t seed)
@@ -27,7 +27,7 @@ float skyline(const Cliff& cliff, float x, const Sides& sides, std::uint32_t see
     const float out = std::abs((x - sides.at(0.47f)) / sides.width());
     const float rise = smoothstep(cliff.from, 0.36f, out);
     const float crags = fractal({x * 18, 1}, 4, seed);
-    const float towers = smoothstep(0.25f, 0.70f, noise(x * 7, seed + 9));
+    const float towers = smoothstep(0.10f, 0.80f, noise(x * 5, seed + 9));
     return cliff.foot + 0.03f - cliff.rise * rise * (0.25f + 0.75f * towers) -
            0.10f * crags * (0.4f + rise);
 }

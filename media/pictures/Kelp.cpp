@@ -106,8 +106,9 @@ void Painter::plant(float x, float top)
     const float lean = random.between(-0.03f, 0.05f);
     const float height = forest.root - top;
     const auto stem = [&](float t) {
-        return Point{x + lean * t * t + sway * t * std::sin(t * 5.2f + phase) +
-                         0.25f * sway * std::sin(t * 13 + 2 * phase),
+        const float aside = lean * t * t + sway * t * std::sin(t * 5.2f + phase) +
+                            0.25f * sway * std::sin(t * 13 + 2 * phase);
+        return Point{std::clamp(x + aside, light.sides().at(0.03f), light.sides().at(0.97f)),
                      forest.root - height * t};
     };
     const float thick = forest.leaf * 0.022f;
@@ -137,7 +138,7 @@ void Painter::plant(float x, float top)
         const Point root = stem(t);
         // A blade that would leave the picture stays shorter.
         const float room = out < 0 ? root.x - light.sides().left : light.sides().right - root.x;
-        span = std::min(span, 0.9f * std::max(room, 0.0f));
+        span = std::min(span, 0.85f * std::max(room, 0.0f));
         const float radius = forest.leaf * 0.042f * mix(1.0f, 0.6f, t);
         blade(root + turned({0, -1}, angle) * (radius * 1.6f), angle, bend, span);
         bulb(root + turned({0, -1}, angle) * (radius * 1.4f), angle, radius);
@@ -155,8 +156,7 @@ void paintKelp(Canvas& canvas, const KelpForest& forest, const Light& light, Ran
     for (int i = 0; i < plants; ++i) {
         for (const bool right : {false, true}) {
             const float inward =
-                (static_cast<float>(i) + random.between(0.1f, 0.9f)) /
-                static_cast<float>(plants);
+                (static_cast<float>(i) + random.between(0.1f, 0.9f)) / static_cast<float>(plants);
             // The tallest stand at the sides: the middle is kept free for the fish.
             const float lower = inward * inward * random.between(0.15f, 0.5f);
             const float uneven = random.between(0, 0.16f);

@@ -6,8 +6,8 @@
 
 namespace media {
 
-/// Where the underwater picture ends on both sides. In points of the picture, whose y goes from 0 at
-/// its top to 1 at its bottom; a picture that is wider than high begins left of 0.
+/// Where the underwater picture ends on both sides. In points of the picture, whose y goes from 0
+/// at its top to 1 at its bottom; a picture that is wider than high begins left of 0.
 struct Sides {
     float left = 0;
     float right = 1;

@@ -174,7 +174,8 @@ void paintReef(Canvas& canvas, const Light& light, Random random)
         const float y = random.between(0.885f, 1.0f);
         const float out = random.between(0.18f, 0.5f);
         const float x = 0.5f + (random.below(2) == 0 ? -out : out);
-        gardener.grass({light.sides().at(x), y}, random.between(0.02f, 0.05f) * (0.4f + 6 * (y - 0.85f)),
+        gardener.grass({light.sides().at(x), y},
+                       random.between(0.02f, 0.05f) * (0.4f + 6 * (y - 0.85f)),
                        clamp01((0.96f - y) * 6));
     }
 }

@@ -149,7 +149,8 @@ void paintStones(Canvas& canvas, const Light& light, Random random)
             const float large = heap.largest * mix(1.0f, 0.35f, t) * random.between(0.8f, 1.1f);
             const float aside = heap.wide * (random.unit() - 0.5f) * (0.5f + t);
             const float before = heap.wide * 0.22f * t * random.unit();
-            const Point center{light.sides().at(heap.x) + aside, heap.y + before + (heap.largest - large) * 0.5f};
+            const Point center{light.sides().at(heap.x) + aside,
+                               heap.y + before + (heap.largest - large) * 0.5f};
             paintStone(canvas, light, center, {large, large * random.between(0.6f, 0.85f)},
                        heap.haze, seed += 17);
         }

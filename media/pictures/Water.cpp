@@ -25,18 +25,18 @@ constexpr KelpForest NEAR_KELP[] = {{3, 0.18f, 0.100f, 0.93f, 0.12f, 0.52f, 0.00
 constexpr Color SURROUND = rgb(10, 51, 77);
 
 /// What the edges run through on their way there.
-constexpr Color DEEP = rgb(2, 104, 160);
+constexpr Color DEEP = rgb(4, 84, 132);
 
 /// Where the painting lies in the square picture of the file. Its points have y from 0 at the top
 /// of what the window shows to 1 at the bottom.
 struct Panel {
-    int size;    ///< pixels of the file, in both directions
-    int top;     ///< the first of its rows that is painted; the others are SURROUND
-    int rows;    ///< how many are painted
-    int fade;    ///< of these, how many run out into SURROUND at the top, and at the bottom
+    int size;     ///< pixels of the file, in both directions
+    int top;      ///< the first of its rows that is painted; the others are SURROUND
+    int rows;     ///< how many are painted
+    int fade;     ///< of these, how many run out into SURROUND at the top, and at the bottom
     Point corner; ///< the point at the left end of the first painted row
-    float unit;  ///< pixels from the point (0, 0) to (0, 1)
-    Sides sides; ///< of what is painted clearly: the outer 6 % of the picture run out
+    float unit;   ///< pixels from the point (0, 0) to (0, 1)
+    Sides sides;  ///< of what is painted clearly: the outer 6 % of the picture run out
 
     explicit Panel(const Request& request) : size(request.waterSize)
     {
@@ -145,14 +145,17 @@ void frame(Canvas& canvas, const Panel& panel, std::uint32_t seed)
             const auto column = static_cast<float>(std::min(x, canvas.width() - 1 - x));
             const auto row = static_cast<float>(std::min(y, canvas.height() - 1 - y));
             const Point p = canvas.center(x, y);
-            const float uneven = fractal(p * 7, 4, seed + 70);
+            const float uneven = clamp01(2 * fractal({p.x * 5, p.y * 6}, 4, seed + 70) - 0.5f);
             const float aside =
-                column / static_cast<float>(panel.size) / mix(0.026f, 0.062f, clamp01(uneven * 1.5f - 0.25f));
+                column / static_cast<float>(panel.size) / mix(0.030f, 0.062f, uneven);
             const float ends = row / static_cast<float>(panel.fade) / mix(0.8f, 1.4f, uneven);
-            const float shown = smoothstep(0.08f, 1, aside) * smoothstep(0.08f, 1, ends);
-            // Through the blue of the deep, so that the end looks like far water, not like a frame.
-            const Color deep = mix(SURROUND, DEEP, smoothstep(0, 0.35f, shown));
-            canvas.at(x, y) = mix(deep, canvas.at(x, y), smoothstep(0.2f, 1, shown));
+            const float shown = smoothstep(0.06f, 1, aside) * smoothstep(0.06f, 1, ends);
+            // The haze begins further in. Then through the blue of the deep, so that the end looks
+            // like far water, not like a frame.
+            const Color far = mix(SURROUND, DEEP, smoothstep(0, 0.8f, shown));
+            const float haze =
+                0.28f * smoothstep(0.17f, 0.03f, column / static_cast<float>(panel.size));
+            canvas.at(x, y) = mix(far, mix(canvas.at(x, y), DEEP, haze), shown);
         }
     }
 }
@@ -175,7 +178,7 @@ Canvas paintPanel(const Request& request, const Panel& panel)
         shafts.shine(canvas, 0.20f);
     };
     paintCliffs(canvas, light, seed);
-    shafts.shine(canvas, 0.9f);
+    shafts.shine(canvas, 0.95f);
     for (const KelpForest& forest : FAR_KELP) {
         plant(forest);
     }

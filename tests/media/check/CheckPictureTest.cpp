@@ -1,6 +1,7 @@
 #include "CheckPicture.h"
 
 #include "Check.h"
+#include "CheckContrast.h"
 #include "CheckedFolder.h"
 #include "ImageFiles.h"
 
@@ -15,6 +16,12 @@ using media::Mark;
 using testing::AllOf;
 using testing::Contains;
 using testing::Field;
+
+/// A gray picture of three channels.
+Picture plain(std::size_t width, std::size_t height, unsigned char gray)
+{
+    return {width, height, 3, Bytes(width * height * 3, gray)};
+}
 
 class CheckPictureTest : public testing::Test {
 protected:
@@ -111,17 +118,38 @@ TEST_F(CheckPictureTest, AJpegOfOtherThanThreeComponentsIsGarbled)
     EXPECT_THAT(checkWater(), Says(Mark::wrong, "is gray: the scene takes it for RGB"));
     putJpeg(gradient(64, 64, 4));
     EXPECT_THAT(checkWater(), Says(Mark::wrong, "is CMYK"));
-    putJpeg(gradient(64, 64, 3));
+    putJpeg(plain(64, 64, 200));
     EXPECT_THAT(checkWater(), IsFine());
+}
+
+TEST_F(CheckPictureTest, HintsAtWaterThatIsDarkOnceItIsHalved)
+{
+    putJpeg(plain(64, 64, 150));
+    EXPECT_THAT(checkWater(), IsFine());
+    putJpeg(plain(64, 64, 130));
+    EXPECT_THAT(checkWater(), Says(Mark::hint, "is dark: the scene halves it, to a mean brightness "
+                                               "of 65 of 255; paint it lighter"));
+    // What a wide window shows, zoomed in by three steps: rows 17 to 47 of 64, columns 4 to 60.
+    Picture band = plain(64, 64, 20);
+    std::fill_n(band.bytes.begin() + 16 * 64 * 3, 32 * 64 * 3, static_cast<unsigned char>(200));
+    putJpeg(band);
+    EXPECT_THAT(checkWater(), IsFine());
+    // Green counts as 0.7152.
+    Picture green = plain(64, 64, 0);
+    for (std::size_t i = 1; i < green.bytes.size(); i += 3) {
+        green.bytes[i] = 180;
+    }
+    putJpeg(green);
+    EXPECT_THAT(checkWater(), Says(Mark::hint, "of 64 of 255"));
 }
 
 TEST_F(CheckPictureTest, HintsAtSizesThatAreNotForEveryCard)
 {
-    putJpeg(gradient(96, 96, 3));
+    putJpeg(plain(96, 96, 200));
     EXPECT_THAT(checkWater(), Says(Mark::hint, "is 96 x 96: sizes that are no powers"));
-    putJpeg(gradient(62, 62, 3));
+    putJpeg(plain(62, 62, 200));
     EXPECT_THAT(checkWater(), SaysAlso(Mark::hint, "no multiple of 4"));
-    putJpeg(gradient(64, 32, 3));
+    putJpeg(plain(64, 32, 200));
     EXPECT_THAT(checkWater(), Says(Mark::hint, "is 64 x 32: not square"));
     putJpeg(gradient(16384, 8, 3));
     EXPECT_THAT(checkWater(), SaysAlso(Mark::hint, "too large"));
@@ -283,8 +311,7 @@ TEST_F(CheckPictureTest, ASpriteStandsOutFromItsWater)
 {
     // The scene halves 240 to 120. Over that a gray of 140 shows as 130: 10 in each channel are
     // 17 in space; one of 130 shows 5, which are 9.
-    Picture water{64, 64, 3, Bytes(64 * 64 * 3, 240)};
-    putJpeg(water);
+    putJpeg(plain(64, 64, 240));
     const auto discOf = [&](unsigned char gray, unsigned char alpha) {
         Picture picture = disc(64, 24);
         for (std::size_t i = 0; i < picture.bytes.size(); i += 4) {
@@ -295,7 +322,8 @@ TEST_F(CheckPictureTest, ASpriteStandsOutFromItsWater)
         putPng("data/bubble.png", picture);
         return checkFish();
     };
-    EXPECT_THAT(discOf(140, 255), IsFine());
+    EXPECT_THAT(discOf(140, 255), Says(Mark::hint, "is hard to find"));
+    EXPECT_THAT(checkBubble(), IsFine());
     EXPECT_THAT(discOf(130, 255),
                 Says(Mark::wrong, "is nearly invisible: at half opacity its color "
                                   "is only 9 of 255 from that of the water"));
@@ -311,6 +339,32 @@ TEST_F(CheckPictureTest, ASpriteStandsOutFromItsWater)
     EXPECT_THAT(discOf(255, 20), Says(Mark::wrong, "only 9 of 255"));
     folder.remove("data/underwater.jpg");
     EXPECT_THAT(discOf(130, 255), IsFine()) << "there is nothing to compare with";
+}
+
+TEST_F(CheckPictureTest, HintsAtAFishThatIsHardToFindOverAPartOfTheWater)
+{
+    // Three quarters are shown as 20, one quarter as 120. A disc of 120 shows as 70 over the one
+    // and not at all over the other.
+    Picture water = plain(64, 64, 40);
+    std::fill_n(water.bytes.begin(), 16 * 64 * 3, static_cast<unsigned char>(240));
+    putJpeg(water);
+    Picture picture = disc(64, 24);
+    for (std::size_t i = 0; i < picture.bytes.size(); i += 4) {
+        std::fill_n(&picture.bytes[i], 3, static_cast<unsigned char>(120));
+    }
+    putPng("data/fish0.png", picture);
+    EXPECT_THAT(checkFish(), Says(Mark::hint, "is hard to find over 25 % of the water"));
+}
+
+TEST(ColorDifferenceTest, IsTheDistanceInLab)
+{
+    using media::colorDifference;
+    EXPECT_NEAR(colorDifference({0, 0, 0}, {255, 255, 255}), 100, 0.05f);
+    EXPECT_EQ(colorDifference({12, 34, 56}, {12, 34, 56}), 0);
+    // Tabled: sRGB red is L* 53.24, a* 80.09, b* 67.20; blue 32.30, 79.19, -107.86.
+    EXPECT_NEAR(colorDifference({255, 0, 0}, {0, 0, 255}), 176.31f, 0.1f);
+    // Gray of 119 has L* 50.03.
+    EXPECT_NEAR(colorDifference({119, 119, 119}, {0, 0, 0}), 50.03f, 0.05f);
 }
 
 TEST_F(CheckPictureTest, TakesSpritesOfASinglePixel)

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <numeric>
 #include <png.h>
 
 namespace {
@@ -80,36 +81,97 @@ TEST(WaterPictureTest, KeepsRedBelowHalfOfGreenNearTheSurface)
     }
 }
 
-TEST(WaterPictureTest, GrowsDarkerTowardsTheDepthAndStaysBlue)
+TEST(WaterPictureTest, IsBrightAsTheSceneShowsItAndHasNoBlackCorner)
+{
+    // In the square window, halved. The luma is that of Rec. 709.
+    const Picture water = readJpeg(path("underwater.jpg"));
+    const int low = water.width * 189 / 10000;
+    std::vector<double> luma;
+    double saturation = 0;
+    for (int y = low; y < water.height - low; ++y) {
+        for (int x = low; x < water.width - low; ++x) {
+            const double r = water.at(x, y, 0) / 2.0;
+            const double g = water.at(x, y, 1) / 2.0;
+            const double b = water.at(x, y, 2) / 2.0;
+            luma.push_back(0.2126 * r + 0.7152 * g + 0.0722 * b);
+            saturation += 1 - std::min({r, g, b}) / std::max({r, g, b, 1.0});
+        }
+    }
+    const auto count = static_cast<double>(luma.size());
+    EXPECT_GT(std::accumulate(luma.begin(), luma.end(), 0.0) / count, 75);
+    EXPECT_GT(saturation / count, 0.74);
+    std::nth_element(luma.begin(), luma.begin() + std::ptrdiff_t(luma.size() / 10), luma.end());
+    EXPECT_GT(luma[luma.size() / 10], 40) << "the darkest tenth";
+}
+
+TEST(WaterPictureTest, IsLitFromAboveAndBlueInTheDeep)
 {
     const Picture water = readJpeg(path("underwater.jpg"));
     const Rgb top = mean(water, 0.3, 0.03, 0.7, 0.15);
     const Rgb middle = mean(water, 0.3, 0.4, 0.7, 0.5);
     const Rgb deep = mean(water, 0.3, 0.65, 0.7, 0.75);
-    EXPECT_GT(brightness(top), 1.4 * brightness(middle));
+    const Rgb ground = mean(water, 0.3, 0.85, 0.7, 0.97);
+    EXPECT_GT(brightness(top), 1.2 * brightness(middle));
     EXPECT_GT(brightness(middle), 1.2 * brightness(deep));
+    EXPECT_GT(brightness(ground), 1.2 * brightness(deep));
     EXPECT_GT(deep.b, 1.4 * deep.g);
-    EXPECT_GT(top.g, 180);
+    EXPECT_GT(top.g, 210);
+    EXPECT_GT(brightness(deep), 80) << "a third more than black water";
+}
+
+TEST(WaterPictureTest, HasNoDarkStripBelowTheSurface)
+{
+    // Each row is a little darker than the one above; none is darker than those below it.
+    const Picture water = readJpeg(path("underwater.jpg"));
+    for (double y = 0.03; y < 0.30; y += 0.01) {
+        EXPECT_GT(brightness(mean(water, 0.2, y, 0.8, y + 0.01)),
+                  0.95 * brightness(mean(water, 0.2, y + 0.03, 0.8, y + 0.04)))
+            << y;
+    }
+}
+
+/// The share of leaves among the pixels of a part of the picture: greener than all water.
+double leaves(const Picture& water, double x0, double y0, double x1, double y1)
+{
+    int green = 0;
+    int count = 0;
+    for (int y = static_cast<int>(y0 * water.height); y < static_cast<int>(y1 * water.height);
+         ++y) {
+        for (int x = static_cast<int>(x0 * water.width); x < static_cast<int>(x1 * water.width);
+             ++x) {
+            green += water.at(x, y, 1) > water.at(x, y, 2) + 20 ? 1 : 0;
+            ++count;
+        }
+    }
+    return static_cast<double>(green) / count;
 }
 
 TEST(WaterPictureTest, HasKelpAtBothSidesAndLeavesTheMiddleFree)
 {
     const Picture water = readJpeg(path("underwater.jpg"));
-    const auto greenShare = [&water](double x0, double x1) {
-        int green = 0;
-        int count = 0;
-        for (int y = water.height / 10; y < water.height * 8 / 10; ++y) {
-            for (int x = static_cast<int>(x0 * water.width); x < static_cast<int>(x1 * water.width);
-                 ++x) {
-                green += water.at(x, y, 1) > water.at(x, y, 2) + 20 ? 1 : 0;
-                ++count;
-            }
+    EXPECT_GT(leaves(water, 0.07, 0.1, 0.20, 0.8), 0.2);
+    EXPECT_GT(leaves(water, 0.80, 0.1, 0.93, 0.8), 0.2);
+    EXPECT_LT(leaves(water, 0.32, 0.1, 0.68, 0.8), 0.002);
+}
+
+TEST(WaterPictureTest, RunsOutUnevenlyAndWithoutLeavesAtTheSides)
+{
+    const Picture water = readJpeg(path("underwater.jpg"));
+    EXPECT_EQ(leaves(water, 0, 0.03, 0.058, 0.85), 0);
+    EXPECT_EQ(leaves(water, 0.942, 0.03, 1, 0.85), 0);
+    // How far from the edge a row is half as bright as well inside.
+    std::vector<int> places;
+    for (int y = water.height / 20; y < water.height * 3 / 4; ++y) {
+        const int inside = water.at(water.width * 62 / 1000, y, 1);
+        int x = 0;
+        while (2 * (water.at(x, y, 1) - 51) < inside - 51) {
+            ++x;
         }
-        return static_cast<double>(green) / count;
-    };
-    EXPECT_GT(greenShare(0.04, 0.16), 0.25);
-    EXPECT_GT(greenShare(0.84, 0.96), 0.25);
-    EXPECT_LT(greenShare(0.35, 0.65), 0.01);
+        places.push_back(x);
+    }
+    const auto [least, most] = std::minmax_element(places.begin(), places.end());
+    EXPECT_GT(*most - *least, water.width / 80);
+    EXPECT_LT(*most, water.width * 6 / 100);
 }
 
 TEST(WaterPictureTest, ShowsNoBandsInItsGradient)
@@ -242,7 +304,29 @@ TEST(FishSpriteTest, HasItsHeadAtTheTopAndAForkedTailBelow)
     EXPECT_GT(tail[1].first, 33);
 }
 
-TEST(FishSpriteTest, IsOrangeWithTwoWhiteBandsAndYellowFins)
+TEST(FishSpriteTest, HasABodyOfThirtyFourTexelsAndATailHalfAsWide)
+{
+    // Above the fins and below them.
+    const Picture fish = readPng(path("fish0.png"));
+    int body = 0;
+    for (int y = 0; y < 40; ++y) {
+        for (const auto& [first, last] : opaqueRuns(fish, y)) {
+            int orange = 0;
+            for (int x = first; x <= last; ++x) {
+                // Fins are yellow.
+                orange += fish.at(x, y, 1) < 195 || fish.at(x, y, 2) > 200 ? 1 : 0;
+            }
+            body = std::max(body, orange);
+        }
+    }
+    EXPECT_GE(body, 34);
+    EXPECT_LE(body, 40);
+    const auto root = opaqueRuns(fish, 49);
+    ASSERT_EQ(root.size(), 1u);
+    EXPECT_LT(root[0].second - root[0].first, body / 2);
+}
+
+TEST(FishSpriteTest, IsOrangeWithOneWhiteBandAndYellowFins)
 {
     const Picture fish = readPng(path("fish0.png"));
     int bands = 0;
@@ -252,7 +336,7 @@ TEST(FishSpriteTest, IsOrangeWithTwoWhiteBandsAndYellowFins)
         bands += white && !before ? 1 : 0;
         before = white;
     }
-    EXPECT_EQ(bands, 2);
+    EXPECT_EQ(bands, 1);
     int orange = 0;
     int yellow = 0;
     int dark = 0;
@@ -263,16 +347,63 @@ TEST(FishSpriteTest, IsOrangeWithTwoWhiteBandsAndYellowFins)
                 const int r = fish.at(x, y, 0);
                 const int g = fish.at(x, y, 1);
                 const int b = fish.at(x, y, 2);
-                orange += r > 230 && g > 60 && g < 190 && b < 70 ? 1 : 0;
-                yellow += r > 230 && g > 200 && b < 170 ? 1 : 0;
+                orange += r > 230 && g > 80 && g < 195 && b < 70 ? 1 : 0;
+                yellow += r > 230 && g >= 195 && b < 170 ? 1 : 0;
                 dark += std::max({r, g, b}) < 150 ? 1 : 0;
                 ++opaque;
             }
         }
     }
-    EXPECT_GT(orange, opaque / 4);
-    EXPECT_GT(yellow, opaque / 6);
-    EXPECT_LT(dark, opaque / 50) << "dark lines turn brown over the water; only the eyes are dark";
+    EXPECT_GT(orange, opaque / 2);
+    EXPECT_GT(yellow, opaque / 10);
+    EXPECT_LT(dark, opaque * 3 / 100)
+        << "dark lines turn brown over the water; only the eyes are dark";
+}
+
+/// CIE 1976 L* of an sRGB color.
+double lightness(const Rgb& c)
+{
+    const auto linear = [](double v) {
+        return v <= 0.04045 * 255 ? v / 255 / 12.92 : std::pow((v / 255 + 0.055) / 1.055, 2.4);
+    };
+    const double y = 0.2126 * linear(c.r) + 0.7152 * linear(c.g) + 0.0722 * linear(c.b);
+    return 116 * std::cbrt(y) - 16;
+}
+
+TEST(FishSpriteTest, IsLighterThanTheWaterWhereverItSwims)
+{
+    const Picture fish = readPng(path("fish0.png"));
+    Rgb body;
+    int count = 0;
+    for (int y = 4; y < 46; ++y) {
+        for (int x = 22; x < 42; ++x) {
+            body.r += fish.at(x, y, 0);
+            body.g += fish.at(x, y, 1);
+            body.b += fish.at(x, y, 2);
+            ++count;
+        }
+    }
+    const Picture water = readJpeg(path("underwater.jpg"));
+    // The surface, the middle, the deep, the ground, and the kelp.
+    for (const auto& [x, y] : {std::pair(0.45, 0.10), std::pair(0.50, 0.42), std::pair(0.55, 0.70),
+                               std::pair(0.42, 0.92), std::pair(0.17, 0.50)}) {
+        const Rgb behind = mean(water, x - 0.03, y - 0.03, x + 0.03, y + 0.03);
+        const Rgb shown{behind.r / 2, behind.g / 2, behind.b / 2};
+        const Rgb both{(shown.r + body.r / count) / 2, (shown.g + body.g / count) / 2,
+                       (shown.b + body.b / count) / 2};
+        EXPECT_GT(lightness(both) - lightness(shown), 11) << x << ", " << y;
+        EXPECT_GT(both.r - both.b, 25) << "orange; " << x << ", " << y;
+        EXPECT_GT(shown.b - shown.r, 25) << "blue or green; " << x << ", " << y;
+    }
+}
+
+TEST(BubbleSpriteTest, GlowsWhereTheSceneDrawsACircleIntoIt)
+{
+    // The circle goes from the middle up: there the glow grows with it, beside and below is none.
+    const Picture bubble = readPng(path("bubble.png"));
+    EXPECT_GT(bubble.at(32, 16, 3), bubble.at(32, 24, 3) + 20);
+    EXPECT_GT(bubble.at(32, 14, 3), bubble.at(32, 49, 3) + 30);
+    EXPECT_GT(bubble.at(32, 16, 3), bubble.at(16, 32, 3) + 20);
 }
 
 TEST(BubbleSpriteTest, HasAClearMiddleABrightRimTwoLightsAndAWarmReflex)

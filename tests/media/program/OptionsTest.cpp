@@ -30,6 +30,14 @@ TEST(OptionsTest, AreTakenInAnyOrder)
     EXPECT_EQ(options.request.waterSize, 4096);
 }
 
+TEST(OptionsTest, AWideSetHasTwiceTheWater)
+{
+    EXPECT_FALSE(parseOptions({"--out", "x"}).request.wide);
+    EXPECT_TRUE(parseOptions({"--wide", "--out", "x"}).request.wide);
+    EXPECT_EQ(parseOptions({"--wide", "--out", "x"}).request.waterSize, 2048);
+    EXPECT_EQ(parseOptions({"--wide", "--out", "x", "--water", "512"}).request.waterSize, 512);
+}
+
 TEST(OptionsTest, LengthsMayHaveDecimals)
 {
     EXPECT_EQ(parseOptions({"--out", "x", "--seconds", "7.25"}).request.seconds, 7.25);

@@ -1,0 +1,83 @@
+#include "ReadPicture.h"
+#include "Water.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr int SIZE = 256;
+
+/// The water for wide windows, small.
+const Picture& wideWater()
+{
+    static const Picture picture = [] {
+        media::Request request;
+        request.waterSize = SIZE;
+        request.wide = true;
+        const std::string path = testing::TempDir() + "kelpix-wide-water.jpg";
+        std::ofstream(path, std::ios::binary) << media::makeWater(request).at(0).bytes;
+        return readJpeg(path);
+    }();
+    return picture;
+}
+
+/// The mean of a channel over a part of the picture, in shares of it.
+double mean(int channel, double x0, double y0, double x1, double y1)
+{
+    double sum = 0;
+    int count = 0;
+    for (int y = static_cast<int>(y0 * SIZE); y < static_cast<int>(y1 * SIZE); ++y) {
+        for (int x = static_cast<int>(x0 * SIZE); x < static_cast<int>(x1 * SIZE); ++x) {
+            sum += wideWater().at(x, y, channel);
+            ++count;
+        }
+    }
+    return sum / count;
+}
+
+// A window of 16 to 9 that is zoomed in by three steps shows x of 0.062 to 0.938, and y of 0.254 to
+// 0.746, from the top as well.
+
+TEST(WideWaterTest, FillsTheBandThatTheWindowShows)
+{
+    const double surface = mean(1, 0.3, 0.26, 0.7, 0.30);
+    const double deep = mean(1, 0.4, 0.55, 0.6, 0.62);
+    const double ground = mean(1, 0.3, 0.70, 0.7, 0.74);
+    EXPECT_GT(surface, 190);
+    EXPECT_GT(surface, 1.3 * deep);
+    EXPECT_GT(ground, 1.3 * deep);
+    for (double x = 0.07; x < 0.93; x += 0.05) {
+        EXPECT_GT(mean(1, x, 0.27, x + 0.03, 0.73), 110) << x;
+    }
+}
+
+TEST(WideWaterTest, IsTheSurroundAboveAndBelow)
+{
+    for (const double y : {0.0, 0.1, 0.18, 0.81, 0.9}) {
+        EXPECT_NEAR(mean(0, 0, y, 1, y + 0.01), 10, 4) << y;
+        EXPECT_NEAR(mean(1, 0, y, 1, y + 0.01), 51, 4) << y;
+        EXPECT_NEAR(mean(2, 0, y, 1, y + 0.01), 77, 4) << y;
+    }
+}
+
+TEST(WideWaterTest, HasKelpAtBothEndsOfTheBandAndNoneBeyond)
+{
+    const auto leaves = [](double x0, double x1) {
+        int green = 0;
+        for (int y = SIZE * 3 / 10; y < SIZE * 62 / 100; ++y) {
+            for (int x = static_cast<int>(x0 * SIZE); x < static_cast<int>(x1 * SIZE); ++x) {
+                green += wideWater().at(x, y, 1) > wideWater().at(x, y, 2) + 20 ? 1 : 0;
+            }
+        }
+        return green;
+    };
+    EXPECT_EQ(leaves(0, 0.055), 0);
+    EXPECT_GT(leaves(0.06, 0.18), 300);
+    EXPECT_EQ(leaves(0.3, 0.7), 0);
+    EXPECT_GT(leaves(0.82, 0.94), 300);
+    EXPECT_EQ(leaves(0.945, 1), 0);
+}
+
+} // namespace
