@@ -318,10 +318,9 @@ std::optional<TileProblem> layOut(const WallFiles& files, WallLayout& layout)
 
 std::optional<std::string> beyondLimits(const WallTile& tile, const GLLimits& limits)
 {
-    const std::string host = "host " + tile.host + ", window " + std::to_string(tile.window) + ": ";
     const PixelRect& viewport = tile.viewport;
     if (viewport.w > limits.viewport[0] || viewport.h > limits.viewport[1]) {
-        return host + "the wall has " + size(viewport.w, viewport.h) +
+        return "the wall has " + size(viewport.w, viewport.h) +
                " of this window's pixels, and OpenGL draws at most " +
                size(limits.viewport[0], limits.viewport[1]) + " here";
     }
@@ -332,7 +331,7 @@ std::optional<std::string> beyondLimits(const WallTile& tile, const GLLimits& li
     };
     if (isBeyond(viewport.x) || isBeyond(viewport.y)) {
         std::ostringstream text;
-        text << host << "the wall's corner is at " << viewport.x << " " << viewport.y
+        text << "the wall's corner is at " << viewport.x << " " << viewport.y
              << " from this window's, and OpenGL draws from " << low << " to " << high << " here";
         return text.str();
     }

@@ -89,5 +89,5 @@ struct GLLimits {
 };
 
 /// Looks whether a context can draw a tile. GL would cut what is beyond its limits without a word.
-/// \return nothing, or a line that names the host
+/// \return nothing, or a line that says what is beyond them
 std::optional<std::string> beyondLimits(const WallTile& tile, const GLLimits& limits);

@@ -334,19 +334,19 @@ TEST(WallLayoutTest, WhatMakesNoSenseInTheSecondFileIsRefusedWithItsLine)
               "reef.cfg.more:1: \"Wal\" stands where \"Wall\" is expected");
 }
 
-TEST(WallLayoutTest, ATileThatOpenGLCannotDrawIsNamed)
+TEST(WallLayoutTest, WhatOpenGLCannotDrawIsNamed)
 {
     const WallLayout wall = layoutOf(describeGrid(12, 1, 1920, 1080, "0 0"));
     const WallTile& last = wall.tiles[11];
     EXPECT_FALSE(beyondLimits(last, {{23040, 1080}, {-32768, 32767}}));
     EXPECT_FALSE(beyondLimits(last, {{23040, 1080}, {0, 0}})) << "no known bounds";
     EXPECT_EQ(beyondLimits(last, {{16384, 16384}, {-32768, 32767}}),
-              "host h11, window 0: the wall has 23040 x 1080 of this window's pixels, and OpenGL "
+              "the wall has 23040 x 1080 of this window's pixels, and OpenGL "
               "draws at most 16384 x 16384 here");
     EXPECT_TRUE(beyondLimits(last, {{23040, 1079}, {-32768, 32767}}));
     // 11 * 1920 = 21120
     EXPECT_EQ(beyondLimits(last, {{32768, 32768}, {-21119, 32767}}),
-              "host h11, window 0: the wall's corner is at -21120 0 from this window's, and OpenGL "
+              "the wall's corner is at -21120 0 from this window's, and OpenGL "
               "draws from -21119 to 32767 here");
     EXPECT_FALSE(beyondLimits(last, {{32768, 32768}, {-21120, 32767}}));
 }
