@@ -34,6 +34,7 @@ ALLOWED = {
     "tools/soak": ["src-math", "src-image", "src-core", "src-sound", "kelpix", "tools/stage",
                    "tools/nullgl", "tools/commandline"],
     "tools/wall/layout": ["src-cluster"],
+    "tools/wall/drawing": ["src-cluster", "src-core", "src-font", "tools/wall/layout"],
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"')
 
