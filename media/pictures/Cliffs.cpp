@@ -18,8 +18,8 @@ struct Cliff {
 };
 
 constexpr Cliff CLIFFS[] = {
-    {0.83f, 0.22f, 0.05f, 0.72f, 0.005f},
-    {0.86f, 0.13f, 0.20f, 0.50f, 0.003f},
+    {0.83f, 0.22f, 0.05f, 0.62f, 0.005f},
+    {0.86f, 0.13f, 0.20f, 0.42f, 0.003f},
 };
 
 float skyline(const Cliff& cliff, float x, const Sides& sides, std::uint32_t seed)

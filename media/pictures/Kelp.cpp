@@ -9,10 +9,10 @@ namespace {
 
 // Colors in the sun and in the shade.
 constexpr Color BLADE_DARK = rgb(0, 74, 76);
-constexpr Color BLADE_GREEN = rgb(24, 172, 84);
-constexpr Color BLADE_SUN = rgb(142, 252, 84);
+constexpr Color BLADE_GREEN = rgb(14, 176, 88);
+constexpr Color BLADE_SUN = rgb(96, 250, 84);
 constexpr Color STEM_DARK = rgb(4, 80, 70);
-constexpr Color STEM_SUN = rgb(150, 206, 70);
+constexpr Color STEM_SUN = rgb(110, 206, 80);
 
 class Painter {
 public:

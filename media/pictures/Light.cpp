@@ -25,8 +25,8 @@ Color Light::water(Point p) const
         Color color;
     };
     static constexpr Stop STOPS[] = {
-        {0.00f, rgb(30, 192, 196)}, {0.10f, rgb(16, 172, 194)}, {0.25f, rgb(6, 146, 194)},
-        {0.45f, rgb(0, 110, 180)},  {0.66f, rgb(0, 80, 162)},   {0.80f, rgb(0, 90, 162)},
+        {0.00f, rgb(26, 168, 182)}, {0.10f, rgb(12, 162, 192)}, {0.25f, rgb(4, 146, 198)},
+        {0.45f, rgb(0, 117, 188)},  {0.66f, rgb(0, 82, 166)},   {0.80f, rgb(0, 90, 162)},
         {1.00f, rgb(4, 96, 146)},
     };
     // Noise of low frequency keeps the gradient from showing as straight bands.
@@ -42,7 +42,7 @@ Color Light::water(Point p) const
     const float glow = std::exp(-away * away * 4.5f);
     const float side = std::abs(from.x);
     c = lit(c, 1.0f - 0.22f * smoothstep(0.1f, 0.7f, side));
-    return screen(c, Color{0.06f, 0.55f, 0.42f, 0} * glow);
+    return screen(c, Color{0.04f, 0.40f, 0.32f, 0} * glow);
 }
 
 float Light::shafts(Point p) const
@@ -65,7 +65,7 @@ float Light::shafts(Point p) const
 
 Color Light::shaftColor(Point p)
 {
-    constexpr Color HIGH{0.14f, 1.00f, 0.88f, 0};
+    constexpr Color HIGH{0.12f, 1.00f, 0.90f, 0};
     constexpr Color DEEP{0.00f, 0.82f, 0.76f, 0};
     return mix(HIGH, DEEP, smoothstep(0, 0.45f, p.y));
 }
@@ -99,7 +99,7 @@ Color Light::surface(Point p) const
     const float bright = 0.35f + 0.65f * bump(p.x, sun.x, 0.40f * ends.width());
     const float crests = smoothstep(0.50f, 0.66f, swell);
     const float troughs = smoothstep(0.50f, 0.30f, swell);
-    return (Color{0.30f, 1.00f, 0.90f, 0} * (0.8f * net * crests + 0.4f * net) +
+    return (Color{0.20f, 1.00f, 0.92f, 0} * (1.0f * net * crests + 0.5f * net) +
             Color{0.10f, 0.80f, 0.70f, 0} * (0.5f * crests) +
             Color{0.02f, 0.16f, 0.10f, 0} * -troughs) *
            (near * bright);

@@ -45,7 +45,7 @@ void Gardener::branch(Point root, float angle, float span, float thick, int fork
         const Point p = canvas.center(touch.x, touch.y);
         const float round = std::sqrt(clamp01(1 - touch.across * touch.across));
         const float knobs = noise(p * 260, 77) - 0.5f;
-        const float bright = 0.42f + 0.40f * round - 0.16f * touch.across + 0.30f * knobs +
+        const float bright = 0.60f + 0.36f * round - 0.16f * touch.across + 0.30f * knobs +
                              (forks == 0 ? 0.30f * touch.along : 0.0f);
         const Color c = screen(lit(color, bright),
                                Color{0.25f, 0.25f, 0.22f, 0} * (forks == 0 ? touch.along : 0.0f));
@@ -77,7 +77,7 @@ void Gardener::tube(Point root, float angle, float span, float thick, Color colo
         const float round = std::sqrt(clamp01(1 - touch.across * touch.across));
         const float pores = noise(p * 230, 41) - 0.5f;
         float bright =
-            0.30f + 0.38f * round - 0.22f * touch.across + 0.28f * touch.along + 0.22f * pores;
+            0.46f + 0.36f * round - 0.22f * touch.across + 0.26f * touch.along + 0.22f * pores;
         if (touch.along > 0.96f) {
             bright += 0.2f;
         }
@@ -114,7 +114,7 @@ void Gardener::grass(Point root, float span, float haze)
         }
         for (const Touch& touch : stroke.touch(canvas.width(), canvas.height())) {
             const Point p = canvas.center(touch.x, touch.y);
-            const Color c = mix(rgb(6, 56, 50), rgb(120, 190, 80), touch.along * own);
+            const Color c = mix(rgb(0, 100, 80), rgb(90, 226, 90), touch.along * own);
             canvas.blend(touch.x, touch.y,
                          withAlpha(mix(lit(c, 1 - 0.2f * touch.across), light.water(p), haze), 1),
                          touch.coverage);
@@ -127,9 +127,9 @@ void Gardener::grass(Point root, float span, float haze)
 void paintReef(Canvas& canvas, const Light& light, Random random)
 {
     Gardener gardener(canvas, light, random);
-    constexpr Color ROSE = rgb(255, 84, 150);
+    constexpr Color ROSE = rgb(255, 70, 150);
     constexpr Color AMBER = rgb(255, 164, 50);
-    constexpr Color VIOLET = rgb(190, 110, 255);
+    constexpr Color VIOLET = rgb(190, 90, 255);
     constexpr Color CREAM = rgb(240, 225, 180);
     struct Patch {
         float x;

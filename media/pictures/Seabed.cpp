@@ -44,14 +44,14 @@ Color sand(const Dune& dune, Point p, float crest, const Light& light, std::uint
     const float fade = smoothstep(2.6f, 0.9f, away);
     // Ripples are steep on the lee side.
     const float ripple = (std::sin(phase) + 0.35f * std::sin(2 * phase + 0.8f)) * fade;
-    const float net = caustics(ground * 2.0f, 0.3f, seed + 62) * smoothstep(3.5f, 1.0f, away);
+    const float net = caustics(ground * 1.5f, 0.3f, seed + 62) * smoothstep(3.5f, 1.0f, away);
     const float grain = noise(p * 700, seed + 63) - 0.5f;
     const float under = smoothstep(0, 0.05f, p.y - crest);
-    float bright = 0.70f + 1.6f * slope + 0.15f * ripple + 0.06f * grain - 0.12f * under;
+    float bright = 0.68f + 1.6f * slope + 0.09f * ripple + 0.06f * grain - 0.12f * under;
     bright += 0.10f * bump(p.y, crest, 0.006f);
     bright *= 0.80f + 0.50f * light.belowSun(p);
     Color c = mix(SAND_DARK, SAND_LIT, clamp01(bright));
-    c = screen(c, Color{0.40f, 0.66f, 0.50f, 0} * (net * (0.45f + light.belowSun(p))));
+    c = screen(c, Color{0.24f, 0.86f, 0.62f, 0} * (net * (0.55f + light.belowSun(p))));
     return mix(c, light.water(p), dune.haze);
 }
 
@@ -63,8 +63,8 @@ void paintStone(Canvas& canvas, const Light& light, Point center, Point radius, 
     const Point from = canvas.pixel({center.x - radius.x * 1.7f, center.y - radius.y * 1.4f});
     const Point to = canvas.pixel({center.x + radius.x * 1.7f, center.y + radius.y * 1.7f});
     const float tint = noise(3.7f, seed);
-    const Color shade = mix(rgb(10, 40, 56), rgb(18, 50, 54), tint);
-    const Color body = mix(rgb(64, 112, 118), rgb(112, 118, 96), tint);
+    const Color shade = mix(rgb(4, 60, 90), rgb(14, 70, 84), tint);
+    const Color body = mix(rgb(60, 140, 150), rgb(130, 140, 110), tint);
     const Color lichen = mix(rgb(150, 90, 140), rgb(120, 170, 90), noise(9.1f, seed));
     for (int y = static_cast<int>(std::floor(from.y)); y <= static_cast<int>(to.y); ++y) {
         for (int x = static_cast<int>(std::floor(from.x)); x <= static_cast<int>(to.x); ++x) {

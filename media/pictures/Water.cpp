@@ -27,6 +27,9 @@ constexpr Color SURROUND = rgb(10, 51, 77);
 /// What the edges run through on their way there.
 constexpr Color DEEP = rgb(4, 84, 132);
 
+/// How much of the picture's width runs out on each side.
+constexpr float OUTER = 0.06f;
+
 /// Where the painting lies in the square picture of the file. Its points have y from 0 at the top
 /// of what the window shows to 1 at the bottom.
 struct Panel {
@@ -55,7 +58,6 @@ struct Panel {
             unit = all;
             corner = {0, 0};
         }
-        constexpr float OUTER = 0.06f;
         sides = {corner.x + OUTER * all / unit, corner.x + (1 - OUTER) * all / unit};
     }
 };
@@ -132,7 +134,7 @@ void develop(Canvas& canvas, const Sides& sides)
     forEachPixel(canvas, [&](Color& pixel, Point p, std::size_t) {
         const float aside = (p.x - sides.at(0.46f)) / sides.width();
         const float corner = length({aside * 1.1f, (p.y - 0.38f) * 0.85f});
-        const float shade = 1 - 0.16f * smoothstep(0.40f, 0.95f, corner);
+        const float shade = 1 - 0.09f * smoothstep(0.40f, 0.95f, corner);
         pixel = lit({lift(pixel.r), lift(pixel.g), lift(pixel.b), 1}, shade);
     });
 }
@@ -142,19 +144,18 @@ void frame(Canvas& canvas, const Panel& panel, std::uint32_t seed)
 {
     for (int y = 0; y < canvas.height(); ++y) {
         for (int x = 0; x < canvas.width(); ++x) {
-            const auto column = static_cast<float>(std::min(x, canvas.width() - 1 - x));
-            const auto row = static_cast<float>(std::min(y, canvas.height() - 1 - y));
+            const float column = static_cast<float>(std::min(x, canvas.width() - 1 - x)) /
+                                 static_cast<float>(panel.size);
+            const float row = static_cast<float>(std::min(y, canvas.height() - 1 - y)) /
+                              static_cast<float>(panel.fade);
             const Point p = canvas.center(x, y);
-            const float uneven = clamp01(2 * fractal({p.x * 5, p.y * 6}, 4, seed + 70) - 0.5f);
-            const float aside =
-                column / static_cast<float>(panel.size) / mix(0.030f, 0.062f, uneven);
-            const float ends = row / static_cast<float>(panel.fade) / mix(0.8f, 1.4f, uneven);
-            const float shown = smoothstep(0.06f, 1, aside) * smoothstep(0.06f, 1, ends);
+            const float uneven = clamp01(2.4f * fractal(p * 6, 4, seed + 70) - 0.7f);
+            const float shown = smoothstep(mix(0.001f, 0.025f, uneven), OUTER, column) *
+                                smoothstep(0.06f, mix(0.8f, 1.4f, uneven), row);
             // The haze begins further in. Then through the blue of the deep, so that the end looks
             // like far water, not like a frame.
             const Color far = mix(SURROUND, DEEP, smoothstep(0, 0.8f, shown));
-            const float haze =
-                0.28f * smoothstep(0.17f, 0.03f, column / static_cast<float>(panel.size));
+            const float haze = 0.25f * smoothstep(0.16f, 0.03f, column);
             canvas.at(x, y) = mix(far, mix(canvas.at(x, y), DEEP, haze), shown);
         }
     }
@@ -178,7 +179,7 @@ Canvas paintPanel(const Request& request, const Panel& panel)
         shafts.shine(canvas, 0.20f);
     };
     paintCliffs(canvas, light, seed);
-    shafts.shine(canvas, 0.95f);
+    shafts.shine(canvas, 1.0f);
     for (const KelpForest& forest : FAR_KELP) {
         plant(forest);
     }
