@@ -1,5 +1,7 @@
 #include "Encoder.h"
 
+#include "WriteAll.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -71,23 +73,6 @@ struct Pipe {
     int takeReadingEnd() { return std::exchange(read, -1); }
 };
 
-/// \return false when nobody reads any more
-bool writeBlocking(int descriptor, const void* data, std::size_t bytes)
-{
-    const auto* at = static_cast<const char*>(data);
-    while (bytes > 0) {
-        const ssize_t count = ::write(descriptor, at, bytes);
-        if (count < 0 && errno != EINTR) {
-            return false;
-        }
-        if (count > 0) {
-            at += count;
-            bytes -= static_cast<std::size_t>(count);
-        }
-    }
-    return true;
-}
-
 /// Starts a command. Three descriptors of this process become its standard input, its
 /// SOUND_DESCRIPTOR and its REPORT_DESCRIPTOR: none of them is a lower one that becomes another
 /// before, so the pipes are made in this order.
@@ -129,7 +114,7 @@ void feedSound(int descriptor, const Encoder::SoundSource& next)
     for (;;) {
         const std::vector<std::int16_t> chunk = next();
         if (chunk.empty() ||
-            !writeBlocking(descriptor, chunk.data(), chunk.size() * sizeof(std::int16_t))) {
+            !writeAll(descriptor, chunk.data(), chunk.size() * sizeof(std::int16_t))) {
             break;
         }
     }
@@ -202,7 +187,7 @@ bool Encoder::write(const Picture& frame)
     if (process == -1) {
         return false;
     }
-    if (writeAll(frame.pixels)) {
+    if (hand(frame.pixels)) {
         return true;
     }
     requireSuccess(waitForEnd(nullptr));
@@ -210,7 +195,7 @@ bool Encoder::write(const Picture& frame)
 }
 
 /// \return false when nobody reads any more
-bool Encoder::writeAll(const std::vector<std::uint8_t>& bytes)
+bool Encoder::hand(const std::vector<std::uint8_t>& bytes)
 {
     for (std::size_t at = 0; at < bytes.size();) {
         std::array<pollfd, 2> ends = {{{frames, POLLOUT, 0}, {reports, POLLIN, 0}}};

@@ -73,7 +73,7 @@ private:
     EncoderReport report;
     std::thread soundFeed;
 
-    bool writeAll(const std::vector<std::uint8_t>& bytes);
+    bool hand(const std::vector<std::uint8_t>& bytes);
     void readReports();
     int waitForEnd(const std::function<void()>& waiting);
     void requireSuccess(int status);

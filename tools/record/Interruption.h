@@ -2,7 +2,8 @@
 
 namespace record {
 
-/// A signal that asks the program to end before its work is done: Ctrl-C, a closed terminal, kill.
+/// A signal that asks the program to end before its work is done: Ctrl-C, a closed terminal, kill;
+/// or SIGPIPE, when nobody reads a stream any more.
 struct Interruption {
     int signal;
 

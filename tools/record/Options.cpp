@@ -19,6 +19,14 @@ constexpr int LARGEST_FPS = 1000;
 constexpr std::array FILM_KINDS = {".mp4", ".m4v", ".mov",  ".mkv", ".webm", ".gif", ".avi",
                                    ".flv", ".mpg", ".mpeg", ".nut", ".ogv",  ".ts",  ".wmv"};
 
+constexpr std::array WORKS = {"--out", "--live", "--png", "--sheet", "--hash", "--flashes"};
+
+template<typename Texts>
+bool isOneOf(const Texts& texts, const std::string& text)
+{
+    return std::find(texts.begin(), texts.end(), text) != texts.end();
+}
+
 Value film(std::filesystem::path& target)
 {
     return {"a name whose extension tells the kind of film, such as film.mp4",
@@ -37,6 +45,16 @@ Value picture(std::filesystem::path& target)
     return {"a name that ends in .png", [&target](const std::string& text) {
                 target = text;
                 return target.extension() == ".png";
+            }};
+}
+
+Value liveFormat(LiveFormat& target)
+{
+    return {"y4m or raw", [&target](const std::string& text) {
+                target = text == "y4m"   ? LiveFormat::y4m
+                         : text == "raw" ? LiveFormat::raw
+                                         : LiveFormat::none;
+                return target != LiveFormat::none;
             }};
 }
 
@@ -76,6 +94,8 @@ std::vector<commandline::Option> tableOf(Options& options)
     return {
         {"--out", "FILM", "the extension tells the kind: .mp4, .mkv, .webm, .gif ...",
          film(options.out)},
+        {"--live", "KIND", "plays to standard output, in real time, as y4m or raw pixels",
+         liveFormat(options.live)},
         {"--png", "PICTURE", "the picture of one moment, as PNG", picture(options.png)},
         {"--sheet", "PICTURE", "five moments of the scene side by side, as PNG",
          picture(options.sheet)},
@@ -83,9 +103,12 @@ std::vector<commandline::Option> tableOf(Options& options)
          commandline::flag(options.force)},
         {"--hash", "", "prints the scene's state at one moment as numbers",
          commandline::flag(options.hash)},
+        {"--flashes", "", "counts the flashes of the film instead of making it (WCAG 2.3.1)",
+         commandline::flag(options.flashes)},
         {"--at", "S", "that moment, or where the film begins, in seconds (default 0)",
          moment(options.at)},
-        {"--seconds", "S", "length of the film (default 30)", length(options.seconds)},
+        {"--seconds", "S", "length of the film (default 30; --live goes on with the voice)",
+         length(options.seconds)},
         {"--size", "WxH", "pixels (default 740x740)", size(options.width, options.height)},
         {"--fps", "N",
          "frames of the film per second (default " + std::to_string(Rates::REDRAWS) +
@@ -109,12 +132,22 @@ void checkFilmKind(const Options& options)
 {
     const std::string extension = options.out.extension();
     const std::vector<std::string>& given = options.encoderOptions;
-    const bool known =
-        std::find(FILM_KINDS.begin(), FILM_KINDS.end(), extension) != FILM_KINDS.end();
-    if (!known && std::find(given.begin(), given.end(), "-f") == given.end()) {
+    if (!isOneOf(FILM_KINDS, extension) && !isOneOf(given, "-f")) {
         throw UsageError("there is no kind of film called " + extension +
                          "; .mp4 suits most, and -- -f FORMAT tells ffmpeg another one");
     }
+}
+
+/// What is to be made, of which each run makes one: the options that say so, in the order given.
+std::vector<std::string> chosenWorks(const std::vector<std::string>& given)
+{
+    std::vector<std::string> works;
+    for (const std::string& option : given) {
+        if (isOneOf(WORKS, option) && !isOneOf(works, option)) {
+            works.push_back(option);
+        }
+    }
+    return works;
 }
 
 /// A sheet shows the whole scene, as it is without somebody at the window.
@@ -132,16 +165,16 @@ void checkSheet(const std::vector<std::string>& given)
 /// \param given  their names
 void check(const Options& options, const std::vector<std::string>& given)
 {
+    const std::vector<std::string> works = chosenWorks(given);
+    if (works.empty()) {
+        throw UsageError(
+            "--out FILE, --live KIND, --png FILE, --sheet FILE, --hash or --flashes is missing");
+    }
+    if (works.size() > 1) {
+        throw UsageError(works[0] + " and " + works[1] + " do not go together");
+    }
     if (!options.sheet.empty()) {
         checkSheet(given);
-    } else if (options.out.empty() && options.png.empty() && !options.hash) {
-        throw UsageError("--out FILE, --png FILE, --sheet FILE or --hash is missing");
-    }
-    if (options.hash && !(options.out.empty() && options.png.empty())) {
-        throw UsageError("--hash makes neither a film nor a picture");
-    }
-    if (!options.out.empty() && !options.png.empty()) {
-        throw UsageError("--out and --png do not go together");
     }
     if (options.out.empty() && !options.encoderOptions.empty()) {
         throw UsageError("options after -- are for films");
@@ -149,8 +182,9 @@ void check(const Options& options, const std::vector<std::string>& given)
     if (!options.out.empty()) {
         checkFilmKind(options);
     }
-    // Films store color for 2 x 2 pixels at once.
-    if (!options.out.empty() && (options.width % 2 != 0 || options.height % 2 != 0)) {
+    // They store color for 2 x 2 pixels at once.
+    const bool halved = !options.out.empty() || options.live == LiveFormat::y4m;
+    if (halved && (options.width % 2 != 0 || options.height % 2 != 0)) {
         throw UsageError("--size of a film takes even numbers, not " +
                          std::to_string(options.width) + "x" + std::to_string(options.height));
     }
@@ -167,6 +201,10 @@ Options parseOptions(const std::vector<std::string>& arguments)
     options.encoderOptions = parsed.rest;
     if (options.action == commandline::Action::work) {
         check(options, parsed.given);
+        if (options.live != LiveFormat::none && !isOneOf(parsed.given, "--seconds")) {
+            options.seconds = LONGEST_TIME;
+            options.untilVoiceEnds = true;
+        }
     }
     return options;
 }
@@ -175,13 +213,14 @@ std::string usage()
 {
     Options unused;
     return "usage: kelpix-record --out FILM [option ...] [-- FFMPEG-OPTION ...]\n"
+           "       kelpix-record --live y4m|raw [option ...] | COMMAND\n"
            "       kelpix-record --png PICTURE [option ...]\n"
            "       kelpix-record --sheet PICTURE [option ...]\n"
            "       kelpix-record --hash [option ...]\n"
+           "       kelpix-record --flashes [option ...]\n"
            "\n"
-           "Plays the scene without a window, as fast as the machine can, and saves it as a\n"
-           "film with its sound, or one moment of it as a picture. The same options give the\n"
-           "same frames.\n"
+           "Plays the scene without a window, and saves it as a film with its sound, or one\n"
+           "moment of it as a picture. The same options give the same frames.\n"
            "\n" +
            commandline::describe(tableOf(unused)) +
            "\n"

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CommandLine.h"
+#include "LiveStream.h"
 #include "Rates.h"
 #include "Time.h"
 
@@ -18,8 +19,11 @@ struct Options {
     std::filesystem::path sheet;        ///< five moments in a picture; empty = none is asked for
     bool force = false;                 ///< film or picture may replace a file
     bool hash = false;                  ///< the numbers of the scene's state are asked for
+    LiveFormat live = LiveFormat::none; ///< none = no stream is asked for
+    bool flashes = false;               ///< the flashes of the film are to be counted
     Microseconds at = 0;                ///< of picture or numbers, or of the film's first frame
     Microseconds seconds = 30 * SECOND; ///< length of the film
+    bool untilVoiceEnds = false;        ///< the film is shorter if the voice is
     int width = 740;                    ///< pixels, like the height
     int height = 740;
     int fps = Rates::REDRAWS;                ///< frames of the film per second
@@ -27,6 +31,9 @@ struct Options {
     std::filesystem::path media;             ///< empty = as mediaToPlay chooses
     std::filesystem::path script;            ///< empty = no input
     std::vector<std::string> encoderOptions; ///< handed to ffmpeg, before the output's name
+
+    /// Whether many frames are asked for, not one.
+    bool isFilm() const { return !out.empty() || flashes || live != LiveFormat::none; }
 };
 
 /// \param arguments  without the program's name

@@ -2,11 +2,14 @@
 
 #include "Encoder.h"
 #include "ExitGuard.h"
+#include "FlashMeter.h"
 #include "FrameReader.h"
 #include "HeldMessages.h"
 #include "Interruption.h"
+#include "LiveStream.h"
 #include "Mixer.h"
 #include "OffscreenContext.h"
+#include "Pace.h"
 #include "PictureFile.h"
 #include "Player.h"
 #include "Printable.h"
@@ -17,10 +20,14 @@
 
 #include <algorithm>
 #include <cinttypes>
+#include <csignal>
 #include <cstdio>
+#include <fcntl.h>
 #include <queue>
 #include <stdexcept>
+#include <thread>
 #include <unistd.h>
+#include <utility>
 
 namespace record {
 
@@ -43,6 +50,8 @@ public:
     std::string makeSheet();
     std::string hash();
     std::string makeFilm(const Schedule& schedule);
+    Outcome countFlashes(const Schedule& schedule);
+    std::string stream(Schedule schedule, int output);
 
 private:
     const Options& options;
@@ -59,6 +68,11 @@ private:
     void playUntil(std::int64_t last, bool seen);
     void save(const Picture& picture, Files::PartFile& part);
     void film(const Schedule& schedule, Encoder& encoder);
+
+    /// Takes a frame of a film. \return whether another one is wanted
+    using Sink = std::function<bool(const Picture&)>;
+    void drawFrames(const Schedule& schedule, const Sink& take,
+                    const std::function<void(std::int64_t)>& played);
 };
 
 void Recorder::playStep(bool seen)
@@ -170,28 +184,21 @@ std::string Recorder::makeFilm(const Schedule& schedule)
     return Files::printable(options.out.filename().string()) + text;
 }
 
-/// Makes the whole film.
-void Recorder::film(const Schedule& schedule, Encoder& encoder)
+/// Draws the frames of a film, and hands them over in their order.
+/// \param played  called after each step of the scene, with the number of steps so far
+void Recorder::drawFrames(const Schedule& schedule, const Sink& take,
+                          const std::function<void(std::int64_t)>& played)
 {
     std::queue<std::int64_t> repeats; // how often each frame under way is shown
     bool wanted = true;
     const auto deliver = [&] {
         const Picture& picture = reader.finish();
         for (; wanted && repeats.front() > 0; --repeats.front()) {
-            wanted = encoder.write(picture);
+            wanted = take(picture);
         }
         repeats.pop();
     };
-    const std::int64_t first = schedule.stepOf(0);
     const std::int64_t last = schedule.stepOf(schedule.frames() - 1);
-    Progress progress(stderr, isatty(STDERR_FILENO) != 0, last + 1);
-    // Done is what the encoder has taken, and the way to the first frame.
-    const auto showProgress = [&](std::int64_t played) {
-        const std::int64_t taken = std::min(encoder.taken(), schedule.frames());
-        const std::int64_t done =
-            taken > 0 ? schedule.stepOf(taken - 1) + 1 : std::min(played, first);
-        progress.show(std::min(done, last), elapsed());
-    };
     for (std::int64_t step = 0; step <= last && wanted; ++step) {
         const std::int64_t shown = schedule.framesOf(step);
         playStep(shown > 0);
@@ -202,16 +209,99 @@ void Recorder::film(const Schedule& schedule, Encoder& encoder)
         if (reader.underWay() == 2) {
             deliver();
         }
-        showProgress(step + 1);
+        played(step + 1);
     }
     while (wanted && reader.underWay() > 0) {
         deliver();
     }
+}
+
+/// Makes the whole film.
+void Recorder::film(const Schedule& schedule, Encoder& encoder)
+{
+    const std::int64_t first = schedule.stepOf(0);
+    const std::int64_t last = schedule.stepOf(schedule.frames() - 1);
+    Progress progress(stderr, isatty(STDERR_FILENO) != 0, last + 1);
+    // Done is what the encoder has taken, and the way to the first frame.
+    const auto showProgress = [&](std::int64_t played) {
+        const std::int64_t taken = std::min(encoder.taken(), schedule.frames());
+        const std::int64_t done =
+            taken > 0 ? schedule.stepOf(taken - 1) + 1 : std::min(played, first);
+        progress.show(std::min(done, last), elapsed());
+    };
+    drawFrames(
+        schedule, [&](const Picture& picture) { return encoder.write(picture); }, showProgress);
     encoder.finish([&] {
         Interruption::check();
         showProgress(last + 1);
     });
     progress.show(last + 1, elapsed());
+}
+
+Outcome Recorder::countFlashes(const Schedule& schedule)
+{
+    FlashMeter meter(options.width, options.height, options.fps);
+    Progress progress(stderr, isatty(STDERR_FILENO) != 0,
+                      schedule.stepOf(schedule.frames() - 1) + 1);
+    drawFrames(
+        schedule,
+        [&](const Picture& picture) {
+            meter.add(picture);
+            return true;
+        },
+        [&](std::int64_t played) { progress.show(played, elapsed()); });
+    const FlashMeter::Result result = meter.finish();
+    return {result.text(), result.isMet()};
+}
+
+/// Plays in real time.
+/// \param output  borrows; the descriptor to write to
+std::string Recorder::stream(Schedule schedule, int output)
+{
+    if (options.untilVoiceEnds) {
+        schedule.endBefore(stepAfter(voiceSamples * SECOND / voice.rate));
+    }
+    if (schedule.frames() == 0) {
+        throw std::runtime_error("the voice has ended by then; --seconds says how long to go on");
+    }
+    LiveStream live(output, options.live, options.width, options.height, options.fps);
+    Pace pace(options.fps);
+    std::int64_t frames = 0;
+    bool read = true;
+    bool told = false;
+    drawFrames(
+        schedule,
+        [&](const Picture& picture) {
+            std::this_thread::sleep_for(pace.waitAt(Pace::Clock::now()));
+            if (pace.lost() > Pace::Duration::zero() && !std::exchange(told, true)) {
+                std::fputs("kelpix-record: the stream is slower than real time: this machine or "
+                           "its reader is too slow\n",
+                           stderr);
+            }
+            read = live.write(picture);
+            frames += read ? 1 : 0;
+            return read;
+        },
+        [](std::int64_t) {});
+    if (!read) {
+        throw Interruption{SIGPIPE};
+    }
+    char text[100];
+    std::snprintf(text, sizeof text, "%" PRId64 " frames of %d x %d, %.4g s late", frames,
+                  options.width, options.height,
+                  std::chrono::duration<double>(pace.lost()).count());
+    return text;
+}
+
+/// Standard output as it is before the scene's messages are held back. Throws
+/// commandline::UsageError when that is a terminal.
+int standardOutput()
+{
+    if (isatty(STDOUT_FILENO) != 0) {
+        throw commandline::UsageError(
+            "--live writes to standard output: lead that to a program or a file");
+    }
+    return fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0);
 }
 
 /// Throws std::runtime_error when film or picture would replace a file. What a folder or a missing
@@ -231,7 +321,7 @@ void keepFiles(const Options& options)
 /// the scene.
 Schedule scheduleFor(const Options& options, const Script& script)
 {
-    Schedule schedule(options.at, options.out.empty() ? 1 : options.seconds, options.fps);
+    Schedule schedule(options.at, options.isFilm() ? options.seconds : 1, options.fps);
     if (script.endStep) {
         schedule.endBefore(*script.endStep);
     }
@@ -243,20 +333,27 @@ Schedule scheduleFor(const Options& options, const Script& script)
 
 } // namespace
 
-std::string runRecorder(const Options& options, const Script& script)
+Outcome runRecorder(const Options& options, const Script& script)
 {
     const Schedule schedule = scheduleFor(options, script);
     keepFiles(options);
+    const int output = options.live != LiveFormat::none ? standardOutput() : -1;
     const HeldMessages messages;
     const ExitGuard guard([&] { messages.show(); });
     Recorder recorder(options, script);
     if (options.hash) {
-        return recorder.hash();
+        return {recorder.hash(), true};
+    }
+    if (options.live != LiveFormat::none) {
+        return {recorder.stream(schedule, output), true};
+    }
+    if (options.flashes) {
+        return recorder.countFlashes(schedule);
     }
     if (!options.sheet.empty()) {
-        return recorder.makeSheet();
+        return {recorder.makeSheet(), true};
     }
-    return options.out.empty() ? recorder.makePicture() : recorder.makeFilm(schedule);
+    return {options.out.empty() ? recorder.makePicture() : recorder.makeFilm(schedule), true};
 }
 
 } // namespace record

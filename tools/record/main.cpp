@@ -13,6 +13,7 @@ namespace fs = std::filesystem;
 using record::Options;
 
 constexpr const char* PROGRAM = "kelpix-record";
+constexpr int FLASHES = 3; // the exit status of a film that flashes too much
 
 /// Makes the options' names of files absolute, and enters the folder of the media.
 void enterMedia(Options& options)
@@ -52,9 +53,14 @@ int run(const std::vector<std::string>& arguments)
         script = record::Script::read(options.script);
     }
     enterMedia(options);
-    record::Interruption::watch();
-    std::puts(record::runRecorder(options, script).c_str());
-    return 0;
+    // A stream leaves nothing behind, so signals may end it at once.
+    const bool live = options.live != record::LiveFormat::none;
+    if (!live) {
+        record::Interruption::watch();
+    }
+    const record::Outcome outcome = record::runRecorder(options, script);
+    std::fprintf(live ? stderr : stdout, "%s\n", outcome.text.c_str());
+    return outcome.good ? 0 : FLASHES;
 }
 
 /// Runs, and turns a bad script and an interruption into their statuses.

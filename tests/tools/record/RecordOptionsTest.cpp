@@ -52,6 +52,28 @@ TEST(RecordOptionsTest, AHashNeedsNoFile)
     EXPECT_FALSE(parseOptions({"--png", "a.png"}).hash);
 }
 
+TEST(RecordOptionsTest, FlashesAreThoseOfAFilmWithoutAFile)
+{
+    const Options options = parseOptions({"--flashes", "--seconds", "5"});
+    EXPECT_TRUE(options.flashes);
+    EXPECT_TRUE(options.isFilm());
+    EXPECT_TRUE(parseOptions({"--out", "a.mp4"}).isFilm());
+    EXPECT_FALSE(parseOptions({"--png", "a.png"}).isFilm());
+}
+
+TEST(RecordOptionsTest, AStreamGoesOnUnlessItHasALength)
+{
+    const Options options = parseOptions({"--live", "y4m"});
+    EXPECT_EQ(options.live, record::LiveFormat::y4m);
+    EXPECT_TRUE(options.isFilm());
+    EXPECT_EQ(options.seconds, record::LONGEST_TIME);
+    EXPECT_TRUE(options.untilVoiceEnds);
+    const Options two = parseOptions({"--live", "raw", "--seconds", "2"});
+    EXPECT_EQ(two.seconds, 2 * SECOND);
+    EXPECT_FALSE(two.untilVoiceEnds);
+    EXPECT_EQ(parseOptions({"--live", "raw", "--size", "3x1"}).live, record::LiveFormat::raw);
+}
+
 TEST(RecordOptionsTest, HelpAndVersionNeedNothingElse)
 {
     EXPECT_EQ(parseOptions({"--help"}).action, commandline::Action::help);
@@ -78,13 +100,20 @@ TEST_P(RecordBadOptionsTest, SayWhatIsWrong)
 INSTANTIATE_TEST_SUITE_P(
     Lines, RecordBadOptionsTest,
     testing::Values(
-        BadLine{{}, "--out FILE, --png FILE, --sheet FILE or --hash is missing"},
+        BadLine{
+            {},
+            "--out FILE, --live KIND, --png FILE, --sheet FILE, --hash or --flashes is missing"},
         BadLine{{"--sheet", "a.jpg"}, "--sheet takes a name that ends in .png, not \"a.jpg\""},
         BadLine{{"--sheet", "a.png", "--at", "5"}, "--sheet does not go with --at"},
-        BadLine{{"--hash", "--sheet", "a.png"}, "--sheet does not go with --hash"},
+        BadLine{{"--hash", "--sheet", "a.png"}, "--hash and --sheet do not go together"},
         BadLine{{"--sheet", "a.png", "--", "-crf", "1"}, "options after -- are for films"},
-        BadLine{{"--hash", "--png", "b.png"}, "--hash makes neither a film nor a picture"},
-        BadLine{{"--out", "a.mp4", "--hash"}, "--hash makes neither a film nor a picture"},
+        BadLine{{"--hash", "--png", "b.png"}, "--hash and --png do not go together"},
+        BadLine{{"--out", "a.mp4", "--hash"}, "--out and --hash do not go together"},
+        BadLine{{"--flashes", "--out", "a.mp4"}, "--flashes and --out do not go together"},
+        BadLine{{"--live", "mp4"}, "--live takes y4m or raw, not \"mp4\""},
+        BadLine{{"--live", "y4m", "--out", "a.mp4"}, "--live and --out do not go together"},
+        BadLine{{"--live", "y4m", "--size", "3x2"}, "--size of a film takes even numbers, not 3x2"},
+        BadLine{{"--flashes", "--", "-crf", "1"}, "options after -- are for films"},
         BadLine{{"--out", "a.mp4", "--png", "b.png"}, "--out and --png do not go together"},
         BadLine{{"--png", "b.png", "--", "-crf", "1"}, "options after -- are for films"},
         BadLine{{"--out", "film"},
@@ -146,8 +175,8 @@ TEST(RecordOptionsTest, APictureMayHaveAnySize)
 
 TEST(RecordOptionsTest, UsageNamesEveryOption)
 {
-    for (const char* option : {"--out", "--png", "--hash", "--at", "--seconds", "--size", "--fps",
-                               "--seed", "--media", "--script"}) {
+    for (const char* option : {"--out", "--live", "--png", "--hash", "--flashes", "--at",
+                               "--seconds", "--size", "--fps", "--seed", "--media", "--script"}) {
         EXPECT_THAT(record::usage(), testing::HasSubstr(std::string("\n  ") + option));
     }
 }

@@ -293,7 +293,8 @@ TEST_F(RecordProgramTest, RefusesABadOption)
     EXPECT_EQ(std::count(err.begin(), err.end(), '\n'), 2) << err;
     EXPECT_THAT(filesLeft(), IsEmpty());
     EXPECT_EQ(runCommand({KELPIX_RECORD}), 2);
-    EXPECT_EQ(err, "kelpix-record: --out FILE, --png FILE, --sheet FILE or --hash is missing\n"
+    EXPECT_EQ(err, "kelpix-record: --out FILE, --live KIND, --png FILE, --sheet FILE, --hash or "
+                   "--flashes is missing\n"
                    "kelpix-record --help lists the options.\n");
 }
 
