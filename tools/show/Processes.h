@@ -1,0 +1,53 @@
+#pragma once
+
+#include "Conductor.h"
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+namespace show {
+
+/// The processes of the showings. Each showing is a process group of its own, so that all that it
+/// has started can be ended with it. What leaves its group, and loses its parent, becomes a child
+/// of this process, and is ended by the destructor at the latest.
+///
+/// SIGCHLD has to be blocked, and the only children of this process are those of this class.
+class Processes {
+public:
+    Processes();
+    Processes(const Processes&) = delete;
+    Processes& operator=(const Processes&) = delete;
+
+    /// Kills all that is left.
+    ~Processes();
+
+    /// Starts a command, which is searched for as by a shell. It gets nothing to read, and is
+    /// killed when this process ends. \param output  a descriptor for what it prints; -1 = what
+    /// this process prints to Throws std::runtime_error, with a line for the user, when no process
+    /// can be started. That the command cannot be found ends the process, with status 127 and a
+    /// line.
+    void start(Id showing, const std::vector<std::string>& command, int output = -1);
+
+    /// Sends a signal to all processes of a group.
+    void signal(Id showing, int signal) const;
+
+    /// Takes note of the children that have ended. What has been left in a group by its first
+    /// process is killed.
+    /// \param onEnd  called for each first process
+    void reap(const std::function<void(Id, const End&)>& onEnd);
+
+    /// \return the showing whose group the process is in
+    std::optional<Id> showingOf(pid_t process) const;
+
+    /// \return the resident memory of all processes of a group, in bytes
+    long memory(Id showing) const;
+
+private:
+    std::map<Id, pid_t> groups;
+};
+
+} // namespace show

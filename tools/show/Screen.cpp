@@ -1,0 +1,342 @@
+#include "Screen.h"
+
+#include <X11/Xatom.h>
+#include <X11/Xutil.h>
+#include <X11/extensions/Xrandr.h>
+#include <X11/extensions/scrnsaver.h>
+#include <X11/keysym.h>
+#include <algorithm>
+#include <stdexcept>
+#include <string>
+
+namespace show {
+
+namespace {
+
+constexpr const char* FULLSCREEN = "_NET_WM_STATE_FULLSCREEN";
+constexpr const char* ABOVE = "_NET_WM_STATE_ABOVE";
+
+bool refused = false; // the X server has refused a request
+bool lost = false;    // the X server has gone
+
+/// \return a cursor without a pixel
+Cursor blankCursor(Display* display, Window root)
+{
+    constexpr char NOTHING = 0;
+    const Pixmap shape = XCreateBitmapFromData(display, root, &NOTHING, 1, 1);
+    XColor color{};
+    const Cursor cursor = XCreatePixmapCursor(display, shape, shape, &color, &color, 0, 0);
+    XFreePixmap(display, shape);
+    return cursor;
+}
+
+void keepAwake(Display* display)
+{
+    int events = 0;
+    int errors = 0;
+    if (XScreenSaverQueryExtension(display, &events, &errors) != 0) {
+        // Until this client has gone.
+        XScreenSaverSuspend(display, True);
+    }
+}
+
+} // namespace
+
+Screen::Screen(Look look) : look(look)
+{
+    XSetIOErrorExitHandler(
+        display(), [](Display*, void*) { lost = true; }, nullptr);
+    isManager = takeManagersPlace();
+    blank = blankCursor(display(), desktop.root());
+    keepAwake(display());
+    fullScreen(); // throws when there is no such monitor
+    XSync(display(), False);
+}
+
+Screen::~Screen()
+{
+    XFreeCursor(display(), blank);
+}
+
+bool Screen::takeManagersPlace()
+{
+    constexpr long NEWS = StructureNotifyMask | SubstructureNotifyMask;
+    XSync(display(), False);
+    // Only one client may select this: the window manager.
+    const auto before = XSetErrorHandler([](Display*, XErrorEvent*) {
+        refused = true;
+        return 0;
+    });
+    XSelectInput(display(), desktop.root(), NEWS | SubstructureRedirectMask);
+    XSync(display(), False);
+    XSetErrorHandler(before);
+    if (refused) {
+        XSelectInput(display(), desktop.root(), NEWS);
+    }
+    return !refused;
+}
+
+Screen::Place Screen::fullScreen() const
+{
+    if (look.monitor || !isManager) {
+        int count = 0;
+        XRRMonitorInfo* const monitors = XRRGetMonitors(display(), desktop.root(), True, &count);
+        const int wanted = look.monitor.value_or(0);
+        std::optional<Place> place;
+        if (monitors != nullptr && wanted < count) {
+            const XRRMonitorInfo& monitor = monitors[wanted];
+            place = Place{monitor.x, monitor.y, monitor.width, monitor.height};
+        }
+        if (monitors != nullptr) {
+            XRRFreeMonitors(monitors);
+        }
+        if (place) {
+            return *place;
+        }
+        if (look.monitor) {
+            throw std::runtime_error("there is no monitor " + std::to_string(wanted) +
+                                     ": the X server has " + std::to_string(std::max(count, 0)) +
+                                     ", counted from 0");
+        }
+    }
+    const int screen = DefaultScreen(display());
+    return {0, 0, DisplayWidth(display(), screen), DisplayHeight(display(), screen)};
+}
+
+Screen::Scene* Screen::recognize(Window window,
+                                 const std::function<std::optional<Id>(pid_t)>& whose)
+{
+    const auto known = std::find_if(scenes.begin(), scenes.end(),
+                                    [&](const Scene& scene) { return scene.window == window; });
+    if (known != scenes.end()) {
+        return &*known;
+    }
+    const pid_t owner = desktop.owner(window);
+    const std::optional<Id> showing = owner != 0 ? whose(owner) : std::nullopt;
+    if (!showing || !desktop.isScene(window)) {
+        return nullptr;
+    }
+    XDefineCursor(display(), window, blank);
+    scenes.push_back({window, *showing, {}});
+    return &scenes.back();
+}
+
+bool Screen::hasNews() const
+{
+    if (lost) {
+        throw std::runtime_error("the X server has gone");
+    }
+    return XEventsQueued(display(), QueuedAlready) > 0;
+}
+
+void Screen::read(const std::function<std::optional<Id>(pid_t)>& whose,
+                  const std::function<void(Id)>& onFrame)
+{
+    while (XPending(display()) > 0) {
+        XEvent event;
+        XNextEvent(display(), &event);
+        switch (event.type) {
+        case CreateNotify:
+            XSelectInput(display(), event.xcreatewindow.window,
+                         StructureNotifyMask | PropertyChangeMask);
+            break;
+        case MapRequest:
+            if (recognize(event.xmaprequest.window, whose) != nullptr) {
+                place(event.xmaprequest.window);
+                XLowerWindow(display(), event.xmaprequest.window);
+            }
+            XMapWindow(display(), event.xmaprequest.window);
+            break;
+        case ConfigureRequest:
+            grant(event.xconfigurerequest);
+            break;
+        case MapNotify:
+            if (recognize(event.xmap.window, whose) != nullptr) {
+                if (!isManager) {
+                    place(event.xmap.window);
+                }
+                wake(event.xmap.window);
+            }
+            break;
+        case PropertyNotify:
+            if (event.xproperty.atom == XA_WM_NAME) {
+                Scene* const scene = recognize(event.xproperty.window, whose);
+                if (scene != nullptr && (scene->rate = desktop.rate(scene->window))) {
+                    onFrame(scene->showing);
+                }
+            }
+            break;
+        case DestroyNotify:
+            std::erase_if(scenes, [&](const Scene& scene) {
+                return scene.window == event.xdestroywindow.window;
+            });
+            break;
+        case ConfigureNotify:
+            // The screen has another size.
+            if (event.xconfigure.window == desktop.root() && isManager) {
+                XRRUpdateConfiguration(&event);
+                for (const Scene& scene : scenes) {
+                    place(scene.window);
+                }
+            }
+            break;
+        default:
+            break;
+        }
+    }
+    XFlush(display());
+}
+
+void Screen::place(Window window) const
+{
+    if (look.fullscreen) {
+        const Place full = fullScreen();
+        if (isManager) {
+            XMoveResizeWindow(display(), window, full.x, full.y, static_cast<unsigned>(full.width),
+                              static_cast<unsigned>(full.height));
+        } else {
+            // It is not made full screen yet: that would put it in front.
+            removeDecorations(window);
+            askForPlace(window, full);
+        }
+    } else if (!isManager) {
+        // That of the showing before.
+        const Scene& first = scenes.front();
+        if (first.window != window) {
+            askForPlace(window, placeOf(first.window));
+        }
+    }
+}
+
+Screen::Place Screen::placeOf(Window window) const
+{
+    XWindowAttributes attributes{};
+    Place place{};
+    Window unused = None;
+    if (XGetWindowAttributes(display(), window, &attributes) != 0) {
+        XTranslateCoordinates(display(), window, desktop.root(), 0, 0, &place.x, &place.y, &unused);
+        place.width = attributes.width;
+        place.height = attributes.height;
+    }
+    return place;
+}
+
+void Screen::removeDecorations(Window window) const
+{
+    constexpr unsigned long DECORATIONS = 2; // the field that counts
+    const unsigned long hints[] = {DECORATIONS, 0, 0, 0, 0};
+    const Atom property = desktop.atom("_MOTIF_WM_HINTS");
+    XChangeProperty(display(), window, property, property, 32, PropModeReplace,
+                    reinterpret_cast<const unsigned char*>(hints), 5);
+}
+
+void Screen::askForPlace(Window window, const Place& place) const
+{
+    // The place is that of the scene itself, not of a frame around it; all four numbers count.
+    constexpr long FLAGS = StaticGravity | 1 << 8 | 1 << 9 | 1 << 10 | 1 << 11 | 1 << 12;
+    desktop.askManager(window, "_NET_MOVERESIZE_WINDOW",
+                       {FLAGS, place.x, place.y, place.width, place.height});
+}
+
+void Screen::wake(Window window) const
+{
+    // FLTK draws nothing before the X server asks it to, and a window that is hidden behind another
+    // one is not asked.
+    XEvent event{};
+    event.xexpose.type = Expose;
+    event.xexpose.window = window;
+    event.xexpose.width = 1;
+    event.xexpose.height = 1;
+    XSendEvent(display(), window, False, ExposureMask, &event);
+}
+
+void Screen::grant(const XConfigureRequestEvent& request) const
+{
+    XWindowChanges changes{};
+    changes.x = request.x;
+    changes.y = request.y;
+    changes.width = request.width;
+    changes.height = request.height;
+    changes.border_width = request.border_width;
+    // What is in front is not theirs to decide.
+    const auto wanted = static_cast<unsigned>(request.value_mask) &
+                        (CWX | CWY | CWWidth | CWHeight | CWBorderWidth);
+    XConfigureWindow(display(), request.window, wanted, &changes);
+}
+
+void Screen::forEach(Id showing, const std::function<void(Window)>& action) const
+{
+    for (const Scene& scene : scenes) {
+        if (scene.showing == showing) {
+            action(scene.window);
+        }
+    }
+    XFlush(display());
+}
+
+void Screen::hold(Id showing) const
+{
+    forEach(showing, [&](Window window) { desktop.setState(window, ABOVE, true); });
+}
+
+void Screen::dress(Id showing) const
+{
+    forEach(showing, [&](Window window) { desktop.turnWheel(window, look.zoom); });
+}
+
+void Screen::raise(Id showing) const
+{
+    forEach(showing, [&](Window window) {
+        if (isManager) {
+            XRaiseWindow(display(), window);
+            XSetInputFocus(display(), window, RevertToPointerRoot, CurrentTime);
+            return;
+        }
+        if (look.fullscreen) {
+            desktop.setState(window, FULLSCREEN, true);
+        }
+        desktop.setState(window, ABOVE, true);
+        // As a pager asks for it, which no manager refuses.
+        desktop.askManager(window, "_NET_ACTIVE_WINDOW", {2, CurrentTime, 0});
+    });
+}
+
+void Screen::settle(Id showing) const
+{
+    if (!look.fullscreen) {
+        forEach(showing, [&](Window window) { desktop.setState(window, ABOVE, false); });
+    }
+}
+
+void Screen::pressQ(Id showing) const
+{
+    const KeyCode q = XKeysymToKeycode(display(), XK_q);
+    forEach(showing, [&](Window window) {
+        // FLTK takes keys for the window that it believes to have the focus.
+        XEvent event{};
+        event.xfocus.type = FocusIn;
+        event.xfocus.window = window;
+        event.xfocus.mode = NotifyNormal;
+        event.xfocus.detail = NotifyNonlinear;
+        XSendEvent(display(), window, False, FocusChangeMask, &event);
+        event = {};
+        event.xkey.window = window;
+        event.xkey.root = desktop.root();
+        event.xkey.same_screen = True;
+        event.xkey.keycode = q;
+        for (const int type : {KeyPress, KeyRelease}) {
+            event.type = type;
+            XSendEvent(display(), window, False, type == KeyPress ? KeyPressMask : KeyReleaseMask,
+                       &event);
+        }
+    });
+}
+
+std::optional<double> Screen::rate(Id showing) const
+{
+    const auto found = std::find_if(scenes.begin(), scenes.end(),
+                                    [&](const Scene& scene) { return scene.showing == showing; });
+    return found == scenes.end() ? std::nullopt : found->rate;
+}
+
+} // namespace show

@@ -1,0 +1,83 @@
+#pragma once
+
+#include "Conductor.h"
+#include "Desktop.h"
+#include "Look.h"
+
+#include <functional>
+#include <optional>
+#include <sys/types.h>
+#include <vector>
+
+namespace show {
+
+/// The windows of the showings on the X server that DISPLAY names. Hides the pointer over them and
+/// keeps the screen awake.
+///
+/// Where there is a window manager, it is asked for what is needed. Where there is none, this takes
+/// its place: a window that wants to be mapped is then placed and lowered before it is mapped, so
+/// that nothing of it is seen too early.
+///
+/// A full-screen window gets the monitor of the look; without one it gets the first monitor under a
+/// window manager, and else the whole X screen with all its monitors.
+class Screen {
+public:
+    /// Throws std::runtime_error, with a line for the user, when the X server cannot be reached or
+    /// has no such monitor.
+    explicit Screen(Look look);
+    Screen(const Screen&) = delete;
+    Screen& operator=(const Screen&) = delete;
+    ~Screen();
+
+    int descriptor() const { return ConnectionNumber(desktop.display()); }
+
+    /// Whether there is something to read that the descriptor does not tell: it came with an
+    /// answer. Throws std::runtime_error when the X server has gone.
+    bool hasNews() const;
+
+    /// Handles all that the X server has told so far.
+    /// \param whose    the showing that a process belongs to
+    /// \param onFrame  called for each frame that a showing begins
+    void read(const std::function<std::optional<Id>(pid_t)>& whose,
+              const std::function<void(Id)>& onFrame);
+
+    /// Keeps a showing in front while another one opens.
+    void hold(Id showing) const;
+    void dress(Id showing) const;
+    void raise(Id showing) const;
+    void settle(Id showing) const;
+    void pressQ(Id showing) const;
+
+    /// \return the frames a second in the title of the showing's window
+    std::optional<double> rate(Id showing) const;
+
+private:
+    struct Scene {
+        Window window;
+        Id showing;
+        std::optional<double> rate;
+    };
+    struct Place {
+        int x, y, width, height;
+    };
+
+    Desktop desktop;
+    Look look;
+    bool isManager = false; ///< there is no window manager but this
+    Cursor blank = None;
+    std::vector<Scene> scenes;
+
+    Display* display() const { return desktop.display(); }
+    bool takeManagersPlace();
+    Place fullScreen() const;
+    Scene* recognize(Window window, const std::function<std::optional<Id>(pid_t)>& whose);
+    void place(Window window) const;
+    Place placeOf(Window window) const;
+    void removeDecorations(Window window) const;
+    void askForPlace(Window window, const Place& place) const;
+    void wake(Window window) const;
+    void grant(const XConfigureRequestEvent& request) const;
+    void forEach(Id showing, const std::function<void(Window)>& action) const;
+};
+
+} // namespace show
