@@ -13,6 +13,7 @@ namespace show {
 
 namespace {
 
+constexpr long TO_ITS_PROGRAM = NoEventMask; // an event: not to the window manager as well
 constexpr const char* FULLSCREEN = "_NET_WM_STATE_FULLSCREEN";
 constexpr const char* ABOVE = "_NET_WM_STATE_ABOVE";
 
@@ -151,12 +152,11 @@ void Screen::read(const std::function<std::optional<Id>(pid_t)>& whose,
             grant(event.xconfigurerequest);
             break;
         case MapNotify:
-            if (recognize(event.xmap.window, whose) != nullptr) {
-                if (!isManager) {
-                    place(event.xmap.window);
-                }
-                wake(event.xmap.window);
-            }
+            appear(recognize(event.xmap.window, whose));
+            break;
+        case ReparentNotify:
+            // A window manager may keep it unmapped, behind a full-screen window.
+            appear(recognize(event.xreparent.window, whose));
             break;
         case PropertyNotify:
             if (event.xproperty.atom == XA_WM_NAME) {
@@ -185,6 +185,16 @@ void Screen::read(const std::function<std::optional<Id>(pid_t)>& whose,
         }
     }
     XFlush(display());
+}
+
+void Screen::appear(const Scene* scene) const
+{
+    if (scene != nullptr) {
+        if (!isManager) {
+            place(scene->window);
+        }
+        wake(scene->window);
+    }
 }
 
 void Screen::place(Window window) const
@@ -247,7 +257,7 @@ void Screen::wake(Window window) const
     event.xexpose.window = window;
     event.xexpose.width = 1;
     event.xexpose.height = 1;
-    XSendEvent(display(), window, False, ExposureMask, &event);
+    XSendEvent(display(), window, False, TO_ITS_PROGRAM, &event);
 }
 
 void Screen::grant(const XConfigureRequestEvent& request) const
@@ -318,7 +328,7 @@ void Screen::pressQ(Id showing) const
         event.xfocus.window = window;
         event.xfocus.mode = NotifyNormal;
         event.xfocus.detail = NotifyNonlinear;
-        XSendEvent(display(), window, False, FocusChangeMask, &event);
+        XSendEvent(display(), window, False, TO_ITS_PROGRAM, &event);
         event = {};
         event.xkey.window = window;
         event.xkey.root = desktop.root();
@@ -326,8 +336,7 @@ void Screen::pressQ(Id showing) const
         event.xkey.keycode = q;
         for (const int type : {KeyPress, KeyRelease}) {
             event.type = type;
-            XSendEvent(display(), window, False, type == KeyPress ? KeyPressMask : KeyReleaseMask,
-                       &event);
+            XSendEvent(display(), window, False, TO_ITS_PROGRAM, &event);
         }
     });
 }

@@ -71,6 +71,7 @@ private:
     bool takeManagersPlace();
     Place fullScreen() const;
     Scene* recognize(Window window, const std::function<std::optional<Id>(pid_t)>& whose);
+    void appear(const Scene* scene) const;
     void place(Window window) const;
     Place placeOf(Window window) const;
     void removeDecorations(Window window) const;

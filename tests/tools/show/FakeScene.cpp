@@ -1,0 +1,170 @@
+// A small program with a window like that of the scene: the same title, class and keys, and nothing
+// drawn before the X server asks for it. Its picture is one color, another one for each process.
+//
+// Usage: FakeScene [BEHAVIOR ...]
+//   opening=SECONDS   before there is a window
+//   status=N          ends with this status instead of opening a window
+//   stubborn          ignores q and SIGTERM
+//   children          has a child in its group, and one that has left it
+//   marks=FOLDER      a file in it for each start; when it holds a file "fail", the program ends at
+//                     the start with status 7
+
+#include <X11/Xatom.h>
+#include <X11/Xlib.h>
+#include <X11/Xutil.h>
+#include <X11/keysym.h>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <poll.h>
+#include <string>
+#include <thread>
+#include <unistd.h>
+
+namespace {
+
+constexpr int BETWEEN_FRAMES = 50; // milliseconds
+
+struct Behavior {
+    double opening = 0.2;
+    int status = -1;
+    bool isStubborn = false;
+    bool hasChildren = false;
+    std::filesystem::path marks;
+};
+
+Behavior behaviorOf(int count, char** words)
+{
+    Behavior behavior;
+    for (int i = 1; i < count; ++i) {
+        const std::string word = words[i];
+        const std::string value = word.substr(word.find('=') + 1);
+        if (word.starts_with("opening=")) {
+            behavior.opening = std::stod(value);
+        } else if (word.starts_with("status=")) {
+            behavior.status = std::stoi(value);
+        } else if (word.starts_with("marks=")) {
+            behavior.marks = value;
+        } else if (word == "stubborn") {
+            behavior.isStubborn = true;
+        } else if (word == "children") {
+            behavior.hasChildren = true;
+        } else {
+            std::fprintf(stderr, "FakeScene: what is %s?\n", word.c_str());
+            std::exit(2);
+        }
+    }
+    return behavior;
+}
+
+/// Starts a process that does nothing.
+void startChild(bool leavesGroup)
+{
+    if (fork() == 0) {
+        if (leavesGroup) {
+            setsid();
+        }
+        for (;;) {
+            pause();
+        }
+    }
+}
+
+class Scene {
+public:
+    explicit Scene(const Behavior& behavior) : behavior(behavior), display(XOpenDisplay(nullptr))
+    {
+        if (display == nullptr) {
+            std::exit(1);
+        }
+        XSetWindowAttributes attributes{};
+        attributes.event_mask = ExposureMask | KeyPressMask | FocusChangeMask;
+        window = XCreateWindow(display, DefaultRootWindow(display), 0, 0, 300, 200, 0,
+                               CopyFromParent, InputOutput, CopyFromParent, CWEventMask,
+                               &attributes);
+        char name[] = "kelpix";
+        char type[] = "Kelpix";
+        XClassHint hint{name, type};
+        XSetClassHint(display, window, &hint);
+        XStoreName(display, window, name);
+        const long pid = getpid();
+        XChangeProperty(display, window, XInternAtom(display, "_NET_WM_PID", False), XA_CARDINAL,
+                        32, PropModeReplace, reinterpret_cast<const unsigned char*>(&pid), 1);
+        // Bright, and another one for the next process.
+        const auto mixed = static_cast<unsigned long>(getpid()) * 2654435761UL;
+        XSetForeground(display, DefaultGC(display, 0), 0x808080 | (mixed & 0x7f7f7f));
+        XMapWindow(display, window);
+    }
+
+    ~Scene() { XCloseDisplay(display); }
+
+    void run()
+    {
+        while (!hasEnded) {
+            pollfd events{ConnectionNumber(display), POLLIN, 0};
+            XFlush(display);
+            const int answer = XPending(display) > 0 ? 1 : poll(&events, 1, BETWEEN_FRAMES);
+            while (XPending(display) > 0) {
+                handle();
+            }
+            if (answer == 0 && isExposed) {
+                draw();
+            }
+        }
+    }
+
+private:
+    Behavior behavior;
+    Display* display;
+    Window window = None;
+    bool isExposed = false;
+    bool hasFocus = false;
+    bool hasEnded = false;
+
+    void handle()
+    {
+        XEvent event;
+        XNextEvent(display, &event);
+        isExposed = isExposed || event.type == Expose;
+        hasFocus = event.type == FocusIn || (hasFocus && event.type != FocusOut);
+        if (event.type == KeyPress && hasFocus && !behavior.isStubborn) {
+            hasEnded = XLookupKeysym(&event.xkey, 0) == XK_q;
+        }
+    }
+
+    void draw()
+    {
+        XStoreName(display, window, "kelpix (20.0 fps)");
+        XFillRectangle(display, window, DefaultGC(display, 0), 0, 0, 10000, 10000);
+    }
+};
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const Behavior behavior = behaviorOf(argc, argv);
+    if (!behavior.marks.empty()) {
+        std::ofstream(behavior.marks / ("start-" + std::to_string(getpid())));
+        if (std::filesystem::exists(behavior.marks / "fail")) {
+            return 7;
+        }
+    }
+    if (behavior.isStubborn) {
+        std::signal(SIGTERM, SIG_IGN);
+    }
+    if (behavior.hasChildren) {
+        startChild(false);
+        startChild(true);
+    }
+    if (behavior.status >= 0) {
+        return behavior.status;
+    }
+    std::this_thread::sleep_for(std::chrono::duration<double>(behavior.opening));
+    Scene(behavior).run();
+    return 0;
+}
