@@ -40,6 +40,12 @@ const Conductor::Showing* Conductor::coming() const
     return found == showings.end() ? nullptr : &*found;
 }
 
+bool Conductor::isAnyLeaving() const
+{
+    return std::any_of(showings.begin(), showings.end(),
+                       [](const Showing& showing) { return showing.state == State::leaving; });
+}
+
 std::optional<Id> Conductor::front() const
 {
     const Showing* const next = coming();
@@ -77,15 +83,13 @@ void Conductor::frame(Id id, Seconds now)
 void Conductor::play(Showing& showing, Seconds now)
 {
     crew.say("showing " + std::to_string(shown) + " plays");
-    bool isAlone = true;
     for (Showing& other : showings) {
         if (other.state == State::playing) {
             leave(other, other.isHanging ? Step::term : Step::key, now);
         }
-        isAlone = isAlone && other.state != State::leaving;
     }
     showing.state = State::playing;
-    if (isAlone) {
+    if (!isAnyLeaving()) {
         crew.settle(showing.id);
     }
 }
@@ -153,7 +157,13 @@ Seconds Conductor::nextOpening() const
         return NEVER;
     }
     const Showing* const now = playing();
-    if (now == nullptr || now->isHanging || (now->isStale && media == Media::good)) {
+    if (now == nullptr || now->isHanging) {
+        return mayOpen;
+    }
+    if (isAnyLeaving()) {
+        return NEVER; // one after the other
+    }
+    if (now->isStale && media == Media::good) {
         return mayOpen;
     }
     if (media != Media::good || !now->period) {

@@ -146,6 +146,7 @@ private:
     Showing* find(Id id);
     const Showing* playing() const;
     const Showing* coming() const;
+    bool isAnyLeaving() const;
 
     Seconds nextOpening() const;
     Seconds losesPatience(const Showing& showing) const;

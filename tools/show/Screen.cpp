@@ -45,8 +45,9 @@ void keepAwake(Display* display)
 
 Screen::Screen(Look look) : look(look)
 {
-    XSetIOErrorExitHandler(
-        display(), [](Display*, void*) { lost = true; }, nullptr);
+    // Xlib's own handlers would print a line, and end the process without its destructors.
+    XSetIOErrorHandler([](Display*) { return 0; });
+    XSetIOErrorExitHandler(display(), [](Display*, void*) { lost = true; }, nullptr);
     isManager = takeManagersPlace();
     blank = blankCursor(display(), desktop.root());
     keepAwake(display());

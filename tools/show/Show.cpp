@@ -49,6 +49,8 @@ int takeSignals()
         }
     }
     sigprocmask(SIG_BLOCK, &set, nullptr);
+    // Nor does it matter to a showing that nobody reads what is said of it.
+    std::signal(SIGPIPE, SIG_IGN);
     return signalfd(-1, &set, SFD_NONBLOCK | SFD_CLOEXEC);
 }
 

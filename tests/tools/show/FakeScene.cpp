@@ -6,20 +6,16 @@
 //   status=N          ends with this status instead of opening a window
 //   stubborn          ignores q and SIGTERM
 //   children          has a child in its group, and one that has left it
-//   marks=FOLDER      a file in it for each start; when it holds a file "fail", the program ends at
-//                     the start with status 7
 
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
+#include <X11/cursorfont.h>
 #include <X11/keysym.h>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <poll.h>
 #include <string>
 #include <thread>
@@ -34,7 +30,6 @@ struct Behavior {
     int status = -1;
     bool isStubborn = false;
     bool hasChildren = false;
-    std::filesystem::path marks;
 };
 
 Behavior behaviorOf(int count, char** words)
@@ -47,8 +42,6 @@ Behavior behaviorOf(int count, char** words)
             behavior.opening = std::stod(value);
         } else if (word.starts_with("status=")) {
             behavior.status = std::stoi(value);
-        } else if (word.starts_with("marks=")) {
-            behavior.marks = value;
         } else if (word == "stubborn") {
             behavior.isStubborn = true;
         } else if (word == "children") {
@@ -83,9 +76,11 @@ public:
         }
         XSetWindowAttributes attributes{};
         attributes.event_mask = ExposureMask | KeyPressMask | FocusChangeMask;
+        attributes.bit_gravity = NorthWestGravity;
+        attributes.cursor = XCreateFontCursor(display, XC_left_ptr);
         window = XCreateWindow(display, DefaultRootWindow(display), 0, 0, 300, 200, 0,
-                               CopyFromParent, InputOutput, CopyFromParent, CWEventMask,
-                               &attributes);
+                               CopyFromParent, InputOutput, CopyFromParent,
+                               CWEventMask | CWBitGravity | CWCursor, &attributes);
         char name[] = "kelpix";
         char type[] = "Kelpix";
         XClassHint hint{name, type};
@@ -129,7 +124,10 @@ private:
     {
         XEvent event;
         XNextEvent(display, &event);
-        isExposed = isExposed || event.type == Expose;
+        if (event.type == Expose) {
+            isExposed = true;
+            draw();
+        }
         hasFocus = event.type == FocusIn || (hasFocus && event.type != FocusOut);
         if (event.type == KeyPress && hasFocus && !behavior.isStubborn) {
             hasEnded = XLookupKeysym(&event.xkey, 0) == XK_q;
@@ -148,12 +146,6 @@ private:
 int main(int argc, char** argv)
 {
     const Behavior behavior = behaviorOf(argc, argv);
-    if (!behavior.marks.empty()) {
-        std::ofstream(behavior.marks / ("start-" + std::to_string(getpid())));
-        if (std::filesystem::exists(behavior.marks / "fail")) {
-            return 7;
-        }
-    }
     if (behavior.isStubborn) {
         std::signal(SIGTERM, SIG_IGN);
     }

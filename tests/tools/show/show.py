@@ -1,0 +1,428 @@
+"""Has kelpix-show conduct a program, and looks at the screen ten times a second.
+
+Usage: show.py SHOW FAKE MEDIA_PROGRAM LAUNCHER TEST...
+FAKE: FakeScene, which has one color for each process; MEDIA_PROGRAM: kelpix-media; LAUNCHER: of the
+scene itself. TEST: names of classes. Needs an X server with a screen of 320 by 240, ffmpeg, and for
+Managed the window managers.
+Where KELPIX_PICTURES names a folder, the pictures of the scene are kept there.
+"""
+import contextlib
+import os
+import pathlib
+import re
+import shutil
+import signal
+import socket
+import subprocess
+import sys
+import tempfile
+import threading
+import time
+import unittest
+
+SHOW, FAKE, MEDIA_PROGRAM, LAUNCHER = sys.argv[1:5]
+PATIENCE = 240  # seconds, on a machine that does much else
+SIZE = (320, 240)
+
+
+def await_value(ask, what):
+    end = time.monotonic() + PATIENCE
+    while time.monotonic() < end:
+        answer = ask()
+        if answer:
+            return answer
+        time.sleep(0.05)
+    raise AssertionError(f"never: {what() if callable(what) else what}")
+
+
+def children(process):
+    try:
+        with open(f"/proc/{process}/task/{process}/children", encoding="ascii") as file:
+            return [int(word) for word in file.read().split()]
+    except OSError:
+        return []
+
+
+def marked(mark):
+    """The processes that have inherited a mark in their environment."""
+    found = []
+    for folder in pathlib.Path("/proc").glob("[0-9]*"):
+        with contextlib.suppress(OSError):
+            if mark.encode() in (folder / "environ").read_bytes():
+                found.append(int(folder.name))
+    return found
+
+
+class Shots:
+    """Pictures of the screen, ten a second, as bytes: red, green, blue. Use it in a with statement."""
+
+    def __init__(self, size=SIZE):
+        self.size = size
+        self.taken = []
+
+    def __enter__(self):
+        self.ffmpeg = subprocess.Popen(
+            ["ffmpeg", "-nostdin", "-loglevel", "error", "-f", "x11grab", "-draw_mouse", "1",
+             "-framerate", "10", "-video_size", "{}x{}".format(*self.size), "-i",
+             os.environ["DISPLAY"], "-f", "rawvideo", "-pix_fmt", "rgb24", "-"],
+            stdout=subprocess.PIPE)
+        self.thread = threading.Thread(target=self.read)
+        self.thread.start()
+        return self
+
+    def read(self):
+        length = 3 * self.size[0] * self.size[1]
+        for shot in iter(lambda: self.ffmpeg.stdout.read(length), b""):
+            if len(shot) == length and (not self.taken or self.taken[-1] != shot):
+                self.taken.append(shot)
+
+    def __exit__(self, *_):
+        self.ffmpeg.terminate()
+        self.thread.join()
+        self.ffmpeg.stdout.close()
+        self.ffmpeg.wait()
+
+    def colors(self):
+        """Of the different shots in their order: the color where all is of one, else None."""
+        return [shot[:3] if shot == shot[:3] * (len(shot) // 3) else None for shot in self.taken]
+
+
+class Running:
+    """A kelpix-show. Use it in a with statement, which ends it."""
+
+    def __init__(self, *arguments, **environment):
+        self.folder = tempfile.TemporaryDirectory()
+        self.log_file = pathlib.Path(self.folder.name, "log")
+        self.status_file = pathlib.Path(self.folder.name, "status")
+        self.mark = f"KELPIX_SHOW_TEST={os.getpid()}-{time.monotonic_ns()}"
+        name, value = self.mark.split("=")
+        environment = dict(os.environ, **environment, **{name: value})
+        # Another one that has died must be found in an hour, not in a moment of much load.
+        patience = [] if "--patience" in arguments else ["--patience", "60"]
+        with open(self.log_file, "w", encoding="utf-8") as log:
+            self.process = subprocess.Popen(
+                [SHOW, "--status", self.status_file, *patience, *arguments],
+                stdout=log, stderr=log, env=environment)
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.process.kill()
+        self.process.wait()
+        for process in marked(self.mark):
+            with contextlib.suppress(ProcessLookupError):
+                os.kill(process, signal.SIGKILL)
+        self.folder.cleanup()
+
+    def log(self):
+        return self.log_file.read_text(encoding="utf-8")
+
+    def await_line(self, text):
+        await_value(lambda: text in self.log(), lambda: f"{text} in\n{self.log()}")
+
+    def status(self):
+        """The fields of the status file."""
+        with contextlib.suppress(OSError):
+            line = self.status_file.read_text(encoding="utf-8")
+            assert line.count("\n") == 1 and line[-1] == "\n", line
+            return dict(re.findall(r'(\w+)=("(?:\\.|[^"])*"|\S+)', line))
+        return {}
+
+    def await_showing(self, number):
+        self.await_line(f"kelpix-show: showing {number} plays\n")
+        await_value(lambda: int(self.status().get("showing", 0)) >= number, "its status")
+
+    def scene(self):
+        """The one process of the showing in front, once the one before has gone."""
+        def only():
+            found = children(self.process.pid)
+            return found if len(found) == 1 else None
+        return await_value(only, lambda: f"one process, not {children(self.process.pid)}")[0]
+
+    def end(self, by=signal.SIGTERM):
+        """Ends it. Returns its exit status, and the processes that it has left."""
+        self.process.send_signal(by)
+        status = self.process.wait(PATIENCE)
+        return status, marked(self.mark)
+
+
+class Look(unittest.TestCase):
+    """Looks at the colors of the screen."""
+
+    def assert_never_empty(self, shots, least):
+        """From the first showing on the whole screen has the color of one showing, of at least so
+        many, and no color comes back."""
+        colors = shots.colors()
+        black = bytes(3)
+        while colors and colors[0] in (black, None):
+            colors.pop(0)
+        self.assertEqual(len(colors), len(set(colors)), colors)
+        self.assertGreaterEqual(len(colors), least, colors)
+        self.assertNotIn(black, colors)
+        self.assertNotIn(None, colors)
+
+
+class Show(Look):
+    def test_three_showings_in_a_row_and_one_that_hangs(self):
+        with Shots() as shots, Running("--every", "5", "--fullscreen", "--patience", "10", "--",
+                                       FAKE) as show:
+            show.await_showing(3)
+            self.assertEqual(show.status()["faults"], "0")
+            self.assertEqual(show.status()["rate"], "20.0")
+            # The last frame of that which is stopped stays until the next one is in front.
+            os.kill(show.scene(), signal.SIGSTOP)
+            show.await_showing(4)
+            await_value(lambda: len({color for color in shots.colors() if color}) >= 5, shots.colors)
+            self.assertEqual(show.end(), (0, []))
+        # All seen, but for the black after the end.
+        shots.taken = [shot for shot in shots.taken if shot[:3] != bytes(3) or shot is shots.taken[0]]
+        self.assert_never_empty(shots, 4)
+
+    def test_a_showing_that_is_killed_is_replaced(self):
+        with Running("--fullscreen", "--", FAKE) as show:
+            show.await_showing(1)
+            first = show.scene()
+            os.kill(first, signal.SIGKILL)
+            show.await_showing(2)
+            self.assertNotEqual(show.scene(), first)
+            self.assertEqual(show.status()["faults"], "1")
+            self.assertRegex(show.status()["last_fault"], "^\"the program ended by signal 9 ")
+            # A visitor's key is no fault.
+            second = show.scene()
+            window = subprocess.run(["xdotool", "search", "--name", "^kelpix"], check=True,
+                                    stdout=subprocess.PIPE, text=True).stdout.split()[0]
+            subprocess.run(["xdotool", "windowfocus", "--sync", window, "key", "q"], check=True)
+            show.await_showing(3)
+            self.assertNotEqual(show.scene(), second)
+            self.assertEqual(show.status()["faults"], "1")
+
+    def test_nothing_is_left_when_it_ends(self):
+        for by in signal.SIGTERM, signal.SIGINT, signal.SIGHUP:
+            with self.subTest(by=by), Running("--", FAKE, "stubborn", "children") as show:
+                show.await_showing(1)
+                await_value(lambda: len(marked(show.mark)) == 4, "its four processes")
+                self.assertEqual(show.end(by), (0, []))
+
+    def test_one_that_is_stopped_ends_too(self):
+        with Running("--", FAKE) as show:
+            show.await_showing(1)
+            os.kill(show.scene(), signal.SIGSTOP)
+            self.assertEqual(show.end(), (0, []))
+
+    def test_the_scene_does_not_outlive_it(self):
+        with Running("--", FAKE) as show:
+            show.await_showing(1)
+            show.process.kill()
+            show.process.wait()
+            await_value(lambda: not marked(show.mark), "all gone")
+
+    def test_repeated_quick_ends_are_slowed_down(self):
+        for command, end in ([FAKE, "status=3"], "status 3"), (["no-such-program"], "status 127"):
+            with self.subTest(command=command), Running("--", *command) as show:
+                show.await_line("3 times in a row: the next start in 4 s")
+                self.assertIn(f"kelpix-show: the program ended with {end} before it was in front\n",
+                              show.log())
+                self.assertEqual(show.end(), (0, []))
+        self.assertEqual(show.log_file.exists(), False)
+
+    def test_it_ends_with_the_x_server(self):
+        server = subprocess.Popen(["Xvfb", "-displayfd", "1", "-noreset", "-nolisten", "tcp"],
+                                  stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+        try:
+            display = ":" + server.stdout.readline().strip()
+            with Running("--", FAKE, DISPLAY=display) as show:
+                show.await_showing(1)
+                server.terminate()
+                self.assertEqual(show.process.wait(PATIENCE), 1)
+                self.assertEqual(marked(show.mark), [])
+                self.assertIn("kelpix-show: the X server has gone\n", show.log())
+        finally:
+            server.kill()
+            server.wait()
+            server.stdout.close()
+
+    def test_a_monitor_of_its_own(self):
+        subprocess.run(["xrandr", "--setmonitor", "left", "160/40x240/60+0+0", "screen"], check=True)
+        subprocess.run(["xrandr", "--setmonitor", "right", "160/40x240/60+160+0", "none"], check=True)
+        try:
+            with Running("--fullscreen", "--screen", "1", "--", FAKE) as show, Shots() as shots:
+                show.await_showing(1)
+                await_value(lambda: shots.taken and shots.taken[-1][-3:] != bytes(3), "a shot")
+            row = shots.taken[-1][:3 * SIZE[0]]
+            self.assertEqual(row[:3 * 160], bytes(3 * 160))
+            self.assertEqual(row[3 * 160:], row[-3:] * 160)
+            with Running("--fullscreen", "--screen", "2", "--", FAKE) as show:
+                self.assertEqual(show.process.wait(PATIENCE), 1)
+                self.assertEqual(show.log(), "kelpix-show: there is no monitor 2: the X server has 2, "
+                                             "counted from 0\n")
+        finally:
+            for name in "left", "right":
+                subprocess.run(["xrandr", "--delmonitor", name], check=True)
+
+    def test_the_service_manager_hears_of_it(self):
+        with tempfile.TemporaryDirectory() as folder, \
+                socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM) as manager:
+            address = f"{folder}/notify"
+            manager.bind(address)
+            manager.settimeout(PATIENCE)
+            with Running("--", FAKE, NOTIFY_SOCKET=address, WATCHDOG_USEC="200000",
+                         WATCHDOG_PID="1") as show:
+                show.await_showing(1)
+                scene = pathlib.Path(f"/proc/{show.scene()}/environ").read_bytes()
+                self.assertNotIn(b"NOTIFY_SOCKET", scene)
+                self.assertNotIn(b"WATCHDOG", scene)
+                show.process.terminate()
+                heard = []
+                while "STOPPING=1" not in heard:
+                    heard.append(manager.recv(4096).decode())
+                self.assertEqual(heard[0], "READY=1")
+                self.assertGreater(heard.count("WATCHDOG=1"), 1)
+                self.assertTrue([text for text in heard if text.startswith("STATUS=time=")
+                                 and " showing=1 rate=20.0 " in text], heard)
+                self.assertEqual(show.process.wait(PATIENCE), 0)
+
+    def test_what_makes_no_sense_is_refused(self):
+        for arguments, status, line in [
+                (["--zoom", "30"], 2, "--zoom takes a whole number from -20 to 20, not \"30\""),
+                (["--media", "/no/such"], 1, "no media in /no/such: there is no data/mocap.txt; "
+                                             "\"kelpix-media --out DIR\" makes some, --media DIR "
+                                             "plays them")]:
+            result = subprocess.run([SHOW, *arguments], stderr=subprocess.PIPE, text=True)
+            self.assertEqual(result.returncode, status)
+            self.assertEqual(result.stderr.split("\n")[0], f"kelpix-show: {line}")
+        result = subprocess.run([SHOW, "--", FAKE], stderr=subprocess.PIPE, text=True,
+                                env={**os.environ, "DISPLAY": ""})
+        self.assertEqual((result.returncode, result.stderr),
+                         (1, "kelpix-show: the display cannot be opened\n"))
+
+
+class Media(unittest.TestCase):
+    """A folder that is changed while it is shown."""
+
+    def test_it_begins_anew_with_good_media_alone(self):
+        with tempfile.TemporaryDirectory() as name:
+            folder = pathlib.Path(name, "reef")
+            subprocess.run([MEDIA_PROGRAM, "--out", folder, "--seconds", "5", "--water", "64"],
+                           check=True, stdout=subprocess.DEVNULL)
+            path = f"{pathlib.Path(MEDIA_PROGRAM).parent}:{os.environ['PATH']}"
+            with Running("--media", folder, "--", FAKE, PATH=path) as show:
+                # The voice of five seconds tells when.
+                show.await_showing(2)
+                index = folder / "data/mocap.txt"
+                good = index.read_text(encoding="utf-8")
+                index.write_text("no index", encoding="utf-8")
+                show.await_line("kelpix-show: the media have changed, but cannot be shown as they are")
+                self.assertIn("data/mocap.txt: ", show.log())
+                scene = show.scene()
+                # Well beyond its period: it would have been replaced.
+                time.sleep(8)
+                self.assertEqual(show.scene(), scene)
+
+                index.write_text(good, encoding="utf-8")
+                show.await_line("kelpix-show: the media have changed: the next showing plays them\n")
+                await_value(lambda: scene not in children(show.process.pid), "the next showing")
+                self.assertEqual(show.status()["faults"], "0")
+                # The whole folder is exchanged.
+                folder.rename(pathlib.Path(name, "old"))
+                shutil.copytree(pathlib.Path(name, "old"), folder)
+                await_value(lambda: show.log().count("plays them\n") == 2, show.log)
+
+
+class Managed(Look):
+    """Under window managers: one that stacks windows, and one that tiles them."""
+
+    def check(self, *manager):
+        with tempfile.TemporaryDirectory() as folder, \
+                open(f"{folder}/log", "w", encoding="utf-8") as log:
+            config = pathlib.Path(folder, "config")
+            config.write_text("# i3 config file (v4)\nfont pango:monospace 8\n", encoding="utf-8")
+            manager = [str(config) if word == "CONFIG" else word for word in manager]
+            process = subprocess.Popen(manager, stdout=log, stderr=log,
+                                       env=dict(os.environ, HOME=folder))
+            try:
+                await_value(lambda: "window id" in subprocess.run(
+                    ["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"], check=True,
+                    stdout=subprocess.PIPE, text=True).stdout, "the window manager")
+                with Shots() as shots, Running("--every", "5", "--fullscreen", "--", FAKE) as show:
+                    show.await_showing(1)
+                    # From here on: the manager shows the first window as it likes.
+                    await_value(lambda: shots.taken and shots.colors()[-1] not in (None, bytes(3)),
+                                "a full screen")
+                    first = len(shots.taken) - 1
+                    await_value(lambda: len(set(shots.colors()[first:])) >= 4, shots.colors)
+                    colors = shots.colors()[first:]
+                self.assertEqual(len(colors), len(set(colors)), colors)
+                self.assertNotIn(None, colors)
+                self.assertNotIn(bytes(3), colors)
+            finally:
+                process.terminate()
+                process.wait()
+
+    def test_openbox(self):
+        self.check("openbox", "--config-file", "/etc/xdg/openbox/rc.xml")
+
+    def test_i3(self):
+        self.check("i3", "-c", "CONFIG")
+
+
+class Scene(unittest.TestCase):
+    """The scene itself."""
+
+    def test_three_showings_of_a_short_voice(self):
+        with tempfile.TemporaryDirectory() as name:
+            folder = pathlib.Path(name, "reef")
+            subprocess.run([MEDIA_PROGRAM, "--out", folder, "--seconds", "8"], check=True,
+                           stdout=subprocess.DEVNULL)
+            with Shots() as shots, Running("--media", folder, "--fullscreen", "--zoom", "3",
+                                           "--patience", "120", "--", LAUNCHER, folder) as show:
+                show.await_showing(1)
+                await_value(lambda: shots.taken and self.is_scene(shots.taken[-1]), "the scene")
+                first = len(shots.taken) - 1
+                show.await_showing(3)
+                self.assertGreater(int(show.status()["memory_mib"]), 100)
+                self.assertEqual(show.status()["faults"], "0")
+                taken = shots.taken[first:]
+                self.assertEqual(show.end(), (0, []))
+        self.assertGreater(len(taken), 30)
+        pictures = os.environ.get("KELPIX_PICTURES")
+        for number, shot in enumerate(taken):
+            if pictures:
+                pathlib.Path(pictures, f"shot{number:04}.ppm").write_bytes(
+                    "P6 {} {} 255\n".format(*SIZE).encode() + shot)
+            self.assertTrue(self.is_scene(shot), number)
+
+    @staticmethod
+    def is_scene(shot):
+        """Whether there is water everywhere, or a fish: nothing is black, nor the clear color."""
+        pixels = [shot[i:i + 3] for i in range(0, len(shot), 3 * 7)]
+        return sum(pixel in (bytes(3), bytes((5, 26, 38))) for pixel in pixels) < 0.05 * len(pixels)
+
+
+class Long(unittest.TestCase):
+    def test_memory_after_fifty_showings(self):
+        def size(process):
+            with open(f"/proc/{process}/status", encoding="ascii") as file:
+                return int(re.search(r"VmRSS:\s+(\d+)", file.read()).group(1))
+
+        def files(process):
+            return len(os.listdir(f"/proc/{process}/fd"))
+
+        with Running("--every", "5", "--fullscreen", "--", FAKE) as show:
+            end = time.monotonic() + 50 * 30
+            seen = {}
+            while show.status().get("showing") != "50":
+                self.assertLess(time.monotonic(), end, show.log())
+                number = show.status().get("showing")
+                if number == "10" and not seen:
+                    seen = {"size": size(show.process.pid), "files": files(show.process.pid)}
+                time.sleep(0.2)
+            self.assertLessEqual(size(show.process.pid), seen["size"] + 256)
+            self.assertEqual(files(show.process.pid), seen["files"])
+            self.assertEqual(show.status()["faults"], "0")
+            show.scene()
+            self.assertEqual(show.end(), (0, []))
+
+
+if __name__ == "__main__":
+    unittest.main(argv=[sys.argv[0], *sys.argv[5:]])
