@@ -1,6 +1,7 @@
 #include "Desktop.h"
 
 #include <X11/Xatom.h>
+#include <X11/Xutil.h>
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -69,12 +70,30 @@ std::optional<double> Desktop::rate(Window window) const
     return std::strtod(text.c_str() + BEFORE.size(), nullptr);
 }
 
-bool Desktop::managerKnows(const char* hint) const
+Window Desktop::manager() const
 {
     constexpr const char* MANAGER = "_NET_SUPPORTING_WM_CHECK";
-    const auto manager = numbers(root(), MANAGER, XA_WINDOW);
+    const auto found = numbers(root(), MANAGER, XA_WINDOW);
     // The hints of a window manager that has ended may still be there. Its window is not.
-    if (manager.empty() || numbers(manager[0], MANAGER, XA_WINDOW) != manager) {
+    return !found.empty() && numbers(found[0], MANAGER, XA_WINDOW) == found ? found[0] : None;
+}
+
+std::string Desktop::managersName() const
+{
+    const Window window = manager();
+    XTextProperty name{};
+    std::string text;
+    if (window != None && XGetTextProperty(display(), window, &name, atom("_NET_WM_NAME")) != 0 &&
+        name.value != nullptr) {
+        text = reinterpret_cast<const char*>(name.value);
+        XFree(name.value);
+    }
+    return text;
+}
+
+bool Desktop::managerKnows(const char* hint) const
+{
+    if (manager() == None) {
         return false;
     }
     const auto hints = numbers(root(), "_NET_SUPPORTED", XA_ATOM);

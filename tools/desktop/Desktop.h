@@ -35,6 +35,9 @@ public:
     ///         first frame on; none for any other title
     std::optional<double> rate(Window window) const;
 
+    /// \return the name of the window manager, empty when there is none
+    std::string managersName() const;
+
     /// Whether there is a window manager that understands this hint.
     bool managerKnows(const char* hint) const;
 
@@ -54,6 +57,7 @@ public:
 
 private:
     std::string title(Window window) const;
+    Window manager() const;
 
     std::unique_ptr<Display, int (*)(Display*)> connection;
     Window rootWindow = None;

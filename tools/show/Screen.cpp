@@ -15,6 +15,9 @@ namespace {
 
 constexpr long TO_ITS_PROGRAM = NoEventMask; // an event: not to the window manager as well
 constexpr const char* FULLSCREEN = "_NET_WM_STATE_FULLSCREEN";
+// What a kiosk's compositor calls itself. It gives each window the whole screen, but not before it
+// has shown it as it opened.
+constexpr const char* ONE_WINDOW_MANAGER = "wlroots wm";
 constexpr const char* ABOVE = "_NET_WM_STATE_ABOVE";
 
 bool refused = false; // the X server has refused a request
@@ -47,9 +50,14 @@ Screen::Screen(Look look) : look(look)
 {
     // Xlib's own handlers would print a line, and end the process without its destructors.
     XSetIOErrorHandler([](Display*) { return 0; });
-    XSetIOErrorExitHandler(display(), [](Display*, void*) { lost = true; }, nullptr);
-    isManager = takeManagersPlace();
+    XSetIOErrorExitHandler(
+        display(), [](Display*, void*) { lost = true; }, nullptr);
     blank = blankCursor(display(), desktop.root());
+    if (takeManagersPlace()) {
+        ground = desktop.root();
+    } else if (desktop.managersName() == ONE_WINDOW_MANAGER) {
+        ground = makeGround();
+    }
     keepAwake(display());
     fullScreen(); // throws when there is no such monitor
     XSync(display(), False);
@@ -78,9 +86,30 @@ bool Screen::takeManagersPlace()
     return !refused;
 }
 
+Window Screen::makeGround()
+{
+    XSetWindowAttributes attributes{};
+    attributes.background_pixel = BlackPixel(display(), DefaultScreen(display()));
+    attributes.cursor = blank;
+    attributes.event_mask = StructureNotifyMask | SubstructureNotifyMask | SubstructureRedirectMask;
+    const Window window =
+        XCreateWindow(display(), desktop.root(), 0, 0, 640, 480, 0, CopyFromParent, InputOutput,
+                      CopyFromParent, CWBackPixel | CWCursor | CWEventMask, &attributes);
+    char name[] = "kelpix-show";
+    char type[] = "Kelpix";
+    XClassHint hint{name, type};
+    XSetClassHint(display(), window, &hint);
+    XStoreName(display(), window, name);
+    XMapWindow(display(), window);
+    return window;
+}
+
 Screen::Place Screen::fullScreen() const
 {
-    if (look.monitor || !isManager) {
+    if (hasOwnGround()) {
+        return placeOf(ground);
+    }
+    if (look.monitor || ground == None) {
         int count = 0;
         XRRMonitorInfo* const monitors = XRRGetMonitors(display(), desktop.root(), True, &count);
         const int wanted = look.monitor.value_or(0);
@@ -119,6 +148,11 @@ Screen::Scene* Screen::recognize(Window window,
         return nullptr;
     }
     XDefineCursor(display(), window, blank);
+    if (hasOwnGround()) {
+        XReparentWindow(display(), window, ground, 0, 0);
+        place(window);
+        XLowerWindow(display(), window);
+    }
     scenes.push_back({window, *showing, {}});
     return &scenes.back();
 }
@@ -174,8 +208,8 @@ void Screen::read(const std::function<std::optional<Id>(pid_t)>& whose,
             break;
         case ConfigureNotify:
             // The screen has another size.
-            if (event.xconfigure.window == desktop.root() && isManager) {
-                XRRUpdateConfiguration(&event);
+            XRRUpdateConfiguration(&event);
+            if (event.xconfigure.window == ground) {
                 for (const Scene& scene : scenes) {
                     place(scene.window);
                 }
@@ -191,7 +225,7 @@ void Screen::read(const std::function<std::optional<Id>(pid_t)>& whose,
 void Screen::appear(const Scene* scene) const
 {
     if (scene != nullptr) {
-        if (!isManager) {
+        if (ground == None) {
             place(scene->window);
         }
         wake(scene->window);
@@ -200,9 +234,9 @@ void Screen::appear(const Scene* scene) const
 
 void Screen::place(Window window) const
 {
-    if (look.fullscreen) {
+    if (isFullscreen()) {
         const Place full = fullScreen();
-        if (isManager) {
+        if (ground != None) {
             XMoveResizeWindow(display(), window, full.x, full.y, static_cast<unsigned>(full.width),
                               static_cast<unsigned>(full.height));
         } else {
@@ -210,7 +244,7 @@ void Screen::place(Window window) const
             removeDecorations(window);
             askForPlace(window, full);
         }
-    } else if (!isManager) {
+    } else if (ground == None) {
         // That of the showing before.
         const Scene& first = scenes.front();
         if (first.window != window) {
@@ -298,7 +332,7 @@ void Screen::dress(Id showing) const
 void Screen::raise(Id showing) const
 {
     forEach(showing, [&](Window window) {
-        if (isManager) {
+        if (ground != None) {
             XRaiseWindow(display(), window);
             XSetInputFocus(display(), window, RevertToPointerRoot, CurrentTime);
             return;

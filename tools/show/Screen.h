@@ -16,7 +16,8 @@ namespace show {
 ///
 /// Where there is a window manager, it is asked for what is needed. Where there is none, this takes
 /// its place: a window that wants to be mapped is then placed and lowered before it is mapped, so
-/// that nothing of it is seen too early.
+/// that nothing of it is seen too early. A compositor that only shows one window is shown a window
+/// of this, and the windows of the showings in it, always full screen.
 ///
 /// A full-screen window gets the monitor of the look; without one it gets the first monitor under a
 /// window manager, and else the whole X screen with all its monitors.
@@ -63,12 +64,17 @@ private:
 
     Desktop desktop;
     Look look;
-    bool isManager = false; ///< there is no window manager but this
     Cursor blank = None;
+    /// Where this places and stacks the windows itself: the root, or a window of its own; None =
+    /// the window manager does.
+    Window ground = None;
     std::vector<Scene> scenes;
 
     Display* display() const { return desktop.display(); }
+    bool hasOwnGround() const { return ground != None && ground != desktop.root(); }
+    bool isFullscreen() const { return look.fullscreen || hasOwnGround(); }
     bool takeManagersPlace();
+    Window makeGround();
     Place fullScreen() const;
     Scene* recognize(Window window, const std::function<std::optional<Id>(pid_t)>& whose);
     void appear(const Scene* scene) const;
