@@ -64,7 +64,7 @@ set(CPACK_DEBIAN_KELPIX_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_KELPIX_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_KELPIX_PACKAGE_DEPENDS fonts-comic-neue) # for kelpix-media
 set(CPACK_DEBIAN_KELPIX_PACKAGE_RECOMMENDS ffmpeg) # encodes kelpix-record's films
-set(CPACK_DEBIAN_KELPIX_PACKAGE_SUGGESTS "alsa-utils, cage, xdotool, xinit, xwayland") # for the kiosk
+set(CPACK_DEBIAN_KELPIX_PACKAGE_SUGGESTS "alsa-utils, cage, xinit, xwayland") # for the kiosk
 set(CPACK_DEBIAN_KELPIX_DESCRIPTION "real-time underwater scene
 One hundred fish school in an OpenGL window, bubbles rise, and three figures
 dance a recorded dance in step with a voice. It plays its own media or any

@@ -31,6 +31,8 @@ ALLOWED = {
     "tools/commandline": [],
     "tools/record": ["src-math", "src-rates", "src-image", "src-core", "src-sound", "kelpix",
                      "tools/stage", "tools/commandline"],
+    "tools/desktop": [],
+    "tools/show": ["src-sound", "tools/stage", "tools/commandline", "tools/desktop"],
     "tools/soak": ["src-math", "src-image", "src-core", "src-sound", "kelpix", "tools/stage",
                    "tools/nullgl", "tools/commandline"],
     "tools/wall/layout": ["src-cluster"],

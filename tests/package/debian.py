@@ -106,7 +106,8 @@ class Packages(unittest.TestCase):
 
     def test_every_program_has_a_man_page(self):
         programs = {path.name for path in (USR / "bin").iterdir()}
-        self.assertEqual(programs, {"kelpix", "kelpix-media", "kelpix-record", "kelpix-soak"})
+        self.assertEqual(programs, {"kelpix", "kelpix-media", "kelpix-record", "kelpix-show",
+                                    "kelpix-soak"})
         self.assertEqual({path.name for path in (USR / "share/man/man1").iterdir()},
                          {f"{name}.1.gz" for name in programs})
 

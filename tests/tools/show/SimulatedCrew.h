@@ -8,12 +8,12 @@
 
 /// How a simulated program behaves.
 struct Plan {
-    show::Seconds opening = 2;   ///< from its start to its first frame
-    bool endsByKey = true;       ///< else it ignores the key
-    bool endsByTerm = true;      ///< else it ignores SIGTERM
-    show::Seconds ends = 1e9;    ///< after its start, by itself
+    show::Seconds opening = 2; ///< from its start to its first frame
+    bool endsByKey = true;     ///< else it ignores the key
+    bool endsByTerm = true;    ///< else it ignores SIGTERM
+    show::Seconds ends = 1e9;  ///< after its start, by itself
     show::End end = {true, "with status 1"};
-    show::Seconds hangs = 1e9;   ///< after its start
+    show::Seconds hangs = 1e9; ///< after its start
 };
 
 /// Programs and windows that are only numbers, on a clock that a test turns.
@@ -32,9 +32,9 @@ public:
 
     show::Conductor conductor;
     show::Seconds now = 0;
-    std::map<show::Id, Program> programs;  ///< those that run
-    std::map<show::Id, Plan> plans;        ///< of the showings to come; the others have Plan()
-    std::vector<show::Id> stack;           ///< the windows that were raised and are there, the top last
+    std::map<show::Id, Program> programs; ///< those that run
+    std::map<show::Id, Plan> plans;       ///< of the showings to come; the others have Plan()
+    std::vector<show::Id> stack; ///< the windows that were raised and are there, the top last
     std::vector<show::Seconds> starts;
     std::vector<show::Seconds> raises;
     std::vector<std::string> said;
@@ -42,9 +42,9 @@ public:
     std::vector<show::Id> settled;
     std::vector<show::Id> dressed;
     int checks = 0;
-    show::Seconds emptyFor = 0;    ///< how long no window was on top since the first one
-    show::Seconds frozenFor = 0;   ///< how long the top one's picture did not change
-    std::size_t most = 0;          ///< programs at once
+    show::Seconds emptyFor = 0;  ///< how long no window was on top since the first one
+    show::Seconds frozenFor = 0; ///< how long the top one's picture did not change
+    std::size_t most = 0;        ///< programs at once
 
     /// Lets time go by.
     void play(show::Seconds length)
