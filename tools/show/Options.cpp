@@ -39,8 +39,8 @@ std::vector<commandline::Option> tableOf(Options& options)
         {"--zoom", "N", "zooms in by N steps of the mouse wheel, -20 to 20",
          number(options.look.zoom, -MOST_ZOOM, MOST_ZOOM)},
         {"--screen", "N",
-         "with --fullscreen: on this monitor, counted from 0 as by\n"
-         "\"xrandr --listmonitors\"",
+         "with --fullscreen: on this monitor, counted from 0 as xrandr\n"
+         "lists them",
          optional(options.look.monitor, 0, MOST_MONITORS)},
         {"--status", "FILE", "where the status line goes, besides standard error",
          commandline::text(options.statusFile)},

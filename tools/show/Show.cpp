@@ -2,7 +2,7 @@
 
 #include "PartFile.h"
 #include "Printable.h"
-#include "Voice.h"
+#include "VoiceLength.h"
 
 #include <algorithm>
 #include <cmath>

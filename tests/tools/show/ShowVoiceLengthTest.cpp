@@ -1,6 +1,6 @@
 #include "OggFiles.h"
 #include "TempDirectory.h"
-#include "Voice.h"
+#include "VoiceLength.h"
 
 #include <gmock/gmock.h>
 
@@ -8,7 +8,7 @@ namespace {
 
 using show::voiceLength;
 
-class ShowVoiceTest : public testing::Test {
+class ShowVoiceLengthTest : public testing::Test {
 protected:
     TempDirectory folder;
 
@@ -19,13 +19,13 @@ protected:
     }
 };
 
-TEST_F(ShowVoiceTest, LastsAsLongAsItsSamplesTake)
+TEST_F(ShowVoiceLengthTest, LastsAsLongAsItsSamplesTake)
 {
     write(OggFiles::vorbis({.channels = 2, .rate = 22050, .samples = 33075}));
     EXPECT_EQ(voiceLength("."), 1.5);
 }
 
-TEST_F(ShowVoiceTest, AChainIsAsLongAsAllItsTracks)
+TEST_F(ShowVoiceLengthTest, AChainIsAsLongAsAllItsTracks)
 {
     const OggFiles::Tone tone{.rate = 8000, .samples = 4000};
     OggFiles::Tone next = tone;
@@ -34,7 +34,7 @@ TEST_F(ShowVoiceTest, AChainIsAsLongAsAllItsTracks)
     EXPECT_EQ(voiceLength("."), 1);
 }
 
-TEST_F(ShowVoiceTest, WhatCannotBePlayedHasNoLength)
+TEST_F(ShowVoiceLengthTest, WhatCannotBePlayedHasNoLength)
 {
     EXPECT_EQ(voiceLength("."), std::nullopt);
     write("no sound");

@@ -1,4 +1,4 @@
-#include "Voice.h"
+#include "VoiceLength.h"
 
 #include "OggFile.h"
 
