@@ -86,6 +86,7 @@ End endOf(int status)
         dup2(output, STDERR_FILENO);
     }
     std::vector<char*> words;
+    words.reserve(command.size() + 1);
     for (const std::string& word : command) {
         words.push_back(const_cast<char*>(word.c_str()));
     }
