@@ -39,7 +39,8 @@ class Kiosk(unittest.TestCase):
     def test_the_unit_is_valid(self):
         units = self.folder / "units"
         units.mkdir()
-        shutil.copy(KIOSK / "kelpix-kiosk.service", units)
+        text = (KIOSK / "kelpix-kiosk.service").read_text().replace("/usr/libexec", f"{USR}/libexec")
+        (units / "kelpix-kiosk.service").write_text(text)
         result = subprocess.run(
             ["systemd-analyze", "verify", "--man=no", units / "kelpix-kiosk.service"],
             stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
