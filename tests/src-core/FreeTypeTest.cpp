@@ -398,6 +398,32 @@ TEST_F(FreeTypeTest, ASecondInitTakesTheNamesOfTheNewContext)
     glDeleteTextures(128, textures.data());
 }
 
+TEST_F(FreeTypeTest, ASingleCharacterIsMadeAsInitMakesIt)
+{
+    font.init(FONT, POINTS);
+    const auto cornersOf = [this] {
+        std::vector<float> numbers;
+        for (const Quad& quad : quadsOf(font, 'A')) {
+            for (const Corner& corner : quad) {
+                numbers.insert(numbers.end(), {corner.x, corner.y});
+            }
+        }
+        return numbers;
+    };
+    const std::vector<float> corners = cornersOf();
+    GLint width = 0;
+    GLint height = 0;
+    const Bytes image = texels(font.textures['A'], width, height);
+    glDeleteLists(font.list_base + 'A', 1);
+    const unsigned char black[4] = {};
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 1, 1, 0, GL_RGBA, GL_UNSIGNED_BYTE, black);
+
+    Reference reference(POINTS);
+    freetype::make_dlist(reference.face, 'A', font.list_base, font.textures);
+    EXPECT_EQ(cornersOf(), corners);
+    EXPECT_EQ(texels(font.textures['A'], width, height), image);
+}
+
 TEST_F(FreeTypeTest, OnlyTheCharactersOf7BitsHaveLists)
 {
     font.init(FONT, POINTS);

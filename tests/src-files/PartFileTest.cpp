@@ -62,6 +62,17 @@ TEST(PartFileTest, SaysWhyItCannotBeWritten)
               "cannot write file/film.mp4: Not a directory");
 }
 
+TEST(PartFileTest, SaysWhyItCannotGetItsName)
+{
+    const TempDirectory folder;
+    PartFile part("film.mp4");
+    fs::create_directory("film.mp4");
+    EXPECT_EQ(errorOf([&] { part.keep(); }), "cannot write film.mp4: Is a directory");
+    EXPECT_TRUE(fs::exists("film.part.mp4"));
+    part.discard();
+    EXPECT_FALSE(fs::exists("film.part.mp4"));
+}
+
 TEST(PartFileTest, DoesNotWaitForAPipe)
 {
     const TempDirectory folder;

@@ -204,6 +204,16 @@ TEST(FontFileTest, TheTexturesOfAllGlyphsTogetherAreBounded)
     EXPECT_EQ(errorOf([&] { font.glyph('A'); }), TOO_LARGE);
 }
 
+TEST(FontFileTest, ACollectionWhoseFontLiesBehindItsEndIsRefused)
+{
+    Bytes font = {'t', 't', 'c', 'f', 0, 1, 0, 0, 0, 0, 0, 1, 0x7f, 0xff, 0xff, 0xff};
+    font.resize(64);
+    const TempPath path(".ttc");
+    path.write(font);
+    EXPECT_EQ(errorOf([&] { FontFile(path.name(), 12); }),
+              "FT_New_Face failed (there is probably a problem with your font file)");
+}
+
 TEST(FontFileTest, AFileMayEndWithItsGlyphs)
 {
     // FreeType passes over the glyphs at first, to the end of the file.
