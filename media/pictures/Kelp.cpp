@@ -102,11 +102,11 @@ void Painter::plant(float x, float top)
 {
     constexpr int JOINTS = 60;
     const float phase = random.between(0, 6.28f);
-    const float sway = random.between(0.014f, 0.040f);
-    const float lean = random.between(-0.03f, 0.05f);
+    const float sway = random.between(0.018f, 0.046f);
+    const float lean = random.between(0.0f, 0.06f);
     const float height = forest.root - top;
     const auto stem = [&](float t) {
-        const float aside = lean * t * t + sway * t * std::sin(t * 5.2f + phase) +
+        const float aside = lean * t * t + sway * t * std::sin(t * 4.4f + phase) +
                             0.25f * sway * std::sin(t * 13 + 2 * phase);
         return Point{std::clamp(x + aside, light.sides().at(0.03f), light.sides().at(0.97f)),
                      forest.root - height * t};
@@ -159,7 +159,7 @@ void paintKelp(Canvas& canvas, const KelpForest& forest, const Light& light, Ran
                 (static_cast<float>(i) + random.between(0.1f, 0.9f)) / static_cast<float>(plants);
             // The tallest stand at the sides: the middle is kept free for the fish.
             const float lower = inward * inward * random.between(0.15f, 0.5f);
-            const float uneven = random.between(0, 0.16f);
+            const float uneven = random.between(0, 0.26f);
             const float place = mix(0.07f, forest.reach, inward);
             painter.plant(sides.at(right ? 1 - place : place), forest.top + lower + uneven);
         }

@@ -150,7 +150,7 @@ void frame(Canvas& canvas, const Panel& panel, std::uint32_t seed)
                               static_cast<float>(panel.fade);
             const Point p = canvas.center(x, y);
             const float uneven = clamp01(2.4f * fractal(p * 6, 4, seed + 70) - 0.7f);
-            const float shown = smoothstep(mix(0.001f, 0.025f, uneven), OUTER, column) *
+            const float shown = smoothstep(0.012f * uneven, mix(0.036f, OUTER, uneven), column) *
                                 smoothstep(0.06f, mix(0.8f, 1.4f, uneven), row);
             // The haze begins further in. Then through the blue of the deep, so that the end looks
             // like far water, not like a frame.
@@ -171,7 +171,7 @@ Canvas paintPanel(const Request& request, const Panel& panel)
         pixel = screen(light.water(p), light.surface(p));
     });
     const Shafts shafts(canvas, light);
-    std::uint64_t stream = 10;
+    std::uint64_t stream = 50;
     const auto plant = [&](const KelpForest& forest) {
         Canvas layer = canvas.another();
         paintKelp(layer, forest, light, Random(request.seed, stream++));
