@@ -25,10 +25,10 @@ class Flashes(unittest.TestCase):
         self.assertEqual(run.returncode, 0, run.stdout + run.stderr)
         self.assertRegex(run.stdout, r"(?m)^general +0 ")
         self.assertRegex(run.stdout, r"(?m)^red +0 ")
-        # The fish move, so something changes; how much is what docs/recording.md tells.
+        # The fish move, so something changes; the bound leaves the media room below the 25 %.
         largest = float(re.search(r"(?m)^general .* ([\d.]+) %$", run.stdout)[1])
         self.assertGreater(largest, 1)
-        self.assertLess(largest, 15)
+        self.assertLess(largest, 20)
         self.assertEqual(run.stdout.splitlines()[-1].partition(":")[0], "WCAG 2.3.1 is met")
 
     def test_bright_water_that_comes_and_goes_is_seen(self):
