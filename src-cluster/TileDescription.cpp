@@ -24,7 +24,7 @@ std::optional<TileProblem> TileDescription::parse(std::string_view bytes, const 
     records_ = std::make_unique<TileRecords>();
     lines_.clear();
 
-    const Files::MemoryWords words(bytes);
+    Files::MemoryWords words(bytes);
     // A word would end at it, unseen.
     if (const std::size_t at = bytes.find('\0'); at != std::string_view::npos) {
         return TileProblem{name, words.lineAt(at + 1), "there is a NUL character: no text"};

@@ -27,11 +27,18 @@ std::size_t MemoryWords::position() const
     return at > 0 ? static_cast<std::size_t>(at) : 0;
 }
 
-long MemoryWords::lineAt(std::size_t position) const
+long MemoryWords::lineAt(std::size_t position)
 {
     // The character after a word is read with it, and may be the end of its line.
-    const std::string_view before = text_.substr(0, position > 0 ? position - 1 : 0);
-    return 1 + static_cast<long>(std::count(before.begin(), before.end(), '\n'));
+    const std::size_t end = std::min(position > 0 ? position - 1 : 0, text_.size());
+    if (end < counted_) {
+        counted_ = 0;
+        ends_ = 0;
+    }
+    const std::string_view between = text_.substr(counted_, end - counted_);
+    ends_ += static_cast<long>(std::count(between.begin(), between.end(), '\n'));
+    counted_ = end;
+    return 1 + ends_;
 }
 
 } // namespace Files

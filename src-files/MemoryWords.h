@@ -29,16 +29,19 @@ public:
     /// \return how many bytes have been read
     std::size_t position() const;
 
+    /// Positions that grow from call to call take one pass over the text together.
     /// \return the line, counted from 1, of the word that ended at \p position; at the end of the
     ///         text its last line
-    long lineAt(std::size_t position) const;
+    long lineAt(std::size_t position);
 
     /// \return the line of the word that was read last
-    long line() const { return lineAt(position()); }
+    long line() { return lineAt(position()); }
 
 private:
     std::string_view text_;
     Handle file_;
+    std::size_t counted_ = 0; ///< characters whose ends of lines are counted
+    long ends_ = 0;           ///< of lines among them
 };
 
 /// Takes a whole word for a number: decimal digits, with a sign, and for a floating-point type

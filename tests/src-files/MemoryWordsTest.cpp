@@ -47,6 +47,8 @@ TEST(MemoryWordsTest, APositionHasItsLineLater)
     }
     EXPECT_EQ(words.lineAt(at), 2);
     EXPECT_EQ(words.lineAt(1000), 3) << "beyond the end";
+    EXPECT_EQ(words.lineAt(at), 2) << "and back";
+    EXPECT_EQ(words.lineAt(0), 1);
 }
 
 TEST(MemoryWordsTest, ANulDoesNotEndTheText)

@@ -69,7 +69,7 @@ public:
     /// Throws Refusal.
     void read();
 
-    long line() const { return words_.line(); }
+    long line() { return words_.line(); }
 
 private:
     Files::MemoryWords words_;

@@ -116,6 +116,18 @@ TEST(WallSettingsTest, OnlyDisplaysAreDisplays)
     EXPECT_EQ(problemOf("Wall Map 0 0 Display " + std::string(62, 'a') + ":0"), "");
 }
 
+TEST(WallSettingsTest, AFileOfManyWindowsIsReadInOnePass)
+{
+    std::string bytes = "Wall\n";
+    for (int column = 0; column < 60000; ++column) {
+        bytes += "Map " + std::to_string(column) + " 0\n";
+    }
+    WallSettings settings;
+    ASSERT_FALSE(parseWallSettings(bytes, "more", settings));
+    EXPECT_EQ(settings.windows.size(), 60000u);
+    EXPECT_EQ(settings.windows.at({59999, 0}).line, 60001);
+}
+
 TEST(WallSettingsTest, ALongWordIsNotCut)
 {
     WallSettings settings;
