@@ -158,8 +158,8 @@ void paintKelp(Canvas& canvas, const KelpForest& forest, const Light& light, Ran
             const float inward =
                 (static_cast<float>(i) + random.between(0.1f, 0.9f)) / static_cast<float>(plants);
             // The tallest stand at the sides: the middle is kept free for the fish.
-            const float lower = inward * inward * random.between(0.15f, 0.5f);
-            const float uneven = random.between(0, 0.26f);
+            const float lower = inward * random.between(0.30f, 0.55f);
+            const float uneven = random.between(0, 0.20f);
             const float place = mix(0.07f, forest.reach, inward);
             painter.plant(sides.at(right ? 1 - place : place), forest.top + lower + uneven);
         }

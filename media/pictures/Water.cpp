@@ -17,8 +17,8 @@ namespace {
 // front of the dunes, at the sides.
 constexpr KelpForest FAR_KELP[] = {{8, 0.36f, 0.070f, 0.86f, 0.18f, 0.88f, 0.0060f},
                                    {5, 0.25f, 0.085f, 0.89f, 0.12f, 0.72f, 0.0032f}};
-constexpr KelpForest NEAR_KELP[] = {{3, 0.18f, 0.100f, 0.93f, 0.12f, 0.52f, 0.0014f},
-                                    {3, 0.115f, 0.130f, 1.02f, 0.00f, 0.08f, 0}};
+constexpr KelpForest NEAR_KELP[] = {{3, 0.21f, 0.100f, 0.93f, 0.08f, 0.50f, 0.0014f},
+                                    {3, 0.17f, 0.130f, 1.02f, -0.04f, 0.08f, 0}};
 
 /// The color at the edge of the picture. The scene halves it, which gives (5, 26, 38): the color
 /// that a wide window shows beside the picture.
@@ -151,7 +151,7 @@ void frame(Canvas& canvas, const Panel& panel, std::uint32_t seed)
             const Point p = canvas.center(x, y);
             const float uneven = clamp01(2.4f * fractal(p * 6, 4, seed + 70) - 0.7f);
             const float shown = smoothstep(0.012f * uneven, mix(0.036f, OUTER, uneven), column) *
-                                smoothstep(0.06f, mix(0.8f, 1.4f, uneven), row);
+                                smoothstep(0.06f, mix(0.6f, 1.0f, uneven), row);
             // The haze begins further in. Then through the blue of the deep, so that the end looks
             // like far water, not like a frame.
             const Color far = mix(SURROUND, DEEP, smoothstep(0, 0.8f, shown));
@@ -171,7 +171,7 @@ Canvas paintPanel(const Request& request, const Panel& panel)
         pixel = screen(light.water(p), light.surface(p));
     });
     const Shafts shafts(canvas, light);
-    std::uint64_t stream = 50;
+    std::uint64_t stream = 10;
     const auto plant = [&](const KelpForest& forest) {
         Canvas layer = canvas.another();
         paintKelp(layer, forest, light, Random(request.seed, stream++));
