@@ -71,7 +71,8 @@ class Live(unittest.TestCase):
         with live("raw", stdout=subprocess.PIPE) as process:
             self.assertEqual(len(process.stdout.read(FRAME)), FRAME)
             process.stdout.close()
-            self.assertEqual(process.stderr.read(), b"")
+            # A busy machine may be late.
+            self.assertRegex(process.stderr.read().decode(), r"^(|[^\n]* slower than real time[^\n]*\n)$")
         self.assertEqual(process.returncode, 141)
 
     def test_a_signal_ends_it_while_its_reader_rests(self):
