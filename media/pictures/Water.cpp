@@ -9,6 +9,8 @@
 #include "Seabed.h"
 #include "VisibleWorld.h"
 
+#include <utility>
+
 namespace media {
 
 namespace {
@@ -30,8 +32,9 @@ constexpr Color DEEP = rgb(4, 84, 132);
 /// How much of the picture's width runs out on each side.
 constexpr float OUTER = 0.06f;
 
-/// Where the painting lies in the square picture of the file. Its points have y from 0 at the top
-/// of what the window shows to 1 at the bottom.
+/// Where the painting lies in the square picture of the file, which is the world. Its points have y
+/// from 0 at the top of what it is composed for to 1 at the bottom: of the world in the one set, of
+/// WIDE_VIEW in the other.
 struct Panel {
     int size;     ///< pixels of the file, in both directions
     int top;      ///< the first of its rows that is painted; the others are SURROUND
@@ -74,28 +77,27 @@ void forEachPixel(Canvas& canvas, Change change)
     }
 }
 
-/// The light of the shafts in each pixel, to be added to what is behind them.
+/// The shafts of sunlight, worked out once for each pixel.
 class Shafts {
 public:
     Shafts(Canvas& canvas, const Light& light)
     {
-        lights.reserve(static_cast<std::size_t>(canvas.width()) *
-                       static_cast<std::size_t>(canvas.height()));
-        forEachPixel(canvas, [&](Color&, Point p, std::size_t) {
-            lights.push_back(Light::shaftColor(p) * light.shafts(p));
-        });
+        strengths.reserve(static_cast<std::size_t>(canvas.width()) *
+                          static_cast<std::size_t>(canvas.height()));
+        forEachPixel(canvas,
+                     [&](Color&, Point p, std::size_t) { strengths.push_back(light.shafts(p)); });
     }
 
-    /// Adds them in front of all that is painted so far.
-    void shine(Canvas& canvas, float strength) const
+    /// Adds a share of their light in front of all that is painted so far.
+    void shine(Canvas& canvas, float share) const
     {
-        forEachPixel(canvas, [&](Color& pixel, Point, std::size_t number) {
-            pixel = screen(pixel, lights[number] * strength);
+        forEachPixel(canvas, [&](Color& pixel, Point p, std::size_t number) {
+            pixel = screen(pixel, Light::shaftColor(p) * (strengths[number] * share));
         });
     }
 
 private:
-    std::vector<Color> lights;
+    std::vector<float> strengths;
 };
 
 /// Adds specks that drift in the water and light up where the sun reaches them. Most are tiny, a
@@ -200,9 +202,13 @@ Canvas paintPanel(const Request& request, const Panel& panel)
 std::vector<File> makeWater(const Request& request)
 {
     const Panel panel(request);
-    Canvas picture(panel.size, panel.size);
-    forEachPixel(picture, [](Color& pixel, Point, std::size_t) { pixel = SURROUND; });
-    picture.copyRows(paintPanel(request, panel), panel.top);
+    Canvas picture = paintPanel(request, panel);
+    if (panel.rows < panel.size) {
+        Canvas whole(panel.size, panel.size);
+        forEachPixel(whole, [](Color& pixel, Point, std::size_t) { pixel = SURROUND; });
+        whole.copyRows(picture, panel.top);
+        picture = std::move(whole);
+    }
     const std::string side = std::to_string(panel.size);
     return {{"data/underwater.jpg", encodeJpeg(picture.toRgb(2), 90), side + " x " + side}};
 }

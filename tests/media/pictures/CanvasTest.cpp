@@ -49,6 +49,45 @@ TEST(CanvasTest, DrawLaysALayerOverAnother)
     EXPECT_FLOAT_EQ(under.at(0, 0).a, 1);
 }
 
+TEST(CanvasTest, IsOneUnitWideUnlessItIsToldOtherwise)
+{
+    const Canvas canvas(4, 2);
+    EXPECT_FLOAT_EQ(canvas.center(0, 0).x, 0.125f);
+    EXPECT_FLOAT_EQ(canvas.center(3, 1).x, 0.875f);
+    EXPECT_FLOAT_EQ(canvas.center(3, 1).y, 0.375f);
+    EXPECT_FLOAT_EQ(canvas.pixel({1, 0.5f}).x, 4);
+    EXPECT_FLOAT_EQ(canvas.pixel({1, 0.5f}).y, 2);
+}
+
+TEST(CanvasTest, MayBeginAnywhereInAnyScale)
+{
+    const Canvas canvas(8, 4, {-1, 0.5f}, 2);
+    EXPECT_FLOAT_EQ(canvas.center(0, 0).x, -0.75f);
+    EXPECT_FLOAT_EQ(canvas.center(0, 0).y, 0.75f);
+    EXPECT_FLOAT_EQ(canvas.pixel({0, 1}).x, 2);
+    EXPECT_FLOAT_EQ(canvas.pixel({0, 1}).y, 1);
+    const Canvas other = canvas.another();
+    EXPECT_EQ(other.width(), 8);
+    EXPECT_EQ(other.height(), 4);
+    EXPECT_FLOAT_EQ(other.unit(), 2);
+    EXPECT_FLOAT_EQ(other.center(0, 0).x, -0.75f);
+    EXPECT_EQ(other.at(7, 3).a, 0);
+}
+
+TEST(CanvasTest, CopyRowsTakesThePlaceOfWhatWasThere)
+{
+    Canvas canvas(2, 3);
+    canvas.blend(1, 0, {1, 0, 0, 1});
+    canvas.blend(1, 1, {1, 0, 0, 1});
+    Canvas row(2, 1);
+    row.blend(0, 0, {0, 1, 0, 1});
+    canvas.copyRows(row, 1);
+    EXPECT_EQ(canvas.at(1, 0).r, 1);
+    EXPECT_EQ(canvas.at(0, 1).g, 1);
+    EXPECT_EQ(canvas.at(1, 1).a, 0);
+    EXPECT_EQ(canvas.at(0, 2).a, 0);
+}
+
 TEST(CanvasTest, PaintAveragesTheSamplesOfAPixel)
 {
     Canvas canvas(1, 1);
