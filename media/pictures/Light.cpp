@@ -99,7 +99,7 @@ Color Light::surface(Point p) const
     const float bright = 0.35f + 0.65f * bump(p.x, sun.x, 0.40f * ends.width());
     const float crests = smoothstep(0.50f, 0.66f, swell);
     const float troughs = smoothstep(0.50f, 0.30f, swell);
-    return (Color{0.20f, 1.00f, 0.92f, 0} * (1.0f * net * crests + 0.5f * net) +
+    return (Color{0.12f, 1.00f, 0.92f, 0} * (1.0f * net * crests + 0.5f * net) +
             Color{0.10f, 0.80f, 0.70f, 0} * (0.5f * crests) +
             Color{0.02f, 0.16f, 0.10f, 0} * -troughs) *
            (near * bright);

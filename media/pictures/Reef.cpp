@@ -128,8 +128,8 @@ void paintReef(Canvas& canvas, const Light& light, Random random)
 {
     Gardener gardener(canvas, light, random);
     constexpr Color ROSE = rgb(255, 70, 150);
-    constexpr Color AMBER = rgb(255, 164, 50);
-    constexpr Color VIOLET = rgb(190, 90, 255);
+    constexpr Color AMBER = rgb(255, 172, 40);
+    constexpr Color VIOLET = rgb(196, 100, 255);
     constexpr Color CREAM = rgb(240, 225, 180);
     struct Patch {
         float x;
@@ -151,6 +151,9 @@ void paintReef(Canvas& canvas, const Light& light, Random random)
         {0.905f, 0.970f, 0.070f, ROSE, false, 0.06f},
         {0.965f, 0.955f, 0.060f, CREAM, false, 0.06f},
         {0.020f, 0.985f, 0.050f, CREAM, false, 0.04f},
+        {0.300f, 0.945f, 0.056f, AMBER, false, 0.06f},
+        {0.735f, 0.965f, 0.062f, VIOLET, false, 0.05f},
+        {0.350f, 0.975f, 0.040f, ROSE, true, 0.03f},
     };
     for (const Patch& patch : PATCHES) {
         const Point root{light.sides().at(patch.x), patch.y};

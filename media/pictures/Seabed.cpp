@@ -24,7 +24,7 @@ constexpr Dune DUNES[] = {
     {0.920f, 0.045f, 1.3f, 0.825f, 0.05f},
 };
 
-constexpr Color SAND_LIT = rgb(106, 244, 206);
+constexpr Color SAND_LIT = rgb(92, 244, 208);
 constexpr Color SAND_DARK = rgb(0, 134, 160);
 
 float ridge(const Dune& dune, float x, std::uint32_t seed)
