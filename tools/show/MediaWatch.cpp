@@ -1,5 +1,7 @@
 #include "MediaWatch.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <limits.h>
@@ -12,6 +14,12 @@
 namespace show {
 
 namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::array<const char*, 3> PARTS = {"data", "sound", "fonts"};
+
+} // namespace
 
 MediaWatch::MediaWatch(fs::path folder) : folder(std::move(folder))
 {
@@ -41,15 +49,32 @@ void MediaWatch::renew()
     }
     events = fresh;
     above = watch(folder.parent_path());
-    watch(folder);
-    std::error_code error;
-    for (fs::recursive_directory_iterator entry(folder, error), end; !error && entry != end;
-         entry.increment(error)) {
-        std::error_code unreadable;
-        if (entry->is_directory(unreadable)) {
-            watch(entry->path());
+    top = watch(folder);
+    for (const char* part : PARTS) {
+        watch(folder / part);
+        std::error_code error;
+        for (fs::recursive_directory_iterator entry(folder / part, error), end;
+             !error && entry != end; entry.increment(error)) {
+            std::error_code unreadable;
+            if (entry->is_directory(unreadable)) {
+                watch(entry->path());
+            }
         }
     }
+}
+
+bool MediaWatch::isOfMedia(const inotify_event& event) const
+{
+    if ((event.mask & IN_Q_OVERFLOW) != 0) {
+        return true; // nobody knows what has changed
+    }
+    // Without a name it is the watched folder itself.
+    const std::string name = event.len > 0 ? event.name : "";
+    if (event.wd == above) {
+        return name == folder.filename();
+    }
+    return event.wd != top || name.empty() ||
+           std::find(PARTS.begin(), PARTS.end(), name) != PARTS.end();
 }
 
 bool MediaWatch::read()
@@ -60,9 +85,7 @@ bool MediaWatch::read()
          size = ::read(events, buffer, sizeof buffer)) {
         for (const char* at = buffer; at < buffer + size;) {
             const auto* const event = reinterpret_cast<const inotify_event*>(at);
-            // Of its neighbors only its own name counts.
-            changed = changed || event->wd != above ||
-                      (event->len > 0 && folder.filename() == event->name);
+            changed = changed || isOfMedia(*event);
             at += sizeof *event + event->len;
         }
     }

@@ -2,10 +2,13 @@
 
 #include <filesystem>
 
+struct inotify_event;
+
 namespace show {
 
-/// Sees that something in a folder of media changes, at any depth: a file, its rights, or the whole
-/// folder when another one takes its name.
+/// Sees that the media in a folder change, which are in its folders data, sound and fonts, at any
+/// depth: a file, its rights, or a whole folder when another one takes its name. What else is in
+/// the folder may change unseen, such as a status file.
 class MediaWatch {
 public:
     /// \param folder  an absolute path; may be missing
@@ -29,8 +32,10 @@ private:
     std::filesystem::path folder;
     int events = -1;
     int above = -1; ///< the watch of the folder that holds the folder
+    int top = -1;   ///< the watch of the folder itself
 
     int watch(const std::filesystem::path& path) const;
+    bool isOfMedia(const inotify_event& event) const;
 };
 
 } // namespace show

@@ -104,8 +104,9 @@ void Show::run()
 int Show::timeout(Seconds now) const
 {
     Seconds until = std::min(conductor.due(), statusAt);
-    for (const Seconds time : {restAt, checkUntil}) {
-        until = time == NEVER ? until : std::min(until, time);
+    const Seconds media = checkUntil != NEVER ? checkUntil : restAt;
+    if (media != NEVER) {
+        until = std::min(until, media);
     }
     if (service.watchdog()) {
         until = std::min(until, aliveAt);

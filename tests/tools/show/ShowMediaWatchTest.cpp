@@ -40,10 +40,11 @@ TEST_F(ShowMediaWatchTest, SeesEachChangeOnce)
     const std::vector<std::function<void()>> changes = {
         [] { TempDirectory::write("reef/data/mocap.txt", "MOCAP 2"); },
         [] { TempDirectory::write("reef/data/new", ""); },
-        [] { fs::rename("beside", "reef/moved"); },
-        [] { fs::remove("reef/moved"); },
+        [] { fs::rename("beside", "reef/data/moved"); },
+        [] { fs::remove("reef/data/moved"); },
         [] { fs::permissions("reef/data/new", fs::perms::owner_read); },
         [] { fs::create_directory("reef/sound"); },
+        [] { fs::permissions("reef", fs::perms::owner_all); },
         [] { fs::rename("reef", "other"); },
         [] { fs::create_directory("reef"); },
     };
@@ -60,6 +61,7 @@ TEST_F(ShowMediaWatchTest, ReadingIsNoChange)
     MediaWatch watch(reef());
     std::ifstream("reef/data/mocap.txt").get();
     TempDirectory::write("beside", "its neighbors do not count");
+    TempDirectory::write("reef/status", "nor what is no media");
     EXPECT_FALSE(watch.read());
 }
 
@@ -87,7 +89,7 @@ TEST_F(ShowMediaWatchTest, ALinkToAnotherFolderIsAChange)
     fs::rename("next", "current");
     EXPECT_TRUE(watch.read());
     watch.renew();
-    TempDirectory::write("pond/file", "");
+    fs::create_directory("pond/data");
     EXPECT_TRUE(watch.read());
 }
 

@@ -7,6 +7,7 @@ Managed the window managers.
 Where KELPIX_PICTURES names a folder, the pictures of the scene are kept there.
 """
 import contextlib
+import ctypes
 import os
 import pathlib
 import re
@@ -165,7 +166,7 @@ class Look(unittest.TestCase):
 
 class Show(Look):
     def test_three_showings_in_a_row_and_one_that_hangs(self):
-        with Shots() as shots, Running("--every", "5", "--fullscreen", "--patience", "10", "--",
+        with Shots() as shots, Running("--every", "5", "--fullscreen", "--patience", "20", "--",
                                        FAKE) as show:
             show.await_showing(3)
             self.assertEqual(show.status()["faults"], "0")
@@ -241,6 +242,37 @@ class Show(Look):
             server.kill()
             server.wait()
             server.stdout.close()
+
+    def test_the_screen_stays_awake(self):
+        class Info(ctypes.Structure):
+            _fields_ = [("window", ctypes.c_ulong), ("state", ctypes.c_int), ("kind", ctypes.c_int),
+                        ("til_or_since", ctypes.c_ulong), ("idle", ctypes.c_ulong),
+                        ("event_mask", ctypes.c_ulong)]
+
+        x11, saver = ctypes.CDLL("libX11.so.6"), ctypes.CDLL("libXss.so.1")
+        x11.XOpenDisplay.restype = ctypes.c_void_p
+        saver.XScreenSaverAllocInfo.restype = ctypes.POINTER(Info)
+        display = ctypes.c_void_p(x11.XOpenDisplay(None))
+        root = x11.XDefaultRootWindow(display)
+        info = saver.XScreenSaverAllocInfo()
+
+        def is_dark():
+            saver.XScreenSaverQueryInfo(display, ctypes.c_ulong(root), info)
+            return info.contents.state == 1
+
+        try:
+            with Running("--", FAKE) as show:
+                show.await_showing(1)
+                subprocess.run(["xset", "s", "1"], check=True)
+                # Far beyond the second: it would be dark.
+                time.sleep(4)
+                self.assertFalse(is_dark())
+            subprocess.run(["xset", "s", "reset"], check=True)
+            await_value(is_dark, "a screen that goes dark without it")
+        finally:
+            subprocess.run(["xset", "s", "off", "s", "reset"], check=True)
+            x11.XFree(info)
+            x11.XCloseDisplay(display)
 
     def test_a_monitor_of_its_own(self):
         subprocess.run(["xrandr", "--setmonitor", "left", "160/40x240/60+0+0", "screen"], check=True)
