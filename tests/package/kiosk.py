@@ -89,19 +89,54 @@ class Kiosk(unittest.TestCase):
         self.assertEqual(image[4:6], (1, 1))  # width and height
         self.assertEqual(image[9:], (0,))
 
-    def test_one_showing_after_the_other_has_the_whole_screen(self):
-        # cage refuses to be root, and who is not may not be able to look into this build.
-        user = []
-        if os.geteuid() == 0:
-            user = ["setpriv", f"--reuid={NOBODY}", f"--regid={NOBODY}", "--clear-groups"]
-            os.chown(self.folder, NOBODY, NOBODY)
-        if subprocess.run([*user, "test", "-w", "/dev/shm"]).returncode != 0:
-            self.skipTest("there is no shared memory, in which pictures of the screen are handed over")
-        shutil.copytree(USR, self.folder / "usr")
+    def test_cages_own_pointer_cannot_be_seen(self):
+        # On an X server cage has a pointer, whatever is plugged in.
+        user = self.nobody()
+        runtime = self.runtime(user)
+        name, theme = unit("Environment").replace("/usr", str(USR)).split("=")
+
+        def pointer():
+            """Whether the picture of the screen has a pixel that is not black."""
+            picture = subprocess.run(
+                ["ffmpeg", "-nostdin", "-loglevel", "error", "-f", "x11grab", "-draw_mouse", "1",
+                 "-video_size", "1280x1024", "-i", os.environ["DISPLAY"], "-frames:v", "1",
+                 "-f", "rawvideo", "-pix_fmt", "gray", "-"], check=True, stdout=subprocess.PIPE)
+            return max(picture.stdout) > 32
+
+        for changes, is_seen in ({}, True), ({name: theme}, False):
+            process = self.start([*user, "cage", "--", "sh", "-c", "echo ready; sleep 600"],
+                                 XDG_RUNTIME_DIR=str(runtime), WLR_BACKENDS="x11",
+                                 WLR_RENDERER="pixman", **changes)
+            self.wait_for(lambda: "ready\n" in self.log(), process)
+            for x in 300, 320:
+                subprocess.run(["xdotool", "mousemove", str(x), "300"], check=True)
+                time.sleep(0.5)
+            self.wait_for(lambda seen=is_seen: pointer() == seen, process)
+            # It stays so.
+            self.assertEqual([pointer() for _ in range(5)], [is_seen] * 5)
+            self.end(process)
+
+    def nobody(self):
+        """How to become nobody: cage refuses to be root."""
+        if os.geteuid() != 0:
+            return []
+        os.chown(self.folder, NOBODY, NOBODY)
+        return ["setpriv", f"--reuid={NOBODY}", f"--regid={NOBODY}", "--clear-groups"]
+
+    def runtime(self, user):
         runtime = self.folder / "run"
         runtime.mkdir(mode=0o700)
         if user:
             os.chown(runtime, NOBODY, NOBODY)
+        return runtime
+
+    def test_one_showing_after_the_other_has_the_whole_screen(self):
+        user = self.nobody()
+        if subprocess.run([*user, "test", "-w", "/dev/shm"]).returncode != 0:
+            self.skipTest("there is no shared memory, in which pictures of the screen are handed over")
+        # Nobody may not be able to look into this build.
+        shutil.copytree(USR, self.folder / "usr")
+        runtime = self.runtime(user)
         manager = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
         self.addCleanup(manager.close)
         manager.bind(str(self.folder / "notify"))

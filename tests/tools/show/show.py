@@ -275,7 +275,8 @@ class Show(Look):
             x11.XCloseDisplay(display)
 
     def test_a_monitor_of_its_own(self):
-        subprocess.run(["xrandr", "--setmonitor", "left", "160/40x240/60+0+0", "screen"], check=True)
+        subprocess.run(["xrandr", "--setmonitor", "left", "160/40x240/60+0+0", "screen"], check=True,
+                       stdout=subprocess.DEVNULL)
         subprocess.run(["xrandr", "--setmonitor", "right", "160/40x240/60+160+0", "none"], check=True)
         try:
             with Running("--fullscreen", "--screen", "1", "--", FAKE) as show, Shots() as shots:
@@ -329,7 +330,7 @@ class Show(Look):
                          (1, "kelpix-show: the display cannot be opened\n"))
 
 
-class Media(unittest.TestCase):
+class Media(Look):
     """A folder that is changed while it is shown."""
 
     def test_it_begins_anew_with_good_media_alone(self):
@@ -338,7 +339,8 @@ class Media(unittest.TestCase):
             subprocess.run([MEDIA_PROGRAM, "--out", folder, "--seconds", "5", "--water", "64"],
                            check=True, stdout=subprocess.DEVNULL)
             path = f"{pathlib.Path(MEDIA_PROGRAM).parent}:{os.environ['PATH']}"
-            with Running("--media", folder, "--", FAKE, PATH=path) as show:
+            with Shots() as shots, Running("--media", folder, "--fullscreen", "--", FAKE,
+                                           PATH=path) as show:
                 # The voice of five seconds tells when.
                 show.await_showing(2)
                 index = folder / "data/mocap.txt"
@@ -359,6 +361,10 @@ class Media(unittest.TestCase):
                 folder.rename(pathlib.Path(name, "old"))
                 shutil.copytree(pathlib.Path(name, "old"), folder)
                 await_value(lambda: show.log().count("plays them\n") == 2, show.log)
+                await_value(lambda: len(shots.taken) > 3, "shots")
+                taken = list(shots.taken)
+            shots.taken = taken
+            self.assert_never_empty(shots, 3)
 
 
 class Managed(Look):
