@@ -107,7 +107,8 @@ Window Screen::makeGround()
 Screen::Place Screen::fullScreen() const
 {
     if (hasOwnGround()) {
-        return placeOf(ground);
+        const Place place = placeOf(ground);
+        return {0, 0, place.width, place.height}; // within it
     }
     if (look.monitor || ground == None) {
         int count = 0;
@@ -173,8 +174,10 @@ void Screen::read(const std::function<std::optional<Id>(pid_t)>& whose,
         XNextEvent(display(), &event);
         switch (event.type) {
         case CreateNotify:
-            XSelectInput(display(), event.xcreatewindow.window,
-                         StructureNotifyMask | PropertyChangeMask);
+            if (event.xcreatewindow.window != ground) {
+                XSelectInput(display(), event.xcreatewindow.window,
+                             StructureNotifyMask | PropertyChangeMask);
+            }
             break;
         case MapRequest:
             if (recognize(event.xmaprequest.window, whose) != nullptr) {
