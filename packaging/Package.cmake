@@ -27,7 +27,7 @@ configure_file(copyright.in copyright @ONLY)
 configure_file(changelog.in changelog @ONLY)
 kelpix_gzip(${CMAKE_CURRENT_BINARY_DIR}/changelog ${CMAKE_CURRENT_BINARY_DIR}/doc/changelog.gz)
 kelpix_gzip(${PROJECT_SOURCE_DIR}/CHANGELOG.md ${CMAKE_CURRENT_BINARY_DIR}/doc/NEWS.gz)
-foreach(package kelpix libkelpix-dev)
+foreach(package ${packages})
     install(FILES
         ${CMAKE_CURRENT_BINARY_DIR}/copyright
         ${CMAKE_CURRENT_BINARY_DIR}/doc/changelog.gz
@@ -46,7 +46,7 @@ set(CPACK_PACKAGE_NAME kelpix)
 set(CPACK_PACKAGE_CONTACT "${KELPIX_MAINTAINER}")
 set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/packages)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
-set(CPACK_COMPONENTS_ALL kelpix libkelpix-dev)
+set(CPACK_COMPONENTS_ALL ${packages})
 set(CPACK_STRIP_FILES ON)
 set(CPACK_POST_BUILD_SCRIPTS ${CMAKE_CURRENT_SOURCE_DIR}/package-modes.cmake)
 set(CPACK_KELPIX_AR ${CMAKE_AR})
@@ -69,6 +69,17 @@ set(CPACK_DEBIAN_KELPIX_DESCRIPTION "real-time underwater scene
 One hundred fish school in an OpenGL window, bubbles rise, and three figures
 dance a recorded dance in step with a voice. It plays its own media or any
 folder of yours, on a desktop or unattended.")
+
+set(CPACK_DEBIAN_KELPIX-WALL_PACKAGE_NAME kelpix-wall)
+set(CPACK_DEBIAN_KELPIX-WALL_PACKAGE_SECTION graphics)
+set(CPACK_DEBIAN_KELPIX-WALL_PACKAGE_SHLIBDEPS ON)
+# The media are in kelpix; openmpi-bin starts the ranks.
+set(CPACK_DEBIAN_KELPIX-WALL_PACKAGE_DEPENDS "kelpix (= ${PROJECT_VERSION}), openmpi-bin")
+set(CPACK_DEBIAN_KELPIX-WALL_PACKAGE_RECOMMENDS openssh-client) # to start them on other machines
+set(CPACK_DEBIAN_KELPIX-WALL_DESCRIPTION "underwater scene on a wall of screens
+Shows the scene of kelpix on screens or projectors that several machines drive:
+each computes the same scene and draws its own part, and all show a frame
+together. Open MPI starts the machines and keeps them in step.")
 
 set(CPACK_DEBIAN_LIBKELPIX-DEV_PACKAGE_NAME libkelpix-dev)
 set(CPACK_DEBIAN_LIBKELPIX-DEV_PACKAGE_SECTION libdevel)

@@ -30,13 +30,21 @@ ALLOWED = {
     "tools/nullgl": ["src-math"],
     "tools/commandline": [],
     "tools/record": ["src-math", "src-rates", "src-image", "src-core", "src-sound", "kelpix",
-                     "tools/stage", "tools/commandline"],
+                     "tools/stage", "tools/commandline", "src-cluster", "tools/wall/layout",
+                     "tools/wall/protocol", "tools/wall/scene"],
     "tools/desktop": [],
     "tools/show": ["src-sound", "tools/stage", "tools/commandline", "tools/desktop"],
     "tools/soak": ["src-math", "src-image", "src-core", "src-sound", "kelpix", "tools/stage",
                    "tools/nullgl", "tools/commandline"],
     "tools/wall/layout": ["src-cluster"],
     "tools/wall/drawing": ["src-cluster", "src-core", "src-font", "tools/wall/layout"],
+    "tools/wall/protocol": [],
+    "tools/wall/scene": ["src-math", "src-rates", "src-image", "src-core", "src-sound", "kelpix",
+                         "tools/stage", "tools/commandline", "src-cluster", "tools/wall/layout",
+                         "tools/wall/drawing", "tools/wall/protocol"],
+    "tools/wall/program": ["src-core", "src-sound", "kelpix", "tools/stage", "tools/commandline",
+                           "tools/record", "src-cluster", "tools/wall/layout",
+                           "tools/wall/drawing", "tools/wall/protocol", "tools/wall/scene"],
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"')
 

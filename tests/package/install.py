@@ -20,7 +20,8 @@ def main(cmake, cpack, build, folder):
     shutil.rmtree(folder, ignore_errors=True)
     subprocess.run([cpack, "-B", folder / "packages"], cwd=build, check=True)
     packages = sorted((folder / "packages").glob("*.deb"))
-    assert [path.name.split("_")[0] for path in packages] == ["kelpix", "libkelpix-dev"], packages
+    assert [path.name.split("_")[0] for path in packages] in (
+        ["kelpix", "libkelpix-dev"], ["kelpix-wall", "kelpix", "libkelpix-dev"]), packages
     for package in packages:
         subprocess.run(["dpkg-deb", "--extract", package, folder / "root"], check=True)
 

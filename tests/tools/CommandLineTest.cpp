@@ -46,6 +46,30 @@ protected:
     }
 };
 
+TEST_F(CommandLineTest, WordsThatAreNoOptionsMayStandAnywhere)
+{
+    const Arguments parsed =
+        parse({"wall", "--seed", "7", "other", "--quiet", "--", "--help"}, Rest::anywhere);
+    EXPECT_THAT(parsed.rest, ElementsAre("wall", "other", "--help"));
+    EXPECT_EQ(seed, 7u);
+    EXPECT_TRUE(quiet);
+    EXPECT_EQ(errorOf([&] { parse({"wall", "-x"}, Rest::anywhere); }), "unknown option \"-x\"");
+}
+
+TEST(CommandLineValueTest, AValueHasAsManyWordsAsItsPlaceholder)
+{
+    std::filesystem::path place;
+    const std::vector<Option> options = {{"--tile", "C R", "a place", commandline::text(place)}};
+    const Arguments parsed =
+        commandline::parse({"--tile", "1", "2", "more"}, options, Rest::anywhere);
+    EXPECT_EQ(place, "1 2");
+    EXPECT_THAT(parsed.rest, ElementsAre("more"));
+    commandline::parse({"--tile=3 4"}, options);
+    EXPECT_EQ(place, "3 4");
+    commandline::parse({"--tile", "5"}, options);
+    EXPECT_EQ(place, "5") << "whoever takes the value refuses it";
+}
+
 TEST_F(CommandLineTest, TakesAValueAsTheNextWordOrAfterAnEqualsSign)
 {
     const Arguments parsed = parse({"--out", "a b", "--seed=7", "--hours=0.5", "--seed", "8"});

@@ -56,6 +56,16 @@ const Option& find(const std::vector<Option>& options, const Word& word,
     return *option;
 }
 
+/// Goes on to the last word of an option's value, and puts a space between its words.
+template<typename Iterator>
+void takeValue(const Option& option, Iterator& at, Iterator end, std::string& value)
+{
+    const auto spaces = std::count(option.placeholder.begin(), option.placeholder.end(), ' ');
+    for (auto left = spaces; left >= 0 && std::next(at) != end; --left) {
+        value += (left < spaces ? " " : "") + *++at;
+    }
+}
+
 void describe(const std::string& name, const std::string& about, std::size_t column,
               std::string& text)
 {
@@ -75,9 +85,13 @@ Arguments parse(const std::vector<std::string>& arguments, const std::vector<Opt
 {
     Arguments result;
     for (auto at = arguments.begin(); at != arguments.end(); ++at) {
-        if (*at == "--" && rest == Rest::allowed) {
-            result.rest.assign(std::next(at), arguments.end());
+        if (*at == "--" && rest != Rest::refused) {
+            result.rest.insert(result.rest.end(), std::next(at), arguments.end());
             break;
+        }
+        if (rest == Rest::anywhere && !at->starts_with('-')) {
+            result.rest.push_back(*at);
+            continue;
         }
         Word word = takeApart(*at);
         result.action = actionOf(word);
@@ -89,8 +103,8 @@ Arguments parse(const std::vector<std::string>& arguments, const std::vector<Opt
         if (isFlag && word.hasValue) {
             throw UsageError(option.name + NO_VALUE);
         }
-        if (!isFlag && !word.hasValue && std::next(at) != arguments.end()) {
-            word.value = *++at;
+        if (!isFlag && !word.hasValue) {
+            takeValue(option, at, arguments.end(), word.value);
         }
         if (!isFlag && word.value.empty()) {
             throw UsageError(option.name + " needs a value");

@@ -31,7 +31,8 @@ struct Value {
 /// An option. When it is given several times, each value is taken, in their order.
 struct Option {
     std::string name; ///< "--out"
-    /// What --help calls the value: "DIR"; empty = a flag, without a value.
+    /// What --help calls the value: "DIR"; empty = a flag, without a value. A value of several
+    /// words has a placeholder of as many: "C R".
     std::string placeholder;
     std::string about; ///< for --help; lines end with '\n', except the last one
     Value value;
@@ -44,11 +45,12 @@ enum class Action { work, help, version };
 struct Arguments {
     Action action = Action::work;   ///< if it is not work, what follows was not looked at
     std::vector<std::string> given; ///< the names of the options that were given, in their order
-    std::vector<std::string> rest;  ///< what follows "--"
+    std::vector<std::string> rest;  ///< the words that are no options
 };
 
-/// Whether "--" ends the options.
-enum class Rest { refused, allowed };
+/// Words that are neither options nor their values: there are none; they follow "--"; or they stand
+/// anywhere, and after "--" also those that look like options.
+enum class Rest { refused, allowed, anywhere };
 
 /// Reads a command line and hands each value to its option.
 /// \param arguments  without the program's name

@@ -77,6 +77,19 @@ Value length(Microseconds& target)
             [&target](const std::string& text) { return readTime(text, 1, target); }};
 }
 
+Value tile(std::optional<Tile>& target)
+{
+    return {"a column and a row, counted from 0 at the top left",
+            [&target](const std::string& text) {
+                constexpr int MOST = 1000000;
+                const std::size_t space = text.find(' ');
+                target.emplace();
+                return space != std::string::npos &&
+                       commandline::readNumber(text.substr(0, space), 0, MOST, target->column) &&
+                       commandline::readNumber(text.substr(space + 1), 0, MOST, target->row);
+            }};
+}
+
 Value size(int& width, int& height)
 {
     return {"width x height in pixels, such as 1080x1080",
@@ -124,6 +137,10 @@ std::vector<commandline::Option> tableOf(Options& options)
          "mouse and keyboard, written down: recording.md, in\n"
          "/usr/share/doc/kelpix where it is installed, has the words",
          commandline::text(options.script)},
+        {"--replay", "LOG", "plays a show that kelpix-wall has logged, instead",
+         commandline::text(options.replay)},
+        {"--tile", "C R", "one tile of that wall, by column and row (default: the wall)",
+         tile(options.tile)},
     };
 }
 
@@ -161,6 +178,17 @@ void checkSheet(const std::vector<std::string>& given)
     }
 }
 
+/// A show that is played again brings its own school and input.
+void checkReplay(const std::vector<std::string>& given)
+{
+    for (const std::string& option : given) {
+        if (option == "--seed" || option == "--script" || option == "--sheet" ||
+            option == "--live") {
+            throw UsageError("--replay does not go with " + option);
+        }
+    }
+}
+
 /// Checks the options together.
 /// \param given  their names
 void check(const Options& options, const std::vector<std::string>& given)
@@ -172,6 +200,11 @@ void check(const Options& options, const std::vector<std::string>& given)
     }
     if (works.size() > 1) {
         throw UsageError(works[0] + " and " + works[1] + " do not go together");
+    }
+    if (!options.replay.empty()) {
+        checkReplay(given);
+    } else if (options.tile) {
+        throw UsageError("--tile goes with --replay");
     }
     if (!options.sheet.empty()) {
         checkSheet(given);
@@ -201,6 +234,10 @@ Options parseOptions(const std::vector<std::string>& arguments)
     options.encoderOptions = parsed.rest;
     if (options.action == commandline::Action::work) {
         check(options, parsed.given);
+        options.sizeGiven = isOneOf(parsed.given, "--size");
+        if (!options.replay.empty() && !isOneOf(parsed.given, "--seconds")) {
+            options.seconds = LONGEST_TIME; // all of it
+        }
         if (options.live != LiveFormat::none && !isOneOf(parsed.given, "--seconds")) {
             options.seconds = LONGEST_TIME;
             options.untilVoiceEnds = true;

@@ -6,10 +6,17 @@
 #include "Time.h"
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace record {
+
+/// A place in the grid of a wall, from the top left.
+struct Tile {
+    int column;
+    int row;
+};
 
 /// What the command line says.
 struct Options {
@@ -30,6 +37,9 @@ struct Options {
     unsigned seed = 1;                       ///< of the scene's random numbers
     std::filesystem::path media;             ///< empty = as mediaToPlay chooses
     std::filesystem::path script;            ///< empty = no input
+    std::filesystem::path replay;            ///< the log of a wall's show; empty = none is played
+    std::optional<Tile> tile;                ///< of that wall; none = all of it
+    bool sizeGiven = false;                  ///< else width and height are those of wall or tile
     std::vector<std::string> encoderOptions; ///< handed to ffmpeg, before the output's name
 
     /// Whether many frames are asked for, not one.

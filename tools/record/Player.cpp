@@ -3,10 +3,9 @@
 #include "Environment.h"
 #include "PivotNode.h"
 #include "RootNode.h"
+#include "SceneInput.h"
 #include "Stage.h"
 #include "View.h"
-
-#include <FL/Fl.H>
 
 namespace record {
 
@@ -20,15 +19,14 @@ void Player::playStep()
     ++step;
 }
 
+StateHash Player::hash() const
+{
+    return scene.hash();
+}
+
 void Player::perform(const Input& input)
 {
-    Fl::e_number = input.event;
-    Fl::e_x = Fl::e_x_root = input.x;
-    Fl::e_y = Fl::e_y_root = input.y;
-    Fl::e_dx = 0;
-    Fl::e_dy = input.wheel;
-    Fl::e_keysym = Fl::e_original_keysym = input.key;
-    scene.window.handle(input.event);
+    give(scene.window, {input.event, input.x, input.y, input.key, input.wheel});
 }
 
 void Player::perform(const Zoom& zoom)

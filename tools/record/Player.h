@@ -1,5 +1,6 @@
 #pragma once
 
+#include "PlayedScene.h"
 #include "Script.h"
 
 class Stage;
@@ -7,14 +8,16 @@ class Stage;
 namespace record {
 
 /// Plays a scene step by step, with the acts of a script.
-class Player {
+class Player final : public PlayedScene {
 public:
     /// Borrows both.
     Player(Stage& stage, const Script& script) : scene(stage), acts(script.acts) {}
 
     /// One step of the scene: the script's acts, an update, a draw into the current framebuffer.
     /// Needs: current GL context, the same one at each call.
-    void playStep();
+    void playStep() override;
+
+    StateHash hash() const override;
 
 private:
     Stage& scene;

@@ -14,6 +14,7 @@
 #include "Player.h"
 #include "Printable.h"
 #include "Progress.h"
+#include "Replay.h"
 #include "Schedule.h"
 #include "Sheet.h"
 #include "Stage.h"
@@ -23,6 +24,7 @@
 #include <csignal>
 #include <cstdio>
 #include <fcntl.h>
+#include <optional>
 #include <queue>
 #include <stdexcept>
 #include <thread>
@@ -40,10 +42,15 @@ class Recorder {
 public:
     Recorder(const Options& given, const Script& script)
         : options(given), voice(loadTrack("sound/magpie_vocal.ogg", voiceSamples)),
-          context(given.width, given.height),
-          stage(given.width, given.height, given.seed, {voiceSamples, voice.rate}),
-          player(stage, script), reader(given.width, given.height)
+          context(given.width, given.height), reader(given.width, given.height)
     {
+        if (given.replay.empty()) {
+            stage.emplace(given.width, given.height, given.seed,
+                          Stage::Voice{voiceSamples, voice.rate});
+            scene = &player.emplace(*stage, script);
+        } else {
+            scene = &replay.emplace(given);
+        }
     }
 
     std::string makePicture();
@@ -58,8 +65,10 @@ private:
     std::int64_t voiceSamples = 0;
     Track voice;
     OffscreenContext context;
-    Stage stage;
-    Player player;
+    std::optional<Stage> stage;
+    std::optional<Player> player;
+    std::optional<Replay> replay;
+    PlayedScene* scene = nullptr; ///< borrows: one of these
     FrameReader reader;
     Clock::time_point begin = Clock::now();
 
@@ -79,7 +88,7 @@ void Recorder::playStep(bool seen)
 {
     Interruption::check();
     OffscreenContext::drawPixels(seen);
-    player.playStep();
+    scene->playStep();
 }
 
 /// Plays all steps up to this one. \param seen  whether the last one is looked at
@@ -138,7 +147,7 @@ std::string Recorder::hash()
 {
     const std::int64_t last = stepShownAt(options.at);
     playUntil(last, false);
-    const StateHash hash = stage.hash();
+    const StateHash hash = scene->hash();
     std::string text = "frame " + std::to_string(last + 1);
     const auto add = [&text](const char* name, std::uint64_t value) {
         char line[64];
@@ -317,11 +326,17 @@ void keepFiles(const Options& options)
     }
 }
 
-/// The frames of the film, or the one of the picture or the hash, up to where the script ends
-/// the scene.
+/// The frames of the film, or the one of the picture or the hash, up to where the script or the log
+/// ends the scene.
 Schedule scheduleFor(const Options& options, const Script& script)
 {
     Schedule schedule(options.at, options.isFilm() ? options.seconds : 1, options.fps);
+    if (!options.replay.empty()) {
+        schedule.endBefore(Replay::length(options.replay));
+        if (schedule.frames() == 0) {
+            throw std::runtime_error("the show ends before the time of --at");
+        }
+    }
     if (script.endStep) {
         schedule.endBefore(*script.endStep);
     }
@@ -333,8 +348,12 @@ Schedule scheduleFor(const Options& options, const Script& script)
 
 } // namespace
 
-Outcome runRecorder(const Options& options, const Script& script)
+Outcome runRecorder(const Options& given, const Script& script)
 {
+    Options options = given;
+    if (!options.replay.empty()) {
+        Replay::chooseSize(options);
+    }
     const Schedule schedule = scheduleFor(options, script);
     keepFiles(options);
     const int output = options.live != LiveFormat::none ? standardOutput() : -1;

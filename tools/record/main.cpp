@@ -19,7 +19,7 @@ constexpr int FLASHES = 3; // the exit status of a film that flashes too much
 void enterMedia(Options& options)
 {
     const fs::path folder = mediaToPlay(options.media, KELPIX_MEDIA_FROM_PROGRAM);
-    for (fs::path* path : {&options.out, &options.png, &options.sheet}) {
+    for (fs::path* path : {&options.out, &options.png, &options.sheet, &options.replay}) {
         if (!path->empty()) {
             *path = fs::absolute(*path);
         }

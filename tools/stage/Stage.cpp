@@ -37,12 +37,21 @@ Stage::~Stage()
     delete[] font.textures;
 }
 
-void Stage::update()
+void Stage::update(int step)
 {
-    const std::int64_t tick = updates * TICKS_PER_SECOND / STEPS_PER_SECOND;
-    recording->step = MoCap::stepAt(recording->numSteps, voicePosition(clockVoice, tick));
+    recording->step = step;
     scene.graph.update();
     ++updates;
+}
+
+int Stage::nextStep() const
+{
+    return MoCap::stepAt(recording->numSteps, voicePosition(clockVoice, nextTick()));
+}
+
+bool Stage::isVoiceOver() const
+{
+    return nextTick() * clockVoice.rate / TICKS_PER_SECOND >= clockVoice.samples;
 }
 
 float Stage::voicePosition(Voice voice, std::int64_t tick)

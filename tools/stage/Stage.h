@@ -51,7 +51,16 @@ public:
 
     /// One step: sets the step of the recording and updates every node. The first call is that of
     /// time 0. Needs no GL context.
-    void update();
+    void update() { update(nextStep()); }
+
+    /// The same with a step of the recording that another clock has given.
+    void update(int step);
+
+    /// The step of the recording that the virtual clock has for the next update.
+    int nextStep() const;
+
+    /// Whether the next update finds the voice at its end.
+    bool isVoiceOver() const;
 
     /// Draws one frame into the current framebuffer, as the window does; the program draws once
     /// before its first update and once after each. Needs: current GL context, the same one at each
@@ -69,4 +78,7 @@ private:
     Voice clockVoice;
     std::int64_t updates = 0;
     freetype::font_data font;
+
+    /// Of the motion-capture clock, the latest at the next update.
+    std::int64_t nextTick() const { return updates * TICKS_PER_SECOND / STEPS_PER_SECOND; }
 };

@@ -157,11 +157,31 @@ INSTANTIATE_TEST_SUITE_P(
                 "--size of a film takes even numbers, not 741x740"},
         BadLine{{"--out", "a.mp4", "--size", "740x741"},
                 "--size of a film takes even numbers, not 740x741"},
+        BadLine{{"--hash", "--replay", "l", "--seed", "1"}, "--replay does not go with --seed"},
+        BadLine{{"--hash", "--replay", "l", "--script", "s"}, "--replay does not go with --script"},
+        BadLine{{"--hash", "--tile", "0", "0"}, "--tile goes with --replay"},
+        BadLine{{"--replay", "l", "--tile", "1"},
+                "--tile takes a column and a row, counted from 0 at the top left, not \"1\""},
         BadLine{{"--fps", "0"}, "--fps takes a whole number from 1 to 1000, not \"0\""},
         BadLine{{"--fps", "29.97"}, "--fps takes a whole number from 1 to 1000, not \"29.97\""},
         BadLine{{"--seed", "-1"}, "--seed takes a whole number from 0 to 4294967295, not \"-1\""},
         BadLine{{"--seed", "4294967296"},
                 "--seed takes a whole number from 0 to 4294967295, not \"4294967296\""}));
+
+TEST(RecordOptionsTest, AShowIsPlayedAgainAsItWas)
+{
+    const record::Options options =
+        parseOptions({"--replay", "show.log", "--tile", "1", "0", "--out", "a.mp4"});
+    EXPECT_EQ(options.replay, "show.log");
+    ASSERT_TRUE(options.tile.has_value());
+    EXPECT_EQ(options.tile->column, 1);
+    EXPECT_EQ(options.tile->row, 0);
+    EXPECT_EQ(options.seconds, record::LONGEST_TIME);
+    EXPECT_FALSE(options.sizeGiven);
+    EXPECT_TRUE(parseOptions({"--replay", "l", "--png", "a.png", "--size", "8x8"}).sizeGiven);
+    EXPECT_EQ(parseOptions({"--replay", "l", "--out", "a.mp4", "--seconds", "2"}).seconds,
+              2 * record::SECOND);
+}
 
 TEST(RecordOptionsTest, AFilmMayHaveAnyExtensionWhenFfmpegIsToldItsFormat)
 {
@@ -175,8 +195,9 @@ TEST(RecordOptionsTest, APictureMayHaveAnySize)
 
 TEST(RecordOptionsTest, UsageNamesEveryOption)
 {
-    for (const char* option : {"--out", "--live", "--png", "--hash", "--flashes", "--at",
-                               "--seconds", "--size", "--fps", "--seed", "--media", "--script"}) {
+    for (const char* option :
+         {"--out", "--live", "--png", "--hash", "--flashes", "--at", "--seconds", "--size", "--fps",
+          "--seed", "--media", "--script", "--replay", "--tile"}) {
         EXPECT_THAT(record::usage(), testing::HasSubstr(std::string("\n  ") + option));
     }
 }

@@ -1,0 +1,49 @@
+#include "Launch.h"
+
+#include <gmock/gmock.h>
+
+namespace {
+
+using testing::Contains;
+using testing::Not;
+
+WallLayout wallOf(const std::vector<std::string>& hosts)
+{
+    WallLayout layout;
+    for (const std::string& host : hosts) {
+        WallTile tile;
+        tile.rank = static_cast<int>(layout.tiles.size());
+        tile.host = host;
+        layout.tiles.push_back(tile);
+    }
+    return layout;
+}
+
+/// The word behind another one.
+std::string after(const std::vector<std::string>& words, const std::string& word)
+{
+    const auto at = std::find(words.begin(), words.end(), word);
+    return at == words.end() || at + 1 == words.end() ? "nothing" : *(at + 1);
+}
+
+} // namespace
+
+TEST(WallLaunchTest, AWallOfThisMachineNeedsNoOther)
+{
+    const auto words = wall::launchCommand(wallOf({"here", "here"}), "here", {"/bin/wall", "x"});
+    EXPECT_EQ(words.front(), "mpirun");
+    EXPECT_EQ(after(words, "-n"), "2");
+    EXPECT_EQ(after(words, "btl_tcp_if_include"), "lo");
+    EXPECT_THAT(words, Not(Contains("--host")));
+    EXPECT_EQ(after(words, "/bin/wall"), "x");
+    EXPECT_EQ(words.back(), "x");
+}
+
+TEST(WallLaunchTest, OtherMachinesAreReachedInTheOrderOfTheirTiles)
+{
+    const auto words = wall::launchCommand(wallOf({"reef-b", "reef-b", "reef-a"}), "reef-b", {"w"});
+    EXPECT_EQ(after(words, "-n"), "3");
+    EXPECT_EQ(after(words, "--host"), "reef-b:2,reef-a:1");
+    EXPECT_EQ(after(words, "--map-by"), "slot");
+    EXPECT_THAT(words, Not(Contains("btl_tcp_if_include")));
+}

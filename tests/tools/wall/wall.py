@@ -1,0 +1,201 @@
+"""Plays walls in windows of one X server: the state of their ranks, their pictures, input, and how
+they end.
+
+Usage: wall.py KELPIX-WALL KELPIX-RECORD MEDIA [TEST ...]
+Needs an X server without a window manager, Open MPI's mpirun, xdotool and ImageMagick's convert.
+"""
+import os
+import pathlib
+import re
+import socket
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+WALL, RECORD, MEDIA = (str(pathlib.Path(name).resolve()) for name in sys.argv[1:4])
+HOST = socket.gethostname()[:31]
+SEED = "7"
+SIDE = 204  # pixels of the whole wall, of each of the walls below
+PATIENCE = 240  # seconds
+
+
+def description(columns, rows, width, height, mullions=(0, 0), host=HOST):
+    """A wall of equal tiles, all on one host."""
+    text = (f"Cluster TileMap {columns} {rows} Mullions {mullions[0]} {mullions[1]} Nodes 1\n"
+            f"Node Hostname {host} Windows {columns * rows}\n")
+    for row in range(rows):
+        for column in range(columns):
+            text += (f"Map {column} {row} Location {column * width} {row * height} {width} {height} "
+                     "Cameras 0\n")
+    return text
+
+
+ONE = description(1, 1, SIDE, SIDE)
+TWO = description(2, 1, SIDE // 2, SIDE)
+# A pitch of 108 pixels, so gaps of 12.
+FOUR = description(2, 2, 96, 96, (0.125, 0.125))
+
+
+def pixels(name):
+    """The width and the bytes of a picture, three for each pixel, from the top left."""
+    ppm = subprocess.run(["convert", name, "-depth", "8", "ppm:-"], capture_output=True, check=True)
+    kind, size, depth, data = ppm.stdout.split(b"\n", 3)
+    assert kind == b"P6" and depth == b"255"
+    return int(size.split()[0]), data
+
+
+class Walls(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.TemporaryDirectory()
+        self.addCleanup(self.folder.cleanup)
+
+    def path(self, name):
+        return str(pathlib.Path(self.folder.name, name))
+
+    def start(self, wall, *options, media=MEDIA, **environment):
+        pathlib.Path(self.path("wall.cfg")).write_text(wall)
+        return subprocess.Popen(
+            [WALL, "--simulate", "--media", media, *options, "wall.cfg"], cwd=self.folder.name,
+            env=os.environ | environment, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+
+    def finish(self, process):
+        """The exit status, and what was printed to standard error."""
+        try:
+            output, errors = process.communicate(timeout=PATIENCE)
+        except subprocess.TimeoutExpired:
+            process.terminate()
+            output, errors = process.communicate()
+            raise AssertionError("the wall did not end:\n" + output + errors) from None
+        self.assertEqual(output, "")
+        return process.returncode, errors
+
+    def play(self, wall, *options, **environment):
+        status, errors = self.finish(self.start(wall, *options, **environment))
+        self.assertEqual((status, errors), (0, ""))
+
+    def lines(self, name):
+        return pathlib.Path(self.path(name)).read_text().splitlines()
+
+    def record(self, *options):
+        result = subprocess.run([RECORD, "--media", MEDIA, *options], cwd=self.folder.name,
+                                capture_output=True, text=True)
+        self.assertEqual(result.returncode, 0, result.stderr)
+        return result.stdout
+
+    def recorded_state(self, frame):
+        text = self.record("--hash", "--seed", SEED, "--size", f"{SIDE}x{SIDE}",
+                           "--at", str((frame - 1) / 40))
+        self.assertIn(f"frame {frame}\n", text)
+        return re.search("^whole +([0-9a-f]{16})$", text, re.MULTILINE).group(1)
+
+    def expect_alike(self, whole, tile, left, top):
+        """At most one in a thousand pixels of a tile differs from those of the whole picture, and by
+        no more than 1: GL rounds around another origin."""
+        whole_width, expected = pixels(self.path(whole))
+        width, actual = pixels(self.path(tile))
+        count, most = 0, 0
+        for row in range(len(actual) // (3 * width)):
+            start = 3 * ((top + row) * whole_width + left)
+            for column in range(width):
+                here = 3 * (row * width + column)
+                there = start + 3 * column
+                difference = max(abs(actual[here + c] - expected[there + c]) for c in range(3))
+                count += difference > 0
+                most = max(most, difference)
+        self.assertLessEqual(count, len(actual) / 3 / 1000)
+        self.assertLessEqual(most, 1)
+
+
+class Show(Walls):
+    FRAMES = 90
+
+    def test_one_two_and_four_ranks_and_the_recorder_show_the_same(self):
+        options = ["--virtual", "--seed", SEED, "--frames", str(self.FRAMES)]
+        states = []
+        for wall in ONE, TWO:
+            self.play(wall, *options, "--hash", "states")
+            states.append(self.lines("states"))
+        self.play(FOUR, *options, "--hash", "states", "--log", "show.log",
+                  "--shots", ".", "--shot-at", str(self.FRAMES))
+        states.append(self.lines("states"))
+        self.assertEqual([int(line.split()[0]) for line in states[0]],
+                         list(range(1, self.FRAMES + 1)))
+        self.assertEqual(states[0], states[1])
+        self.assertEqual(states[0], states[2])
+        for frame in 1, 41, self.FRAMES:
+            self.assertEqual(states[0][frame - 1].split()[1], self.recorded_state(frame))
+
+        self.record("--png", "whole.png", "--seed", SEED, "--size", f"{SIDE}x{SIDE}",
+                    "--at", str((self.FRAMES - 1) / 40))
+        for column in 0, 1:
+            for row in 0, 1:
+                self.expect_alike("whole.png", f"{column}-{row}-{self.FRAMES}.png",
+                                  108 * column, 108 * row)
+        # The log plays again in the recorder, which compares every state.
+        self.record("--replay", "show.log", "--tile", "1", "0", "--png", "tile.png",
+                    "--at", str((self.FRAMES - 1) / 40))
+        self.expect_alike("tile.png", f"1-0-{self.FRAMES}.png", 0, 0)
+
+
+class Input(Walls):
+    """A wall with a silent voice, in step with the clock. Its second tile is at (102, 0)."""
+
+    def await_lines(self, process, name, condition, what):
+        """The log's lines, once they meet a condition."""
+        end = time.monotonic() + PATIENCE
+        path = pathlib.Path(self.path(name))
+        while time.monotonic() < end and process.poll() is None:
+            lines = path.read_text().splitlines() if path.exists() else []
+            if condition(lines):
+                return lines
+            time.sleep(0.05)
+        raise AssertionError(f"there was never {what}")
+
+    @staticmethod
+    def xdotool(*words):
+        subprocess.run(["xdotool", *map(str, words)], check=True)
+
+    def test_the_second_tile_s_mouse_and_keys_act_on_the_whole_scene(self):
+        process = self.start(TWO, "--seed", SEED, "--log", "show.log")
+        self.await_lines(process, "show.log", lambda lines: len(lines) > 20, "a frame")
+        self.xdotool("mousemove", 150, 30, "click", 4)
+        self.await_lines(process, "show.log", lambda lines: any(
+            re.search(r" event 19 150 30 \d+ -1", line) for line in lines), "a turn of the wheel")
+        # From the second tile to the first one.
+        self.xdotool("mousemove", 110, 50, "mousedown", 1, "keydown", "v")
+        self.xdotool("mousemove", 60, 80)
+        self.await_lines(process, "show.log", lambda lines: any(
+            re.search(rf" event 5 60 80 {ord('v')} 0", line) for line in lines), "a drag")
+        self.xdotool("keyup", "v", "mouseup", 1)
+        window = subprocess.run(["xdotool", "search", "--class", "kelpix"], check=True,
+                                capture_output=True, text=True).stdout.split()[-1]
+        self.xdotool("windowfocus", "--sync", window, "key", "q")
+        status, errors = self.finish(process)
+        self.assertEqual((status, errors), (0, f"kelpix-wall: {HOST}: no sound device: the voice plays "
+                                               "silently\n") if "no sound" in errors else (0, ""))
+        # All frames are as they were, with this input.
+        frames = int(self.lines("show.log")[-1].split()[0])
+        self.record("--replay", "show.log", "--png", "last.png", "--at", str((frames - 1) / 40))
+
+
+class Start(Walls):
+    """What is missing is said in one line that names the host, and the wall ends."""
+
+    def expect_line(self, process, line):
+        status, errors = self.finish(process)
+        self.assertNotEqual(status, 0)
+        self.assertEqual(errors, f"kelpix-wall: {line}\n")
+
+    def test_a_folder_without_media(self):
+        self.expect_line(self.start(TWO, "--virtual", media="/nowhere"),
+                         f"{HOST}: no media in /nowhere: No such file or directory")
+
+    def test_a_display_that_is_not_there(self):
+        self.expect_line(self.start(TWO, "--virtual", DISPLAY=":9999"),
+                         f"{HOST}: no display: Can't open display: :9999")
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1] + sys.argv[4:])

@@ -1,0 +1,97 @@
+#include "Launch.h"
+
+#include "HostList.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <stdexcept>
+#include <unistd.h>
+
+namespace wall {
+
+namespace {
+
+/// What Open MPI tells a rank; null: this is none.
+const char* rankNumber()
+{
+    return std::getenv("OMPI_COMM_WORLD_RANK");
+}
+
+} // namespace
+
+bool isRank()
+{
+    return rankNumber() != nullptr;
+}
+
+bool isFirstRank()
+{
+    return isRank() && std::strcmp(rankNumber(), "0") == 0;
+}
+
+std::string hostName()
+{
+    char name[32] = {};
+    gethostname(name, sizeof name);
+    name[sizeof name - 1] = '\0';
+    return name;
+}
+
+std::vector<std::string> launchCommand(const WallLayout& layout, const std::string& thisHost,
+                                       const std::vector<std::string>& command)
+{
+    // No pages of help from Open MPI, which say nothing that the ranks or ssh do not. No binding: a
+    // software renderer has threads. TCP also on one machine: shared memory would stay behind when
+    // a rank is killed.
+    std::vector<std::string> words = {"mpirun",
+                                      "--quiet",
+                                      "-n",
+                                      std::to_string(layout.tiles.size()),
+                                      "--bind-to",
+                                      "none",
+                                      "--oversubscribe",
+                                      "--mca",
+                                      "btl",
+                                      "tcp,self"};
+    const bool here = std::all_of(layout.tiles.begin(), layout.tiles.end(),
+                                  [&](const WallTile& t) { return t.host == thisHost; });
+    if (here) {
+        words.insert(words.end(),
+                     {"--mca", "btl_tcp_if_include", "lo", "--mca", "oob_tcp_if_include", "lo"});
+    } else {
+        words.insert(words.end(), {"--host", hosts::option(layout), "--map-by", "slot", "--mca",
+                                   "plm_rsh_no_tree_spawn", "1", "--mca", "plm_rsh_args",
+                                   "-o BatchMode=yes -o ConnectTimeout=4"});
+    }
+    words.insert(words.end(), command.begin(), command.end());
+    return words;
+}
+
+void quietenTopology()
+{
+    // Open MPI's look at the machine would ask X servers for graphics cards, and print what they
+    // say to strangers.
+    setenv("HWLOC_COMPONENTS", "-gl", 0);
+}
+
+void launch(const std::vector<std::string>& command)
+{
+    quietenTopology();
+    if (geteuid() == 0) {
+        setenv("OMPI_ALLOW_RUN_AS_ROOT", "1", 1);
+        setenv("OMPI_ALLOW_RUN_AS_ROOT_CONFIRM", "1", 1);
+    }
+    std::vector<char*> words;
+    words.reserve(command.size() + 1);
+    for (const std::string& word : command) {
+        words.push_back(const_cast<char*>(word.c_str()));
+    }
+    words.push_back(nullptr);
+    execvp(words.front(), words.data());
+    throw std::runtime_error("cannot start " + command.front() + ": " + std::strerror(errno) +
+                             "; Debian's package openmpi-bin has it");
+}
+
+} // namespace wall

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <type_traits>
+
+namespace wall {
+
+/// Mouse or keyboard at one tile.
+struct InputEvent {
+    std::int32_t kind;  ///< FLTK's: FL_PUSH, FL_DRAG ...
+    std::int32_t x, y;  ///< the pointer on the whole wall, pixels from the top left
+    std::int32_t key;   ///< key or button, as Fl::event_key returns it
+    std::int32_t wheel; ///< steps of the wheel, down is positive
+
+    bool operator==(const InputEvent&) const = default;
+};
+
+/// The parts of a scene's state, compared on all ranks.
+using State = std::array<std::uint64_t, 6>;
+
+/// Their names.
+inline constexpr std::array<const char*, 6> STATE_PARTS = {"random", "boids", "figures",
+                                                           "bodies", "view",  "counts"};
+
+/// What each rank tells all others before a frame. Its bytes travel as they are: all ranks have the
+/// same kind of processor.
+struct FrameRecord {
+    static constexpr std::uint32_t QUIT = 1; ///< of rank 0: there is no further frame
+    static constexpr std::uint32_t ANEW = 2; ///< of rank 0: the scene begins again
+    static constexpr std::size_t EVENTS = 8;
+
+    std::uint32_t frame = 0; ///< the one to come, counted from 1
+    std::uint32_t flags = 0;
+    std::int32_t step = 0;    ///< of rank 0: the step of the recording
+    std::uint32_t seed = 0;   ///< of rank 0: of the scene, should it begin again
+    State state{};            ///< after the frame before; zeros before the first one
+    std::int64_t left = 0;    ///< when the barrier of the frame before was left, ns of the clock of
+                              ///< this machine; 0: there was none
+    float drawing = 0;        ///< ms that the frame before took, and how long this rank then waited
+    float waiting = 0;        ///< for the others
+    std::uint32_t events = 0; ///< how many there are, at most EVENTS
+    std::uint32_t unused = 0;
+    std::array<InputEvent, EVENTS> event{};
+};
+static_assert(std::is_trivially_copyable_v<FrameRecord>);
+static_assert(sizeof(FrameRecord) <= 256, "docs/performance.md says so");
+
+} // namespace wall

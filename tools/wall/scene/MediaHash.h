@@ -1,0 +1,11 @@
+#pragma once
+
+#include <cstdint>
+
+namespace wall {
+
+/// \return a number of all files in data, sound and fonts below the working directory, their names
+///         and contents: the same for equal media, different, short of a collision, for others
+std::uint64_t hashOfMedia();
+
+} // namespace wall

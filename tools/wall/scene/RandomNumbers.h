@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstdlib>
+
+namespace wall {
+
+/// Random numbers of the scene alone: what libraries draw between its updates and draws does not
+/// change them.
+class RandomNumbers {
+public:
+    RandomNumbers()
+    {
+        char* const outer = initstate(1, state, sizeof state);
+        setstate(outer);
+    }
+    RandomNumbers(const RandomNumbers&) = delete;
+    RandomNumbers& operator=(const RandomNumbers&) = delete;
+
+    /// While it lives, rand() and srand() use these numbers.
+    class Use {
+    public:
+        explicit Use(RandomNumbers& numbers) : outer(setstate(numbers.state)) {}
+        Use(const Use&) = delete;
+        Use& operator=(const Use&) = delete;
+        ~Use() { setstate(outer); }
+
+    private:
+        char* outer; ///< borrows
+    };
+
+private:
+    /// As many as a process starts with, so that the numbers of a seed are the same.
+    alignas(long) char state[128];
+};
+
+} // namespace wall

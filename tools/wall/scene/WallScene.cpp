@@ -1,0 +1,149 @@
+#include <GL/glew.h>
+
+#include "WallScene.h"
+
+#include "Environment.h"
+#include "FitProjection.h"
+#include "MoCap.h"
+#include "SceneInput.h"
+
+#include <FL/Fl.H>
+#include <stdexcept>
+#include <string>
+
+namespace wall {
+
+namespace {
+
+/// Puts what FLTK says of the current event back in the end: a drag goes on to be one with the key
+/// that somebody holds.
+class CurrentEvent {
+public:
+    CurrentEvent() = default;
+    CurrentEvent(const CurrentEvent&) = delete;
+    CurrentEvent& operator=(const CurrentEvent&) = delete;
+    ~CurrentEvent()
+    {
+        Fl::e_number = number;
+        Fl::e_x = x;
+        Fl::e_y = y;
+        Fl::e_x_root = xRoot;
+        Fl::e_y_root = yRoot;
+        Fl::e_dx = dx;
+        Fl::e_dy = dy;
+        Fl::e_keysym = key;
+        Fl::e_original_keysym = originalKey;
+    }
+
+private:
+    int number = Fl::e_number;
+    int x = Fl::e_x;
+    int y = Fl::e_y;
+    int xRoot = Fl::e_x_root;
+    int yRoot = Fl::e_y_root;
+    int dx = Fl::e_dx;
+    int dy = Fl::e_dy;
+    int key = Fl::e_keysym;
+    int originalKey = Fl::e_original_keysym;
+};
+
+/// Deletes all display lists and textures of the current GL context.
+void deleteGLObjects()
+{
+    const GLuint lists = glGenLists(1); // names are given from 1 upwards
+    glDeleteLists(1, static_cast<GLsizei>(lists));
+    GLuint textures = 0;
+    glGenTextures(1, &textures);
+    for (GLuint name = 1; name <= textures; ++name) {
+        glDeleteTextures(1, &name);
+    }
+}
+
+} // namespace
+
+WallScene::WallScene(const WallLayout& layout, const WallTile& tile, Stage::Voice voice)
+    : wall(layout), part(tile), clockVoice(voice), ramps(tile)
+{
+}
+
+void WallScene::begin(unsigned seed)
+{
+    end();
+    const RandomNumbers::Use use(numbers);
+    stage = std::make_unique<Stage>(wall.width, wall.height, seed, clockVoice);
+    // The clock of a program with a sound of its own would set the step to 0.
+    Fl::remove_timeout(dataTimer, stage->recording);
+}
+
+void WallScene::end()
+{
+    if (stage == nullptr) {
+        return;
+    }
+    const MoCap* const recording = stage->recording;
+    stage.reset();
+    delete recording;
+    ramps.clean();
+    deleteGLObjects();
+}
+
+void WallScene::give(const InputEvent& event)
+{
+    const RandomNumbers::Use use(numbers);
+    const CurrentEvent restored;
+    ::give(stage->window, {event.kind, event.x, event.y, event.key, event.wheel});
+}
+
+void WallScene::update(int step)
+{
+    const RandomNumbers::Use use(numbers);
+    stage->update(step);
+}
+
+void WallScene::draw()
+{
+    const RandomNumbers::Use use(numbers);
+    if (!stage->window.valid()) {
+        stage->window.initGL();
+        scaleProjection(wall.projectionScale());
+    }
+    glViewport(part.viewport.x, part.viewport.y, part.viewport.w, part.viewport.h);
+    glScissor(part.drawn.x, part.drawn.y, part.drawn.w, part.drawn.h);
+    stage->draw();
+    ramps.draw();
+    glViewport(0, 0, wall.width, wall.height);
+}
+
+int WallScene::numSteps() const
+{
+    return stage->recording->numSteps;
+}
+
+StateHash WallScene::hash() const
+{
+    const RandomNumbers::Use use(numbers);
+    return stage->hash();
+}
+
+State WallScene::state() const
+{
+    const StateHash hash = this->hash();
+    const auto nodes = static_cast<std::uint64_t>(stage->scene.graph.node_count);
+    const std::uint64_t children = stage->water->children.size();
+    return {hash.random, hash.boids, hash.figures, hash.bodies, hash.view, children << 32 | nodes};
+}
+
+void checkLimits(const WallTile& tile)
+{
+    GLLimits limits;
+    glGetIntegerv(GL_MAX_VIEWPORT_DIMS, limits.viewport.data());
+    glGetFloatv(GL_VIEWPORT_BOUNDS_RANGE, limits.bounds.data());
+    if (glGetError() != GL_NO_ERROR) {
+        limits.bounds = {}; // an old OpenGL without that limit
+    }
+    if (const auto problem = beyondLimits(tile, limits)) {
+        throw std::runtime_error(*problem);
+    }
+}
+
+} // namespace wall

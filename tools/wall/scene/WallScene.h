@@ -1,0 +1,65 @@
+#pragma once
+
+#include "FrameRecord.h"
+#include "RampOverlay.h"
+#include "RandomNumbers.h"
+#include "Stage.h"
+#include "WallLayout.h"
+
+#include <memory>
+
+namespace wall {
+
+/// The scene as one tile of a wall shows it. It is computed for the whole wall, and culled against
+/// it, whatever the tile: ranks that get the same calls have the same state. Fit and ramps change
+/// the picture alone.
+class WallScene {
+public:
+    /// \param layout  borrows
+    /// \param tile    borrows: the one that is drawn
+    /// \param voice   of the virtual clock
+    WallScene(const WallLayout& layout, const WallTile& tile, Stage::Voice voice);
+
+    /// Begins anew as a process does that has just started. Frees the recording and the GL objects
+    /// of the scene before; its nodes stay until the process ends. Needs: the tile's GL context,
+    /// from the second call on. Prints what the scene prints.
+    void begin(unsigned seed);
+
+    /// Hands an event to the scene.
+    void give(const InputEvent& event);
+
+    /// One update, with this step of the recording.
+    void update(int step);
+
+    /// Draws the tile's part of the frame into the current framebuffer. Afterwards GL's viewport is
+    /// the whole wall, as the scene's input needs it. Needs: the tile's GL context.
+    void draw();
+
+    StateHash hash() const;
+
+    /// That, and the numbers of children of the water and of nodes in view.
+    State state() const;
+
+    /// Steps of the recording.
+    int numSteps() const;
+
+    /// The step that the virtual clock has for the next update.
+    int nextStep() const { return stage->nextStep(); }
+    bool isVoiceOver() const { return stage->isVoiceOver(); }
+
+private:
+    const WallLayout& wall;
+    const WallTile& part;
+    Stage::Voice clockVoice;
+    mutable RandomNumbers numbers;
+    std::unique_ptr<Stage> stage;
+    RampOverlay ramps;
+
+    void end();
+};
+
+/// Throws std::runtime_error when the current GL context cannot draw the tile: its viewport, which
+/// is the whole wall's, is beyond GL's limits.
+void checkLimits(const WallTile& tile);
+
+} // namespace wall
