@@ -2,9 +2,12 @@
 
 #include "ErrorOf.h"
 
+#include <csignal>
 #include <cstdint>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
@@ -190,6 +193,20 @@ TEST(CommandLineRunTest, SaysWhyAProgramEnded)
     EXPECT_EQ(outcome([]() -> int { throw commandline::UsageError("not \"\x1b[2J\""); }),
               "2 kelpix-x: not \"\\x1b[2J\"\nkelpix-x --help lists the options.\n");
     EXPECT_EQ(outcome([]() -> int { throw std::bad_alloc(); }), "1 kelpix-x: not enough memory\n");
+}
+
+TEST(CommandLineRunTest, LearnsHowChildrenEndWhateverItsParentIgnores)
+{
+    std::signal(SIGCHLD, SIG_IGN);
+    const int status = commandline::run("kelpix-x", [] {
+        const pid_t child = fork();
+        if (child == 0) {
+            _exit(3);
+        }
+        int end = 0;
+        return waitpid(child, &end, 0) == child ? WEXITSTATUS(end) : -1;
+    });
+    EXPECT_EQ(status, 3);
 }
 
 TEST(CommandLineAnswerTest, PrintsWhatWasAskedFor)

@@ -3,6 +3,7 @@
 #include "Printable.h"
 
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 #include <iterator>
 #include <new>
@@ -149,6 +150,8 @@ void answer(Action action, const char* program, const std::string& usage)
 
 int run(const char* program, const std::function<int()>& work)
 {
+    // A parent that ignores it hands that down, and the kernel then keeps no child's status.
+    std::signal(SIGCHLD, SIG_DFL);
     try {
         return work();
     } catch (const UsageError& error) {

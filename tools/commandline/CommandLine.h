@@ -66,8 +66,9 @@ std::string describe(const std::vector<Option>& options);
 void answer(Action action, const char* program, const std::string& usage);
 
 /// Runs a program's \p work, and says on standard error why it ended by an exception: one line,
-/// whatever the exception's text holds. \return what \p work returned; 2 after a UsageError, 1
-/// after any other std::exception
+/// whatever the exception's text holds. Sets SIGCHLD to its default, so that \p work learns how its
+/// children end.
+/// \return what \p work returned; 2 after a UsageError, 1 after any other std::exception
 int run(const char* program, const std::function<int()>& work);
 
 /// Of a flag: sets \p target, which is borrowed and must live until the line is parsed.

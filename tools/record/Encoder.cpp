@@ -21,6 +21,7 @@ namespace {
 
 constexpr int SOUND_DESCRIPTOR = 3;
 constexpr int REPORT_DESCRIPTOR = 4;
+constexpr int BETWEEN_CALLS = 100; // milliseconds, while ffmpeg is waited for
 
 bool isOneOf(const std::string& text, std::initializer_list<const char*> texts)
 {
@@ -182,12 +183,12 @@ Encoder::~Encoder()
     abandon();
 }
 
-bool Encoder::write(const Picture& frame)
+bool Encoder::write(const Picture& frame, const std::function<void()>& waiting)
 {
     if (process == -1) {
         return false;
     }
-    if (hand(frame.pixels)) {
+    if (hand(frame.pixels, waiting)) {
         return true;
     }
     requireSuccess(waitForEnd(nullptr));
@@ -195,12 +196,15 @@ bool Encoder::write(const Picture& frame)
 }
 
 /// \return false when nobody reads any more
-bool Encoder::hand(const std::vector<std::uint8_t>& bytes)
+bool Encoder::hand(const std::vector<std::uint8_t>& bytes, const std::function<void()>& waiting)
 {
     for (std::size_t at = 0; at < bytes.size();) {
         std::array<pollfd, 2> ends = {{{frames, POLLOUT, 0}, {reports, POLLIN, 0}}};
-        poll(ends.data(), ends.size(), -1);
+        const int ready = poll(ends.data(), ends.size(), BETWEEN_CALLS);
         readReports();
+        if (ready <= 0 && waiting) {
+            waiting();
+        }
         const ssize_t count = ::write(frames, &bytes[at], bytes.size() - at);
         if (count > 0) {
             at += static_cast<std::size_t>(count);
@@ -255,9 +259,8 @@ int Encoder::waitForEnd(const std::function<void()>& waiting)
     int status = 0;
     pid_t ended = 0;
     while (ended != process) {
-        constexpr int PERIOD = 100; // milliseconds
         pollfd end{reports, POLLIN, 0};
-        poll(&end, 1, PERIOD);
+        poll(&end, 1, BETWEEN_CALLS);
         readReports();
         if (waiting) {
             waiting();

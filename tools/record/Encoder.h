@@ -50,9 +50,10 @@ public:
     ~Encoder();
 
     /// Takes the next frame, of the film's size, and waits while ffmpeg is busy.
+    /// \param waiting  called ten times a second meanwhile, and may throw; null: nothing is called
     /// \return false when ffmpeg has ended without an error, as with an option for the length
     /// Throws std::runtime_error when ffmpeg failed.
-    bool write(const Picture& frame);
+    bool write(const Picture& frame, const std::function<void()>& waiting = nullptr);
 
     /// The frames that ffmpeg's encoder has taken, as ffmpeg has last said, which it does twice a
     /// second; those that wait in a pipe or for a filter do not count. write and finish read it.
@@ -73,7 +74,7 @@ private:
     EncoderReport report;
     std::thread soundFeed;
 
-    bool hand(const std::vector<std::uint8_t>& bytes);
+    bool hand(const std::vector<std::uint8_t>& bytes, const std::function<void()>& waiting);
     void readReports();
     int waitForEnd(const std::function<void()>& waiting);
     void requireSuccess(int status);

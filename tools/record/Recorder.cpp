@@ -239,7 +239,9 @@ void Recorder::film(const Schedule& schedule, Encoder& encoder)
         progress.show(std::min(done, last), elapsed());
     };
     drawFrames(
-        schedule, [&](const Picture& picture) { return encoder.write(picture); }, showProgress);
+        schedule,
+        [&](const Picture& picture) { return encoder.write(picture, Interruption::check); },
+        showProgress);
     encoder.finish([&] {
         Interruption::check();
         showProgress(last + 1);

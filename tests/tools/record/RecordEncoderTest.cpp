@@ -209,6 +209,22 @@ TEST_F(RecordEncoderTest, AnEncoderMayHaveEnoughBeforeTheEnd)
     EXPECT_EQ(content("film.mp4"), "short\n");
 }
 
+TEST_F(RecordEncoderTest, WhoWaitsForAnEncoderThatTakesNothingIsAskedMeanwhile)
+{
+    installEncoder("exec sleep 1000");
+    Encoder encoder(format, silence);
+    // More than the largest pipe holds.
+    Picture large{1024, 1024, {}};
+    large.pixels.resize(large.rowBytes() * 1024);
+    int calls = 0;
+    const auto waiting = [&calls] {
+        if (++calls == 2) {
+            throw std::runtime_error("enough");
+        }
+    };
+    EXPECT_EQ(errorOf([&] { encoder.write(large, waiting); }), "enough");
+}
+
 TEST_F(RecordEncoderTest, AFilmThatIsAbandonedLeavesNothing)
 {
     installEncoder("echo $$ >pid.new; mv pid.new pid; echo half >$out; exec cat >/dev/null");
