@@ -7,38 +7,31 @@ namespace media {
 namespace {
 
 // A tune in the Dorian mode on D. Its first half falls, its second half rises. Phrases come in
-// pairs: the bird answers in the rest after the second of a pair. The figures stay about a fifth of
-// the picture apart, so that a school of fish gathers around each. At the end of the first half
-// they meet.
+// pairs: the bird answers in the rest after the second of a pair.
 const std::array<Phrase, PHRASES_PER_VERSE> VERSE = {{
     {{{62, 1.0, Vowel::O}, {69, 1.5, Vowel::A}, {67, 0.5, Vowel::O}, {0, 1.0, Vowel::O}},
      50,
-     false,
-     {{{0.70f, 0.40f}, {0.50f, 0.52f}, {0.30f, 0.42f}}}},
+     false},
     {{{65, 0.75, Vowel::O}, {67, 0.25, Vowel::O}, {69, 1.75, Vowel::A}, {0, 1.25, Vowel::A}},
      53,
-     true,
-     {{{0.78f, 0.54f}, {0.60f, 0.46f}, {0.41f, 0.38f}}}},
+     true},
     {{{72, 1.0, Vowel::A},
       {71, 0.5, Vowel::E},
       {69, 0.5, Vowel::A},
       {67, 1.0, Vowel::O},
       {0, 1.0, Vowel::O}},
      48,
-     false,
-     {{{0.66f, 0.60f}, {0.46f, 0.60f}, {0.26f, 0.50f}}}},
+     false},
     {{{69, 0.5, Vowel::O}, {65, 0.5, Vowel::O}, {62, 1.75, Vowel::U}, {0, 1.25, Vowel::U}},
      50,
-     true,
-     {{{0.55f, 0.46f}, {0.47f, 0.54f}, {0.43f, 0.44f}}}},
+     true},
     {{{62, 0.5, Vowel::O},
       {65, 0.5, Vowel::O},
       {69, 0.5, Vowel::A},
       {74, 1.5, Vowel::A},
       {0, 1.0, Vowel::A}},
      55,
-     false,
-     {{{0.72f, 0.36f}, {0.54f, 0.66f}, {0.26f, 0.50f}}}},
+     false},
     {{{76, 0.5, Vowel::E},
       {74, 0.5, Vowel::A},
       {72, 0.5, Vowel::A},
@@ -46,23 +39,26 @@ const std::array<Phrase, PHRASES_PER_VERSE> VERSE = {{
       {69, 0.75, Vowel::O},
       {0, 1.25, Vowel::O}},
      57,
-     true,
-     {{{0.58f, 0.28f}, {0.72f, 0.46f}, {0.38f, 0.32f}}}},
+     true},
     {{{67, 0.5, Vowel::O},
       {69, 0.5, Vowel::A},
       {72, 1.0, Vowel::A},
       {69, 1.0, Vowel::O},
       {0, 1.0, Vowel::O}},
      53,
-     false,
-     {{{0.40f, 0.44f}, {0.60f, 0.58f}, {0.22f, 0.54f}}}},
+     false},
     {{{67, 0.5, Vowel::O}, {64, 0.5, Vowel::E}, {62, 1.75, Vowel::U}, {0, 1.25, Vowel::U}},
      50,
-     true,
-     {{{0.62f, 0.56f}, {0.44f, 0.44f}, {0.28f, 0.36f}}}},
+     true},
 }};
 
 } // namespace
+
+const std::array<Note, 5> FAREWELL = {{{62, 1.0, Vowel::U},
+                                       {65, 1.0, Vowel::O},
+                                       {67, 1.0, Vowel::O},
+                                       {69, 1.5, Vowel::A},
+                                       {62, 4.0, Vowel::M}}};
 
 Score makeScore(double seconds)
 {

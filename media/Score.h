@@ -1,7 +1,5 @@
 #pragma once
 
-#include "Point.h"
-
 #include <array>
 #include <vector>
 
@@ -23,15 +21,17 @@ struct Note {
     Vowel vowel;
 };
 
-/// Four beats of the piece: what the voices sing, and where the figures go.
+/// Four beats of the piece.
 struct Phrase {
     std::vector<Note> melody; ///< beats add up to 4, the last note is a rest
     int bass;                 ///< pitch of the lower voice
     bool answered;            ///< whether the bird answers in the rest
-    /// Where the figures are when the phrase ends, in the scene's world: x to the right, y up,
-    /// the picture is 0 .. 1.
-    std::array<Point, FIGURES> places;
 };
+
+/// What the leading voice sings in the coda, to rise with the figures and to breathe out as they
+/// leave. In a short coda the beats are shorter.
+extern const std::array<Note, 5> FAREWELL;
+constexpr std::size_t LAST_BREATH = 4; ///< the note of it with which the figures leave
 
 /// A phrase at its time.
 struct Cue {

@@ -45,6 +45,27 @@ std::vector<Point> updatesOf(const Motion& motion)
     return places;
 }
 
+bool isBeside(Point p)
+{
+    return p.x < 0 || p.x > 1;
+}
+
+/// Whether a figure at this place, or its tentacles, can be seen.
+bool isVisible(Point p)
+{
+    constexpr float LOWEST = -0.05f;
+    constexpr float HIGHEST = 1.16f;
+    constexpr float BESIDE = 0.08f;
+    return p.y > LOWEST && p.y < HIGHEST && p.x > -BESIDE && p.x < 1 + BESIDE;
+}
+
+/// Whether a movement is so straight up that tentacles hang well at more than the usual speed.
+bool rises(Point v)
+{
+    constexpr float FASTEST = 0.025f;
+    return v.y < FASTEST && std::abs(v.x) < v.y / 4;
+}
+
 void checkSpeed(const Motion& motion, const std::vector<Point>& places, FileReport& report)
 {
     constexpr float STANDS = 0.15f;
@@ -54,11 +75,14 @@ void checkSpeed(const Motion& motion, const std::vector<Point>& places, FileRepo
     double firstStand = 0;
     double firstJagged = 0;
     for (std::size_t i = 1; i < places.size(); ++i) {
+        if (!isVisible(places[i - 1]) && !isVisible(places[i])) {
+            continue;
+        }
         const Point v = places[i] - places[i - 1];
         const double seconds = static_cast<double>(i) / Rates::UPDATES;
         if (std::abs(v.x) > STANDS || std::abs(v.y) > STANDS) {
             firstStand = stands++ == 0 ? seconds : firstStand;
-        } else if (length(v) > JAGGED) {
+        } else if (length(v) > JAGGED && !rises(v)) {
             firstJagged = jagged++ == 0 ? seconds : firstJagged;
         }
     }
@@ -74,18 +98,42 @@ void checkSpeed(const Motion& motion, const std::vector<Point>& places, FileRepo
     }
 }
 
+/// Remarks on a figure that takes its fish along as it leaves.
+/// \param seen  the number of places until the last one in the picture
+void checkExit(const Motion& motion, const std::vector<Point>& places, std::size_t seen,
+               FileReport& report)
+{
+    constexpr float FASTER_THAN_FISH = 0.0115f; // fish swim 0.007, and get away from the walls
+    constexpr std::size_t LOOK = 10;
+    if (seen < LOOK || seen == places.size() || isBeside(places[seen])) {
+        return;
+    }
+    const Point before = places[seen - LOOK];
+    const bool fast = places[seen - 1].y - before.y > FASTER_THAN_FISH * (LOOK - 1);
+    if (places[seen].y > 1 && fast) {
+        return;
+    }
+    report.hint(nameOf(motion.figure) + " leaves " +
+                (places[seen].y < 0 ? "through the bottom of the picture"
+                                    : "slowly through the top of the picture") +
+                ", at " + at(static_cast<double>(seen) / Rates::UPDATES) +
+                ": the fish that follow it are lost; through the top, by 0.012 or more in an "
+                "update, it would leave them behind");
+}
+
 void checkPlace(const Motion& motion, const std::vector<Point>& places, FileReport& report)
 {
     // Figures rest 0.1 below the visible world.
     constexpr float BELOW = -0.15f;
-    std::size_t seen = 0;
+    const auto isInside = [](Point p) { return !isBeside(p) && p.y >= 0 && p.y <= 1; };
+    const auto end = std::find_if(places.rbegin(), places.rend(), isInside);
+    const auto seen = static_cast<std::size_t>(places.rend() - end); // until the last moment of it
     std::size_t astray = 0;
     double firstAstray = 0;
     for (std::size_t i = 0; i < places.size(); ++i) {
         const Point p = places[i];
-        const bool beside = p.x < 0 || p.x > 1;
-        seen += !beside && p.y >= 0 && p.y <= 1 ? 1 : 0;
-        if (beside || p.y > 1 || p.y < BELOW) {
+        // Above the picture a figure may wait for the end.
+        if (isBeside(p) || p.y < BELOW || (p.y > 1 && i < seen)) {
             firstAstray = astray++ == 0 ? static_cast<double>(i) / Rates::UPDATES : firstAstray;
         }
     }
@@ -95,6 +143,7 @@ void checkPlace(const Motion& motion, const std::vector<Point>& places, FileRepo
         report.hint(nameOf(motion.figure) + " leaves the picture, first at " + at(firstAstray) +
                     ", for " + at(static_cast<double>(astray) / Rates::UPDATES) + " in all");
     }
+    checkExit(motion, places, seen, report);
 }
 
 void checkRest(const Motion& motion, FileReport& report)

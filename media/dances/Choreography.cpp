@@ -1,198 +1,178 @@
 #include "Choreography.h"
 
+#include "Dancer.h"
+#include "Places.h"
 #include "Rates.h"
+
+#include <span>
 
 namespace media {
 
 namespace {
 
-/// A part of a figure's movement, in seconds since its phrase began.
-struct Span {
-    double from;
-    double to;
+/// Notes that are shorter are no beats of a figure.
+constexpr double SHORTEST_NOTE = 0.4; // beats
+
+/// Of so few beats none is left out.
+constexpr std::size_t FEW = 3;
+
+/// The first beat of a phrase is the strongest.
+constexpr double FIRST_STRENGTH = 1.35;
+
+/// A figure may end a phrase so far to any side of its place, unless the place is so close to that
+/// of another one: figures that meet do so exactly.
+constexpr double ASIDE = 0.08;
+constexpr float MEETING = 0.15f;
+
+/// A figure at this height is not seen, neither its body nor its tentacles.
+constexpr double OUT_OF_SIGHT = 1.2;
+
+/// Fish swim 0.007 an update, of which there are 40 a second.
+constexpr double LEAVING_SPEED = 0.018 * Rates::UPDATES;
+
+/// How long the figures are at home before the end, in a whole coda and at the least.
+constexpr double AT_HOME = 1.0;
+constexpr double SHORTLY_AT_HOME = 0.3;
+
+/// The beats of a figure in a phrase.
+/// \param beat  the length of one in seconds
+/// \param role  0 = leads, 1 and 2 = follow, and leave out a note
+std::vector<Beat> beatsOf(std::span<const Note> melody, double beat, std::size_t role)
+{
+    std::vector<Beat> beats;
+    double at = 0;
+    for (const Note& note : melody) {
+        if (note.pitch != 0 && note.beats >= SHORTEST_NOTE) {
+            beats.push_back({at * beat, beats.empty() ? FIRST_STRENGTH : 1.0});
+        }
+        at += note.beats;
+    }
+    if (role > 0 && beats.size() > FEW) {
+        beats.erase(beats.begin() + static_cast<std::ptrdiff_t>(role));
+    }
+    return beats;
+}
+
+/// The times of the coda.
+struct Coda {
+    double beat;  ///< length in seconds
+    double leave; ///< when the last breath begins
+    double home;  ///< from when on the figures are at home
 };
 
-constexpr Span STROKE{0.0, 0.65};
-constexpr Span ARC{0.48, 2.12};
-constexpr Span SINK{2.06, 3.12};
-constexpr double STROKE_HEIGHT = 0.16;
-constexpr double SINK_DEPTH = 0.17;
-
-/// The scene tilts a figure that moves sideways, by five degrees about every twentieth of a second,
-/// up to 40 degrees. Moving back a little, for as long as eight such steps take, sets it upright.
-constexpr Span RIGHTING{2.12, 2.32};
-constexpr double RIGHTING_WAY = 0.006;
-
-/// The first phrase brings the figures up from below, the coda takes them home.
-constexpr Span RISE{0.0, 3.1};
-constexpr Span GOING_HOME{0.3, 7.6};
-constexpr Span CROSSING_HOME{0.3, 3.0};
-
-/// The leader starts with the phrase, each of the others so many seconds after the one before.
-constexpr double STAGGER = 0.09;
-
-/// How much of a movement is done, 0 .. 1. It starts and ends at rest; in between its speed is
-/// constant, but for \p pulses beats of the bell.
-double progress(Span span, double t, int pulses)
+Coda codaOf(const Score& score)
 {
-    const double u = (t - span.from) / (span.to - span.from);
-    if (u <= 0) {
-        return 0;
+    const double beat = score.edges * BEAT;
+    double before = 0;
+    for (std::size_t i = 0; i < LAST_BREATH; ++i) {
+        before += FAREWELL[i].beats;
     }
-    if (u >= 1) {
-        return 1;
-    }
-    // The speed is a trapezium with rounded ramps of a fifth each; this is its integral.
-    constexpr double RAMP = 0.20;
-    const auto ramp = [](double v) { return v * v * v * (1 - v / 2); };
-    double way = 0;
-    if (u < RAMP) {
-        way = ramp(u / RAMP) * RAMP;
-    } else if (u <= 1 - RAMP) {
-        way = u - RAMP / 2;
-    } else {
-        way = (1 - RAMP) - ramp((1 - u) / RAMP) * RAMP;
-    }
-    way /= 1 - RAMP;
-    constexpr double DEPTH = 0.15;
-    constexpr double TURN = 6.283185307179586;
-    return pulses == 0 ? way : way - DEPTH * std::sin(TURN * pulses * way) / (TURN * pulses);
+    // There is no time to rise in a shortened coda.
+    return {beat, score.coda + (score.edges < 1 ? 0 : before * beat),
+            score.seconds - std::max(score.edges * AT_HOME, SHORTLY_AT_HOME)};
 }
 
-double lerp(double a, double b, double t)
-{
-    return a + (b - a) * t;
-}
-
-/// One figure on its way from place to place.
-class Figure {
+/// One figure throughout the piece.
+class Path {
 public:
-    Figure(int which, bool without_swing) : number(which), marked(without_swing), at(homeOf(which))
+    Path(const Score& of, const Region& on, std::size_t number)
+        : score(of), stage(on), figure(number), coda(codaOf(of)),
+          dancer(homeOf(static_cast<int>(number)))
     {
     }
 
-    /// Where the figure is, \p t seconds after the start of the phrase that leads it to \p goal.
-    Point inPhrase(double t, Point goal, bool entrance, int order) const;
-
-    /// Where the figure is, \p t seconds after the start of the coda.
-    Point inCoda(double t) const;
-
-    /// The phrase is over and the figure is where it was led.
-    void arrive(Point goal) { at = goal; }
+    /// Where the figure is at a time. The times of the calls grow by one record each.
+    Point at(double now);
 
 private:
-    double across(double t, double goal, Span span) const;
+    void startPhrase();
+    void startCoda();
 
-    int number;
-    bool marked;
-    Point at;
+    const Score& score;
+    const Region& stage;
+    std::size_t figure;
+    Coda coda;
+    Dancer dancer;
+    std::size_t begun = 0; ///< phrases, and at last the coda
+    bool leaves = false;
 };
 
-/// The x coordinate: a little beyond the goal on the arc, and back while the figure rights itself.
-double Figure::across(double t, double goal, Span span) const
+void Path::startPhrase()
 {
-    const double from = at.x;
-    if (goal == from) {
-        return from;
-    }
-    const double side = goal > from ? 1.0 : -1.0;
-    const Span righting{span.to, span.to + (RIGHTING.to - RIGHTING.from)};
-    if (t < span.to) {
-        return lerp(from, goal + side * RIGHTING_WAY, progress(span, t, marked ? 0 : 3));
-    }
-    return t < righting.to ? goal + side * RIGHTING_WAY * (1 - progress(righting, t, 0)) : goal;
-}
-
-Point Figure::inPhrase(double t, Point goal, bool entrance, int order) const
-{
-    t -= STAGGER * order;
-    const double x = across(t, goal.x, ARC);
-    if (entrance) {
-        const double y = lerp(at.y, goal.y, progress(RISE, t, marked ? 0 : 4));
-        return {static_cast<float>(x), static_cast<float>(y)};
-    }
-    const double arc = progress(ARC, t, marked ? 0 : 3);
-    // The height of the arc grows with the distance.
-    const double swing = marked ? 0 : 0.22 * std::abs(goal.x - at.x) * 4 * arc * (1 - arc);
-    const double y = at.y + STROKE_HEIGHT * progress(STROKE, t, 0) +
-                     (goal.y + SINK_DEPTH - at.y - STROKE_HEIGHT) * arc + swing -
-                     SINK_DEPTH * progress(SINK, t, 0);
-    return {static_cast<float>(x), static_cast<float>(y)};
-}
-
-Point Figure::inCoda(double t) const
-{
-    const Point home = homeOf(number);
-    t -= STAGGER * number;
-    return {static_cast<float>(across(t, home.x, CROSSING_HOME)),
-            static_cast<float>(lerp(at.y, home.y, progress(GOING_HOME, t, marked ? 0 : 8)))};
-}
-
-/// The places of a phrase; every other verse is danced as in a mirror.
-Point placeOf(const Cue& cue, std::size_t figure)
-{
-    const bool mirrored = cue.verse % 2 == 1;
-    const Point p = cue.phrase->places[mirrored ? FIGURES - 1 - figure : figure];
-    return mirrored ? Point{1 - p.x, p.y} : p;
-}
-
-/// A dance for a piece in which there is no time for one: up to the places of its phrase, or as far
-/// towards them as the time allows, and home.
-std::vector<Pose> shortDance(const Score& score)
-{
-    // Between two stations a figure is up to half as fast again as on average.
-    constexpr double FASTEST = 0.0088 * Rates::UPDATES / 1.5;
-    constexpr Span RISING{0.10, 0.45};
-    constexpr Span SINKING{0.52, 0.87};
-    Stations stations;
+    const std::size_t leader = begun % FIGURES;
+    const std::size_t role = begun == 0 ? 0 : (figure + FIGURES - leader) % FIGURES;
+    // In a short piece there is no time to rise later.
+    const auto goals = score.edges < 1 ? farewellPlaces(stage) : placesAfter(begun, stage);
+    const Point goal = goals[figure];
+    double aside = ASIDE;
     for (std::size_t k = 0; k < FIGURES; ++k) {
-        const Point home = homeOf(static_cast<int>(k));
-        const Point way = placeOf(score.cues.front(), k) - home;
-        const double reach = FASTEST * (RISING.to - RISING.from) * score.seconds;
-        const double part = std::min(1.0, reach / static_cast<double>(length(way)));
-        const Point top = home + way * static_cast<float>(part);
-        stations[k] = {{RISING.from * score.seconds, home},
-                       {RISING.to * score.seconds, top},
-                       {SINKING.from * score.seconds, top},
-                       {SINKING.to * score.seconds, home}};
+        const bool meet = k != figure && length(goals[k] - goal) < MEETING;
+        aside = meet ? 0 : aside;
     }
-    return posesThrough(stations, score.seconds);
+    // Between the last phrase and the coda there can be a rest.
+    const bool last = begun + 1 == score.cues.size();
+    const double seconds = last ? score.coda - score.cues[begun].start : PHRASE;
+    dancer.begin(beatsOf(score.cues[begun].phrase->melody, BEAT, role), goal, seconds, stage,
+                 aside);
+}
+
+void Path::startCoda()
+{
+    const std::span<const Note> rising(FAREWELL.data(), LAST_BREATH);
+    dancer.begin(beatsOf(rising, coda.beat, 0), farewellPlaces(stage)[figure],
+                 coda.leave - score.coda, stage, 0);
+}
+
+Point Path::at(double now)
+{
+    if (now >= coda.home) {
+        return homeOf(static_cast<int>(figure));
+    }
+    const std::size_t phrases = score.cues.size();
+    if (begun < phrases && now >= score.cues[begun].start) {
+        startPhrase();
+        ++begun;
+    } else if (begun == phrases && now >= score.coda && coda.leave > score.coda) {
+        startCoda();
+        ++begun;
+    } else if (!leaves && now >= coda.leave) {
+        const double way = OUT_OF_SIGHT - static_cast<double>(dancer.place().y);
+        dancer.leave(std::max(LEAVING_SPEED, way / (coda.home - now - Dancer::TURNING / 2)));
+        leaves = true;
+    }
+    const Point place = dancer.place();
+    if (begun > 0 && static_cast<double>(place.y) < OUT_OF_SIGHT) {
+        dancer.advance();
+    }
+    return place;
 }
 
 } // namespace
 
-std::vector<Pose> choreograph(const Score& score, bool marked)
+std::vector<Pose> choreograph(const Score& score, const Region& stage)
 {
-    if (score.edges < 1) {
-        return shortDance(score);
-    }
-    std::array<Figure, FIGURES> figures = {Figure(0, marked), Figure(1, marked), Figure(2, marked)};
-    std::vector<Pose> poses;
-    std::size_t cue = 0; // the phrase that is being danced, or comes next
-    const std::size_t count = recordsOf(score.seconds);
-    for (std::size_t i = 0; i < count; ++i) {
-        const double now = static_cast<double>(i) / Rates::RECORDS;
-        if (cue < score.cues.size() && now >= score.cues[cue].start + PHRASE) {
-            for (std::size_t k = 0; k < FIGURES; ++k) {
-                figures[k].arrive(placeOf(score.cues[cue], k));
-            }
-            ++cue;
+    std::vector<Pose> poses(recordsOf(score.seconds));
+    for (std::size_t k = 0; k < FIGURES; ++k) {
+        Path path(score, stage, k);
+        for (std::size_t i = 0; i < poses.size(); ++i) {
+            poses[i][k] = path.at(static_cast<double>(i) / Rates::RECORDS);
         }
-        Pose pose;
-        for (std::size_t k = 0; k < FIGURES; ++k) {
-            if (cue < score.cues.size()) {
-                const Cue& danced = score.cues[cue];
-                const int leader = static_cast<int>(cue) % FIGURES;
-                const int order = (static_cast<int>(k) + FIGURES - leader) % FIGURES;
-                pose[k] =
-                    figures[k].inPhrase(now - danced.start, placeOf(danced, k), cue == 0, order);
-            } else {
-                pose[k] = figures[k].inCoda(now - score.coda);
-            }
-        }
-        poses.push_back(pose);
     }
     return poses;
+}
+
+std::vector<Pose> rehearse(const Score& score, const Region& stage)
+{
+    Stations stations;
+    for (std::size_t k = 0; k < FIGURES; ++k) {
+        const Point home = homeOf(static_cast<int>(k));
+        stations[k].push_back({score.prelude, home});
+        for (std::size_t i = 0; i < score.cues.size(); ++i) {
+            stations[k].push_back({score.cues[i].start + PHRASE, placesAfter(i, stage)[k]});
+        }
+        stations[k].push_back({codaOf(score).home, home});
+    }
+    return posesThrough(stations, score.seconds);
 }
 
 } // namespace media

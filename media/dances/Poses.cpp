@@ -9,9 +9,19 @@ namespace media {
 
 namespace {
 
+bool isAbove(Point place)
+{
+    constexpr float OUT_OF_SIGHT = 1.15f; // the tentacles too
+    return place.y >= OUT_OF_SIGHT;
+}
+
 /// Where a figure is on its way between two stations.
 Point between(const Station& from, const Station& to, double seconds)
 {
+    // From above the picture to below it: unseen, or it would dash through.
+    if (isAbove(from.place) && to.place.y < 0) {
+        return from.place;
+    }
     const double t = (seconds - from.seconds) / (to.seconds - from.seconds);
     return mix(from.place, to.place, static_cast<float>(t * t * (3 - 2 * t)));
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Point.h"
 #include "Score.h"
 
 #include <array>
@@ -32,7 +33,8 @@ using Stations = std::array<std::vector<Station>, FIGURES>;
 double endOf(const Stations& stations);
 
 /// The paths of figures that go from station to station in straight lines, and start and arrive
-/// softly. At the start they are at home, after their last station they stay there.
+/// softly. At the start they are at home, after their last station they stay there. A figure that
+/// has left through the top waits there, and is below the picture from one pose to the next.
 /// \return recordsOf(seconds) poses
 std::vector<Pose> posesThrough(const Stations& stations, double seconds);
 

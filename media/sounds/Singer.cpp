@@ -1,5 +1,6 @@
 #include "Singer.h"
 
+#include "Point.h"
 #include "Random.h"
 
 #include <cmath>

@@ -66,8 +66,15 @@ Lines arrange(const Score& score)
         }
     }
     const double beat = score.edges * BEAT;
-    lines.lead.push_back({score.coda, 3.5 * beat, 62, Vowel::U, 0.55f});
-    lines.lead.push_back({score.coda + 3.5 * beat, 1.5 * beat, 62, Vowel::M, 0.35f});
+    double at = score.coda;
+    for (const Note& note : FAREWELL) {
+        if (note.pitch != 0) {
+            const float loud = note.vowel == Vowel::M ? 0.35f : 0.55f;
+            lines.lead.push_back(
+                {at, note.beats * beat, static_cast<double>(note.pitch), note.vowel, loud});
+        }
+        at += note.beats * beat;
+    }
     lines.second.push_back({score.coda, 6 * beat, 57, Vowel::U, 0.40f});
     lines.low.push_back({score.coda, (CODA - 0.4) * score.edges, 50, Vowel::M, 0.40f});
     return lines;

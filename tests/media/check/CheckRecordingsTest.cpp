@@ -20,11 +20,23 @@ constexpr double SECONDS = 10;
 /// The recorded position of a sensor by the fraction of the recording, 0 .. 1.
 using Path = std::function<Point(double)>;
 
+constexpr double TURN = 6.283185307179586;
+
 /// From below the picture to its middle and back, softly.
+Point rocking(double t)
+{
+    return {0, static_cast<float>(0.8 * (1 - std::cos(TURN * t)))};
+}
+
+/// The same as far as to the middle; then up and out, by 0.0125 at each update, and home.
 Point calm(double t)
 {
-    constexpr double TURN = 6.283185307179586;
-    return {0, static_cast<float>(0.8 * (1 - std::cos(TURN * t)))};
+    if (t <= 0.5) {
+        return rocking(t);
+    }
+    constexpr double SPEED = 0.0125 * 40 * SECONDS / 0.45; // recorded positions in a recording
+    const double rise = std::min(t - 0.5, 0.15);
+    return t < 0.8 ? Point{0, static_cast<float>(1.6 + SPEED * rise)} : Point{0, 0};
 }
 
 std::string words(Point p)
@@ -276,7 +288,10 @@ TEST_F(CheckRecordingsTest, FiguresThatMoveTooFastStandStill)
 
 TEST_F(CheckRecordingsTest, HintsAtFiguresThatMoveJaggedly)
 {
-    const auto quick = [](double t) { return calm(t * 3); };
+    const auto quick = [](double t) {
+        const double sway = t > 0.25 && t < 0.5 ? 0.2 * std::sin(TURN * 12 * t) : 0;
+        return Point{static_cast<float>(sway), calm(t).y};
+    };
     EXPECT_THAT(danceOf(recording(RECORDS + 1, quick, calm, calm)),
                 Says(Mark::hint, "figure 0 moves by more than 0.012"));
 }
@@ -284,12 +299,49 @@ TEST_F(CheckRecordingsTest, HintsAtFiguresThatMoveJaggedly)
 TEST_F(CheckRecordingsTest, HintsAtFiguresThatLeaveThePicture)
 {
     // Figure 2 stands 0.5 to the right of the left edge: 1.2 recorded to its left is 0.04 outside.
-    constexpr double TURN = 6.283185307179586;
     const auto aside = [](double t) {
         return Point{static_cast<float>(-0.6 * (1 - std::cos(TURN * t))), calm(t).y};
     };
     EXPECT_THAT(danceOf(recording(RECORDS + 1, calm, calm, aside)),
                 Says(Mark::hint, "figure 2 leaves the picture"));
+}
+
+TEST_F(CheckRecordingsTest, HintsAtFiguresThatTakeTheirFishAlong)
+{
+    EXPECT_THAT(danceOf(recording(RECORDS + 1, rocking, calm, calm)),
+                Says(Mark::hint, "figure 0 leaves through the bottom of the picture, at 8.8 s"));
+    // 0.007 an update: the fish keep up.
+    const auto slow = [](double t) {
+        return t < 0.5 || t > 0.95 ? calm(t) : Point{0, static_cast<float>(1.6 + 6.2 * (t - 0.5))};
+    };
+    EXPECT_THAT(
+        danceOf(recording(RECORDS + 1, calm, slow, calm)),
+        Says(Mark::hint, "figure 1 leaves slowly through the top of the picture, at 6.3 s"));
+}
+
+TEST_F(CheckRecordingsTest, WhatIsNotSeenMayBeFast)
+{
+    // Above the picture, and in one update from there to below it.
+    const auto hidden = [](double t) {
+        return t < 0.66 || t > 0.79 ? calm(t)
+                                    : Point{static_cast<int>(t * 100) % 2 == 0 ? 0.6f : -0.6f, 4};
+    };
+    EXPECT_THAT(danceOf(recording(RECORDS + 1, hidden, calm, calm)), IsFine());
+}
+
+TEST_F(CheckRecordingsTest, StraightUpMayBeFaster)
+{
+    const auto leave = [](double angle) {
+        return [angle](double t) {
+            const double way = 0.0125 * 40 * SECONDS / 0.45 * (t - 0.5);
+            return t < 0.5 || t > 0.65 ? calm(t)
+                                       : Point{static_cast<float>(way * std::sin(angle)),
+                                               static_cast<float>(1.6 + way * std::cos(angle))};
+        };
+    };
+    EXPECT_THAT(danceOf(recording(RECORDS + 1, leave(0.2), calm, calm)), IsFine());
+    EXPECT_THAT(danceOf(recording(RECORDS + 1, leave(0.35), calm, calm)),
+                SaysAlso(Mark::hint, "figure 0 moves by more than 0.012"));
 }
 
 TEST(CheckMotionTest, AFigureMayGoALittleBelowWhereItRests)
@@ -320,7 +372,7 @@ TEST_F(CheckRecordingsTest, AFigureIsSeenAtSomeTime)
 
 TEST_F(CheckRecordingsTest, HintsAtADanceThatDoesNotBeginAndEndAtRest)
 {
-    const auto late = [](double t) { return calm(t * 0.5 + 0.5); };
+    const auto late = [](double t) { return calm(std::max(t, 0.25)); };
     EXPECT_THAT(danceOf(recording(RECORDS + 1, late, calm, calm)),
                 Says(Mark::hint, "record 0 of figure 0 is not at 0 0"));
     const auto early = [](double t) { return calm(t * 0.5); };

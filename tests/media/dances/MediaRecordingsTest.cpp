@@ -158,18 +158,33 @@ TEST(DanceTest, WaitsBelowThePictureBeforeAndAfter)
     }
 }
 
-TEST(DanceTest, KeepsToTheStage)
+/// When the figures leave: four beats and a half into the coda.
+constexpr double LEAVING = 111 + 4.5 * PHRASE / 4;
+constexpr double ENTERED = 3 + PHRASE; // the first phrase brings the figures onto the stage
+
+TEST(DanceTest, UsesTheWholeStageAndKeepsToIt)
 {
+    // 0.0189 to 0.9811 are visible, in five columns and five rows. Tentacles hang into the lowest.
+    std::array<std::array<int, 5>, 5> visits{};
     for (std::size_t i = 0; i < dance().size(); ++i) {
         const double seconds = static_cast<double>(i) / RECORDS_PER_SECOND;
         for (std::size_t k = 0; k < FIGURES; ++k) {
             const auto p = dance().world(i, k);
-            ASSERT_GE(p[0], 0.12) << "record " << i;
-            ASSERT_LE(p[0], 0.88) << "record " << i;
-            ASSERT_LE(p[1], 0.88) << "record " << i;
-            if (seconds > 3 + PHRASE && seconds < 111) {
-                ASSERT_GE(p[1], 0.22) << "record " << i;
+            ASSERT_GE(p[0], 0.08) << "record " << i;
+            ASSERT_LE(p[0], 0.92) << "record " << i;
+            if (seconds > ENTERED && seconds < LEAVING) {
+                ASSERT_GE(p[1], 0.18) << "record " << i;
+                ASSERT_LE(p[1], 0.94) << "record " << i;
+                const auto column = static_cast<std::size_t>((p[0] - 0.0189) / 0.9622 * 5);
+                const auto row = static_cast<std::size_t>((p[1] - 0.0189) / 0.9622 * 5);
+                ++visits[row][column];
             }
+        }
+    }
+    for (std::size_t row = 1; row < 5; ++row) {
+        for (std::size_t column = 0; column < 5; ++column) {
+            EXPECT_GT(visits[row][column], RECORDS_PER_SECOND / 2)
+                << "row " << row << ", column " << column;
         }
     }
 }
@@ -178,18 +193,16 @@ TEST(DanceTest, MovesAtTheSpeedOfAJellyfish)
 {
     std::vector<double> moving;
     for (std::size_t k = 0; k < FIGURES; ++k) {
-        for (const auto& v : velocities(k)) {
-            const double speed = std::hypot(v[0], v[1]);
-            ASSERT_LE(speed, 0.012);
-            if (speed > 1e-4) {
-                moving.push_back(speed);
-            }
+        const auto all = velocities(k);
+        for (std::size_t i = 3 * UPDATES_PER_SECOND;
+             i < static_cast<std::size_t>(LEAVING * UPDATES_PER_SECOND); ++i) {
+            moving.push_back(std::hypot(all[i][0], all[i][1]));
+            ASSERT_LE(moving.back(), 0.012);
         }
     }
     std::sort(moving.begin(), moving.end());
-    EXPECT_GE(moving[moving.size() / 2], 0.004);
+    EXPECT_GE(moving[moving.size() / 2], 0.003);
     EXPECT_LE(moving[moving.size() * 9 / 10], 0.008);
-    EXPECT_GT(moving.size(), FIGURES * 120 * UPDATES_PER_SECOND * 8 / 10) << "it hardly ever rests";
 }
 
 TEST(DanceTest, ChangesItsSpeedSmoothly)
@@ -199,6 +212,9 @@ TEST(DanceTest, ChangesItsSpeedSmoothly)
             const auto a = dance().world(i - 1, k);
             const auto b = dance().world(i, k);
             const auto c = dance().world(i + 1, k);
+            if (std::max({a[1], b[1], c[1]}) > 1.15) {
+                continue; // out of sight, from where it goes home at once
+            }
             for (std::size_t axis = 0; axis < 2; ++axis) {
                 ASSERT_LT(std::abs(a[axis] - 2 * b[axis] + c[axis]), 0.0007) << "record " << i;
             }
@@ -206,125 +222,68 @@ TEST(DanceTest, ChangesItsSpeedSmoothly)
     }
 }
 
-TEST(DanceTest, HoldsItsPlaceExactlyWhereItRestsAndSinksUpright)
+TEST(DanceTest, NeverLingers)
 {
+    // In little more than two seconds, rests included, a figure has always been in two places more
+    // than 0.1 apart: no circle of a radius of 0.05 holds it for so long.
+    constexpr std::size_t WINDOW = 2 * RECORDS_PER_SECOND + 5;
     for (std::size_t k = 0; k < FIGURES; ++k) {
-        // The lean of the body: five degrees an update against the way, up to 40 degrees.
-        double tilt = 0;
-        const auto all = velocities(k);
-        std::size_t phrases = 0;
-        for (std::size_t i = 0; i < all.size(); ++i) {
-            if (std::abs(all[i][0]) > 1e-9) {
-                const double step = all[i][0] < 0 ? 5 : -5;
-                tilt = std::clamp(tilt + step, -40.0, 40.0);
+        for (std::size_t i = 290;
+             i + WINDOW < static_cast<std::size_t>(LEAVING * RECORDS_PER_SECOND); i += 4) {
+            double extent = 0;
+            for (std::size_t a = i; a <= i + WINDOW; a += 5) {
+                for (std::size_t b = a + 5; b <= i + WINDOW; b += 3) {
+                    const auto p = dance().world(a, k);
+                    const auto q = dance().world(b, k);
+                    extent = std::max(extent, std::hypot(p[0] - q[0], p[1] - q[1]));
+                }
             }
-            const double seconds = static_cast<double>(i + 1) / UPDATES_PER_SECOND;
-            const double untilPhrase = std::fmod(seconds - 3, PHRASE) - PHRASE;
-            if (seconds > 3 + PHRASE && seconds < 111 && untilPhrase > -0.7) {
-                ASSERT_LE(std::abs(all[i][0]), 1e-9) << seconds;
-                ASSERT_LE(std::abs(tilt), 10) << seconds;
-                ++phrases;
-            }
+            ASSERT_GT(extent, 0.1) << "figure " << k << ", record " << i;
         }
-        EXPECT_GT(phrases, 100u);
     }
 }
 
-TEST(DanceTest, KeepsThreeSchoolsApartAndLetsThemMergeOnceAVerse)
+TEST(DanceTest, SchoolsMergeAndPartInEachVerse)
 {
     std::vector<double> nearest;
     for (double verse = 3; verse + 27 <= 111.01; verse += 27) {
-        bool merged = false;
+        double together = 9; // the smallest circle of all three
+        double apart = 0;
+        int meetings = 0; // of two
+        bool close = false;
         const auto begin = static_cast<std::size_t>((verse + PHRASE) * RECORDS_PER_SECOND);
         const auto end = static_cast<std::size_t>((verse + 27) * RECORDS_PER_SECOND);
         for (std::size_t i = begin; i < end; ++i) {
-            const std::array<double, 3> apart = {distance(i, 0, 1), distance(i, 1, 2),
-                                                 distance(i, 0, 2)};
-            merged = merged || *std::max_element(apart.begin(), apart.end()) <= 0.15;
-            nearest.push_back(*std::min_element(apart.begin(), apart.end()));
+            const std::array<double, 3> between = {distance(i, 0, 1), distance(i, 1, 2),
+                                                   distance(i, 0, 2)};
+            const auto [least, most] = std::minmax_element(between.begin(), between.end());
+            together = std::min(together, *most);
+            apart = std::max(apart, *most);
+            nearest.push_back(*least);
+            if (!close && *least < 0.1) {
+                close = true;
+                ++meetings;
+            } else if (*least > 0.25) {
+                close = false; // schools of two figures so far apart are two schools
+            }
         }
-        EXPECT_TRUE(merged) << "verse at " << verse << " s";
+        EXPECT_LE(together, 0.15) << "verse at " << verse << " s";
+        EXPECT_GE(apart, 0.6) << "verse at " << verse << " s";
+        EXPECT_GE(meetings, 2) << "verse at " << verse << " s";
     }
     std::sort(nearest.begin(), nearest.end());
-    EXPECT_NEAR(nearest[nearest.size() / 2], 0.2, 0.05);
+    EXPECT_NEAR(nearest[nearest.size() / 2], 0.2, 0.06);
 }
 
-/// A copy with each value replaced by the mean of the values up to \p reach away.
-std::vector<double> smoothed(const std::vector<double>& values, std::size_t reach)
+TEST(DanceTest, RisesTogetherAndLeavesThroughTheTop)
 {
-    std::vector<double> result;
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        double sum = 0;
-        std::size_t count = 0;
-        for (std::size_t j = i < reach ? 0 : i - reach; j < std::min(values.size(), i + reach + 1);
-             ++j) {
-            sum += values[j];
-            ++count;
-        }
-        result.push_back(sum / static_cast<double>(count));
+    const auto gathered = static_cast<std::size_t>((LEAVING - 0.1) * RECORDS_PER_SECOND);
+    const auto gone = static_cast<std::size_t>((LEAVING + 1.5) * RECORDS_PER_SECOND);
+    for (std::size_t k = 0; k < FIGURES; ++k) {
+        EXPECT_GT(dance().world(gathered, k)[1], 0.55);
+        EXPECT_LT(distance(gathered, k, (k + 1) % FIGURES), 0.2);
+        EXPECT_GT(dance().world(gone, k)[1], 1.15) << "no tentacle is left in the picture";
     }
-    return result;
-}
-
-double correlation(const std::vector<double>& a, const std::vector<double>& b, std::ptrdiff_t shift)
-{
-    double sa = 0;
-    double sb = 0;
-    double saa = 0;
-    double sbb = 0;
-    double sab = 0;
-    double n = 0;
-    for (std::ptrdiff_t i = 0; i < static_cast<std::ptrdiff_t>(a.size()); ++i) {
-        const std::ptrdiff_t j = i + shift;
-        if (j < 0 || j >= static_cast<std::ptrdiff_t>(b.size())) {
-            continue;
-        }
-        const double x = a[static_cast<std::size_t>(i)];
-        const double y = b[static_cast<std::size_t>(j)];
-        sa += x;
-        sb += y;
-        saa += x * x;
-        sbb += y * y;
-        sab += x * y;
-        n += 1;
-    }
-    return (sab - sa * sb / n) / std::sqrt((saa - sa * sa / n) * (sbb - sb * sb / n));
-}
-
-TEST(DanceTest, StrokesUpwardsWhereThePhrasesOfTheVoiceBegin)
-{
-    // How much louder the voice has just become, against how fast the figures rise, ten times a
-    // second between the first verse and the last.
-    constexpr double FROM = 3 + PHRASE;
-    constexpr double TO = 111;
-    constexpr double STEP = 0.1;
-    std::vector<double> onsets;
-    std::vector<double> rises;
-    for (double t = FROM; t < TO; t += STEP) {
-        const double before = decibels(level(voice(), t - 0.3, t));
-        const double after = decibels(level(voice(), t, t + 0.3));
-        onsets.push_back(std::max(after - before, 0.0));
-        const auto i = static_cast<std::size_t>(t * RECORDS_PER_SECOND);
-        double rise = 0;
-        for (std::size_t k = 0; k < FIGURES; ++k) {
-            rise += dance().world(i + 27, k)[1] - dance().world(i, k)[1];
-        }
-        rises.push_back(std::max(rise, 0.0));
-    }
-    onsets = smoothed(onsets, 2);
-    rises = smoothed(rises, 2);
-    double best = -1;
-    std::ptrdiff_t bestShift = 0;
-    for (std::ptrdiff_t shift = -16; shift <= 16; ++shift) {
-        const double c = correlation(onsets, rises, shift);
-        if (c > best) {
-            best = c;
-            bestShift = shift;
-        }
-    }
-    EXPECT_GT(best, 0.5);
-    EXPECT_GE(bestShift, 0) << "the figures answer the voice";
-    EXPECT_LE(bestShift, 5) << "and do so within half a second";
 }
 
 } // namespace
