@@ -1,6 +1,10 @@
 #include "Launch.h"
 
+#include <fcntl.h>
+#include <fstream>
 #include <gmock/gmock.h>
+#include <iterator>
+#include <unistd.h>
 
 namespace {
 
@@ -30,20 +34,32 @@ std::string after(const std::vector<std::string>& words, const std::string& word
 
 TEST(WallLaunchTest, AWallOfThisMachineNeedsNoOther)
 {
-    const auto words = wall::launchCommand(wallOf({"here", "here"}), "here", {"/bin/wall", "x"});
+    const auto words =
+        wall::launchCommand(wallOf({"here", "here"}), "here", "hosts", {"/bin/wall", "x"});
     EXPECT_EQ(words.front(), "mpirun");
     EXPECT_EQ(after(words, "-n"), "2");
     EXPECT_EQ(after(words, "btl_tcp_if_include"), "lo");
-    EXPECT_THAT(words, Not(Contains("--host")));
+    EXPECT_THAT(words, Not(Contains("--hostfile")));
     EXPECT_EQ(after(words, "/bin/wall"), "x");
     EXPECT_EQ(words.back(), "x");
 }
 
 TEST(WallLaunchTest, OtherMachinesAreReachedInTheOrderOfTheirTiles)
 {
-    const auto words = wall::launchCommand(wallOf({"reef-b", "reef-b", "reef-a"}), "reef-b", {"w"});
+    const auto words =
+        wall::launchCommand(wallOf({"reef-b", "reef-b", "reef-a"}), "reef-a", "hosts", {"w"});
     EXPECT_EQ(after(words, "-n"), "3");
-    EXPECT_EQ(after(words, "--host"), "reef-b:2,reef-a:1");
-    EXPECT_EQ(after(words, "--map-by"), "slot");
+    EXPECT_EQ(after(words, "--hostfile"), "hosts");
+    EXPECT_EQ(after(words, "--map-by"), "seq");
     EXPECT_THAT(words, Not(Contains("btl_tcp_if_include")));
+}
+
+TEST(WallLaunchTest, TheListOfHostsOutlivesTheStartOfTheLauncher)
+{
+    const std::string path = wall::fileInMemory("reef-b\nreef-a\n");
+    std::ifstream file(path);
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), "reef-b\nreef-a\n");
+    const int descriptor = std::stoi(path.substr(path.rfind('/') + 1));
+    EXPECT_EQ(fcntl(descriptor, F_GETFD) & FD_CLOEXEC, 0);
+    close(descriptor);
 }

@@ -1,12 +1,11 @@
 #include "Launch.h"
 
-#include "HostList.h"
-
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <stdexcept>
+#include <sys/mman.h>
 #include <unistd.h>
 
 namespace wall {
@@ -40,6 +39,7 @@ std::string hostName()
 }
 
 std::vector<std::string> launchCommand(const WallLayout& layout, const std::string& thisHost,
+                                       const std::string& hostFile,
                                        const std::vector<std::string>& command)
 {
     // No pages of help from Open MPI, which say nothing that the ranks or ssh do not. No binding: a
@@ -61,12 +61,25 @@ std::vector<std::string> launchCommand(const WallLayout& layout, const std::stri
         words.insert(words.end(),
                      {"--mca", "btl_tcp_if_include", "lo", "--mca", "oob_tcp_if_include", "lo"});
     } else {
-        words.insert(words.end(), {"--host", hosts::option(layout), "--map-by", "slot", "--mca",
-                                   "plm_rsh_no_tree_spawn", "1", "--mca", "plm_rsh_args",
-                                   "-o BatchMode=yes -o ConnectTimeout=4"});
+        // Only the sequential mapper keeps the order: the others give rank 0 to this machine, or,
+        // under Slurm, to the first host by name.
+        words.insert(words.end(),
+                     {"--hostfile", hostFile, "--map-by", "seq", "--mca", "plm_rsh_no_tree_spawn",
+                      "1", "--mca", "plm_rsh_args", "-o BatchMode=yes -o ConnectTimeout=4"});
     }
     words.insert(words.end(), command.begin(), command.end());
     return words;
+}
+
+std::string fileInMemory(const std::string& bytes)
+{
+    // The launcher, which this process becomes, inherits it.
+    const int file = memfd_create("hosts", 0);
+    if (file < 0 || write(file, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size())) {
+        throw std::runtime_error(std::string("cannot write the list of hosts: ") +
+                                 std::strerror(errno));
+    }
+    return "/proc/self/fd/" + std::to_string(file);
 }
 
 void quietenTopology()

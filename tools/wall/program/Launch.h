@@ -15,9 +15,15 @@ bool isFirstRank();
 
 /// The command that starts a program once for each tile of the wall, on the tile's host.
 /// \param thisHost  the name of this machine: a wall of its own needs no network
+/// \param hostFile  a file with the hosts of all ranks, one a line (hosts::sequence)
 /// \param command   the program, by its full path, and its arguments
 std::vector<std::string> launchCommand(const WallLayout& layout, const std::string& thisHost,
+                                       const std::string& hostFile,
                                        const std::vector<std::string>& command);
+
+/// Makes a file in memory, which lives as long as this process and what it becomes.
+/// \return its path, for this process. Throws std::runtime_error when there is no memory for it
+std::string fileInMemory(const std::string& bytes);
 
 /// Keeps Open MPI from looking for X servers. To be called before it is started.
 void quietenTopology();

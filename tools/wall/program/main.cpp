@@ -1,3 +1,4 @@
+#include "HostList.h"
 #include "Launch.h"
 #include "Show.h"
 #include "StandardStreams.h"
@@ -30,7 +31,8 @@ constexpr const char* PROGRAM = "kelpix-wall";
     }
     std::vector<std::string> command = {std::filesystem::read_symlink("/proc/self/exe")};
     command.insert(command.end(), arguments.begin(), arguments.end());
-    wall::launch(wall::launchCommand(layout, host, command));
+    const std::string hostFile = wall::fileInMemory(hosts::sequence(layout));
+    wall::launch(wall::launchCommand(layout, host, hostFile, command));
 }
 
 int run(const std::vector<std::string>& arguments)

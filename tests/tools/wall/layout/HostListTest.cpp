@@ -15,8 +15,6 @@ WallLayout threeHosts()
 
 TEST(HostListTest, HostsStandInTheOrderOfTheirRanks)
 {
-    EXPECT_EQ(hosts::option(threeHosts()), "reef-b:2,reef-a:1");
-    EXPECT_EQ(hosts::file(threeHosts()), "reef-b slots=2\nreef-a slots=1\n");
     EXPECT_EQ(hosts::sequence(threeHosts()), "reef-b\nreef-b\nreef-a\n");
 }
 
