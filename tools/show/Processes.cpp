@@ -26,6 +26,11 @@ struct Stat {
     long pages = 0; ///< resident
 };
 
+fs::path folderOf(pid_t process)
+{
+    return "/proc/" + std::to_string(process);
+}
+
 std::optional<Stat> readStat(const fs::path& folder)
 {
     std::ifstream file(folder / "stat");
@@ -152,6 +157,7 @@ void Processes::reap(const std::function<void(Id, const End&)>& onEnd)
             const Id showing = group->first;
             groups.erase(group);
             ::kill(-child, SIGKILL);
+            killStrays();
             onEnd(showing, endOf(status));
         }
     }
@@ -159,13 +165,27 @@ void Processes::reap(const std::function<void(Id, const End&)>& onEnd)
 
 std::optional<Id> Processes::showingOf(pid_t process) const
 {
-    const pid_t group = getpgid(process);
-    for (const auto& [showing, first] : groups) {
-        if (first == group) {
-            return showing;
+    // From parent to parent, as a launcher of several processes gives each a group of its own.
+    for (auto stat = readStat(folderOf(process)); stat; stat = readStat(folderOf(stat->parent))) {
+        for (const auto& [showing, first] : groups) {
+            if (first == stat->group) {
+                return showing;
+            }
         }
     }
     return {};
+}
+
+void Processes::killStrays() const
+{
+    forEachProcess([&](pid_t process, const Stat& stat) {
+        const bool isKnown = std::any_of(groups.begin(), groups.end(), [&](const auto& entry) {
+            return entry.second == stat.group;
+        });
+        if (stat.parent == getpid() && !isKnown) {
+            ::kill(process, SIGKILL);
+        }
+    });
 }
 
 long Processes::memory(Id showing) const

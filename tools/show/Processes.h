@@ -12,8 +12,8 @@
 namespace show {
 
 /// The processes of the showings. Each showing is a process group of its own, so that all that it
-/// has started can be ended with it. What leaves its group, and loses its parent, becomes a child
-/// of this process, and is ended by the destructor at the latest.
+/// has started can be ended with it. What leaves its group becomes a child of this process once it
+/// has lost its parent, and is killed when a showing ends.
 ///
 /// SIGCHLD has to be blocked, and the only children of this process are those of this class.
 class Processes {
@@ -26,10 +26,11 @@ public:
     ~Processes();
 
     /// Starts a command, which is searched for as by a shell. It gets nothing to read, and is
-    /// killed when this process ends. \param output  a descriptor for what it prints; -1 = what
-    /// this process prints to Throws std::runtime_error, with a line for the user, when no process
-    /// can be started. That the command cannot be found ends the process, with status 127 and a
-    /// line.
+    /// killed when this process ends. A command that cannot be found ends with status 127, after a
+    /// line that says so.
+    ///
+    /// Throws std::runtime_error, with a line for the user, when no process can be started.
+    /// \param output  a descriptor for what it prints; -1 = what this process prints to
     void start(Id showing, const std::vector<std::string>& command, int output = -1);
 
     /// Sends a signal to all processes of a group.
@@ -40,7 +41,7 @@ public:
     /// \param onEnd  called for each first process
     void reap(const std::function<void(Id, const End&)>& onEnd);
 
-    /// \return the showing whose group the process is in
+    /// \return the showing whose group the process, or a process above it, is in
     std::optional<Id> showingOf(pid_t process) const;
 
     /// \return the resident memory of all processes of a group, in bytes
@@ -48,6 +49,9 @@ public:
 
 private:
     std::map<Id, pid_t> groups;
+
+    /// Kills the children that belong to no showing.
+    void killStrays() const;
 };
 
 } // namespace show

@@ -181,11 +181,15 @@ class Show(Look):
         self.assert_never_empty(shots, 4)
 
     def test_a_showing_that_is_killed_is_replaced(self):
-        with Running("--fullscreen", "--", FAKE) as show:
+        with Running("--fullscreen", "--", FAKE, "children") as show:
             show.await_showing(1)
             first = show.scene()
+            rest = children(first)
+            self.assertEqual(len(rest), 2)
             os.kill(first, signal.SIGKILL)
             show.await_showing(2)
+            # What it has started goes with it.
+            await_value(lambda: not set(rest) & set(marked(show.mark)), "they are gone")
             self.assertNotEqual(show.scene(), first)
             self.assertEqual(show.status()["faults"], "1")
             self.assertRegex(show.status()["last_fault"], "^\"the program ended by signal 9 ")
@@ -197,6 +201,11 @@ class Show(Look):
             show.await_showing(3)
             self.assertNotEqual(show.scene(), second)
             self.assertEqual(show.status()["faults"], "1")
+
+    def test_a_command_may_give_its_processes_groups_of_their_own(self):
+        with Running("--", "sh", "-c", f"setsid {FAKE}; exit $?") as show:
+            show.await_showing(1)
+            self.assertEqual(show.end(), (0, []))
 
     def test_nothing_is_left_when_it_ends(self):
         for by in signal.SIGTERM, signal.SIGINT, signal.SIGHUP:
