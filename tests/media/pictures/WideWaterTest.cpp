@@ -1,26 +1,48 @@
+#include "CheckPicture.h"
 #include "ReadPicture.h"
 #include "Water.h"
 
-#include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 namespace {
 
 constexpr int SIZE = 256;
 
-/// The water for wide windows, small.
-const Picture& wideWater()
-{
-    static const Picture picture = [] {
+/// A folder with the water for wide windows, small, which goes with this object.
+class WideFolder {
+public:
+    WideFolder()
+        : folder(std::filesystem::path(testing::TempDir()) /
+                 ("kelpix-wide-" + std::to_string(getpid())))
+    {
         media::Request request;
         request.waterSize = SIZE;
         request.wide = true;
-        const std::string path = testing::TempDir() + "kelpix-wide-water.jpg";
-        std::ofstream(path, std::ios::binary) << media::makeWater(request).at(0).bytes;
-        return readJpeg(path);
-    }();
-    return picture;
+        const media::File file = media::makeWater(request).at(0);
+        std::filesystem::create_directories((folder / file.name).parent_path());
+        std::ofstream(folder / file.name, std::ios::binary) << file.bytes;
+        water = readJpeg(folder / file.name);
+    }
+    WideFolder(const WideFolder&) = delete;
+    WideFolder& operator=(const WideFolder&) = delete;
+    ~WideFolder() { std::filesystem::remove_all(folder); }
+
+    std::filesystem::path folder;
+    Picture water;
+};
+
+const WideFolder& wide()
+{
+    static const WideFolder made;
+    return made;
+}
+
+const Picture& wideWater()
+{
+    return wide().water;
 }
 
 /// The mean of a channel over a part of the picture, in shares of it.
@@ -78,6 +100,12 @@ TEST(WideWaterTest, HasKelpAtBothEndsOfTheBandAndNoneBeyond)
     EXPECT_EQ(leaves(0.3, 0.7), 0);
     EXPECT_GT(leaves(0.82, 0.94), 300);
     EXPECT_EQ(leaves(0.945, 1), 0);
+}
+
+TEST(WideWaterTest, IsFineForTheCheck)
+{
+    // More than a third of the picture are dark, but no window shows them.
+    EXPECT_EQ(media::checkWater(wide().folder).report.mark(), media::Mark::ok);
 }
 
 } // namespace
