@@ -26,6 +26,16 @@ shot dance 100 740x740
 fewer_colors dance
 shot wide 30 1280x720
 fewer_colors wide
+
+# The set for wide windows, as one shows it that is zoomed in by three steps.
+work=$(mktemp -d)
+trap 'rm -r "$work"' EXIT
+"$build/media/kelpix-media" --out "$work" --wide
+echo '0 wheel up 3' >"$work/zoom"
+"$build/tools/record/kelpix-record" --force --media "$work" --script "$work/zoom" --seed 7 \
+    --at 48 --size 1280x720 --png "$pictures/band.png"
+fewer_colors band
+
 "$build/tools/record/kelpix-record" --force --media "$build/scene" --sheet "$pictures/sheet.png"
 fewer_colors sheet -resize 1000x
 
