@@ -47,7 +47,7 @@ film=$pictures/film.webp
         [a]trim=start=1,setpts=PTS-STARTPTS[whole];
         [b]trim=end=1,setpts=PTS-STARTPTS[before];
         [whole][before]xfade=duration=1:offset=5" \
-    -f webp -c:v libwebp_anim -quality 30 -compression_level 6 -loop 0
+    -f webp -c:v libwebp_anim -quality 42 -compression_level 6 -loop 0
 if [ "$(wc -c <"$film")" -gt 1000000 ]; then
     echo "film.webp is larger than a page should load: lower its quality in this script." >&2
     exit 1
