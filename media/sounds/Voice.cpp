@@ -2,6 +2,7 @@
 
 #include "Bird.h"
 #include "EncodeSound.h"
+#include "Loudness.h"
 #include "Reverb.h"
 #include "Singer.h"
 
@@ -12,7 +13,9 @@ namespace media {
 
 namespace {
 
-constexpr float PEAK = 0.562341f; // -5 dBFS
+/// -6.2 dBFS: at one and a half times its loudness, and with the bubbles underneath, it stays 1 dB
+/// below full scale.
+constexpr float PEAK = 0.489779f;
 constexpr double FADE = 0.5;
 
 /// The note a third below in the Dorian mode on D, for the second voice.
@@ -132,7 +135,10 @@ std::vector<File> makeVoice(const Request& request)
     warble(sound, score.coda + 5.2 * score.edges, 0.7f, bird * 0.5f, random);
 
     reverberate(sound, 2.8f, 0.30f);
+    levelPhrases(sound, score);
     saturate(sound);
+    // Once more: what is saturated is less loud than it was.
+    levelPhrases(sound, score);
     fadeOut(sound);
     sound.normalize(PEAK);
     std::ostringstream summary;
