@@ -51,7 +51,7 @@ struct Manager {
 };
 
 /// A socket with a name that the kernel chooses, and that is no file. The name goes to the
-/// environment, for the children.
+/// environment, for the children. Others may find it too, so it tells who has sent a message.
 int listen()
 {
     const int socket = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
@@ -59,7 +59,9 @@ int listen()
     address.sun_family = AF_UNIX;
     socklen_t size = sizeof(sa_family_t);
     auto* const any = reinterpret_cast<sockaddr*>(&address);
-    if (socket == -1 || bind(socket, any, size) != 0) {
+    const int on = 1;
+    if (socket == -1 || setsockopt(socket, SOL_SOCKET, SO_PASSCRED, &on, sizeof on) != 0 ||
+        bind(socket, any, size) != 0) {
         fail("no socket");
     }
     size = sizeof address;
@@ -69,7 +71,45 @@ int listen()
     return socket;
 }
 
-/// Starts the command, which is asked to end when this process does.
+/// Whether a message comes from a process of this user.
+bool isOurs(msghdr& message)
+{
+    for (cmsghdr* part = CMSG_FIRSTHDR(&message); part != nullptr;
+         part = CMSG_NXTHDR(&message, part)) {
+        if (part->cmsg_level == SOL_SOCKET && part->cmsg_type == SCM_CREDENTIALS) {
+            ucred sender{};
+            std::memcpy(&sender, CMSG_DATA(part), sizeof sender);
+            return sender.uid == geteuid();
+        }
+    }
+    return false;
+}
+
+/// Hands all messages that have come to the service manager.
+void relay(int inlet, const Manager& manager)
+{
+    char text[LONGEST];
+    // Nothing but the sender: descriptors that are sent along find no room.
+    alignas(cmsghdr) char control[CMSG_SPACE(sizeof(ucred))];
+    for (;;) {
+        iovec where{text, sizeof text};
+        msghdr message{};
+        message.msg_iov = &where;
+        message.msg_iovlen = 1;
+        message.msg_control = control;
+        message.msg_controllen = sizeof control;
+        const ssize_t size = recvmsg(inlet, &message, MSG_DONTWAIT);
+        if (size < 0) {
+            return;
+        }
+        if (isOurs(message)) {
+            sendto(inlet, text, static_cast<std::size_t>(size), MSG_NOSIGNAL,
+                   reinterpret_cast<const sockaddr*>(&manager.address), manager.size);
+        }
+    }
+}
+
+/// Starts the command, which does not outlive this process.
 pid_t start(char* const* command)
 {
     const pid_t self = getpid();
@@ -78,7 +118,8 @@ pid_t start(char* const* command)
         fail("no process");
     }
     if (child == 0) {
-        prctl(PR_SET_PDEATHSIG, SIGTERM);
+        // Who kills this process has asked before, and has no hold of the command.
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
         if (getppid() != self) {
             _exit(1);
         }
@@ -113,12 +154,7 @@ int main(int argc, char** argv)
     for (;;) {
         pollfd sources[] = {{inlet, POLLIN, 0}, {taken, POLLIN, 0}};
         poll(sources, 2, -1);
-        char message[LONGEST];
-        for (ssize_t size = recv(inlet, message, sizeof message, MSG_DONTWAIT); size >= 0;
-             size = recv(inlet, message, sizeof message, MSG_DONTWAIT)) {
-            sendto(inlet, message, static_cast<std::size_t>(size), MSG_NOSIGNAL,
-                   reinterpret_cast<const sockaddr*>(&manager.address), manager.size);
-        }
+        relay(inlet, manager);
         signalfd_siginfo signal{};
         while (read(taken, &signal, sizeof signal) == sizeof signal) {
             if (signal.ssi_signo != SIGCHLD) {
