@@ -119,9 +119,11 @@ TEST_F(CommandLineTest, SaysWhatMakesNoSense)
 {
     EXPECT_EQ(complaint({"--color", "red"}), "unknown option \"--color\"");
     EXPECT_EQ(complaint({"--color=red"}), "unknown option \"--color=red\"");
-    for (const char* word : {"reef", "", "-", "-o", "-h=", "--ou", "--", "--=", "out=x", "-help"}) {
+    for (const char* word : {"", "-", "-o", "-h=", "--ou", "--", "--=", "-help"}) {
         EXPECT_EQ(complaint({word}), std::string("unknown option \"") + word + "\"");
     }
+    EXPECT_EQ(complaint({"reef"}), "\"reef\" is one word too many");
+    EXPECT_EQ(complaint({"out=x"}), "\"out=x\" is one word too many");
     EXPECT_EQ(complaint({"--out"}), "--out needs a value");
     EXPECT_EQ(complaint({"--out", ""}), "--out needs a value");
     EXPECT_EQ(complaint({"--out=", "x"}), "--out needs a value");

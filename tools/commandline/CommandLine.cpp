@@ -52,7 +52,9 @@ const Option& find(const std::vector<Option>& options, const Word& word,
         return candidate.name == word.name;
     });
     if (option == options.end()) {
-        throw UsageError("unknown option \"" + argument + "\"");
+        const bool isWord = !argument.empty() && !argument.starts_with('-');
+        throw UsageError(isWord ? "\"" + argument + "\" is one word too many"
+                                : "unknown option \"" + argument + "\"");
     }
     return *option;
 }

@@ -252,7 +252,7 @@ TEST_F(MediaProgramTest, SaysWhatIsWrongWithTheCommandLine)
     const std::vector<std::pair<std::string, std::string>> lines = {
         {"", "--out DIR is missing"},
         {"--color red", "unknown option \"--color\""},
-        {"set", "unknown option \"set\""},
+        {"set", "\"set\" is one word too many"},
         {"--out", "--out needs a value"},
         {"--out set --seed x",
          "--seed takes a whole number from 0 to 18446744073709551615, not \"x\""},
