@@ -262,7 +262,11 @@ Outcome Recorder::countFlashes(const Schedule& schedule)
         },
         [&](std::int64_t played) { progress.show(played, elapsed()); });
     const FlashMeter::Result result = meter.finish();
-    return {result.text(), result.isMet()};
+    const double begin = static_cast<double>(options.at) / SECOND;
+    const double length = static_cast<double>(schedule.frames()) / options.fps;
+    char text[100];
+    std::snprintf(text, sizeof text, "from %g s to %g s\n", begin, begin + length);
+    return {text + result.text(), result.isMet()};
 }
 
 /// Plays in real time.

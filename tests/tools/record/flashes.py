@@ -23,6 +23,8 @@ class Flashes(unittest.TestCase):
     def test_nothing_in_the_scene_flashes(self):
         run = flashes(MEDIA, "--at", BEGIN, "--seconds", SECONDS, "--size", "192x192")
         self.assertEqual(run.returncode, 0, run.stdout + run.stderr)
+        self.assertEqual(run.stdout.splitlines()[0],
+                         f"from {BEGIN} s to {int(BEGIN) + int(SECONDS)} s")
         self.assertRegex(run.stdout, r"(?m)^general +0 ")
         self.assertRegex(run.stdout, r"(?m)^red +0 ")
         # The fish move, so something changes; the bound leaves the media room below the 25 %.
