@@ -1,12 +1,14 @@
 """Plays walls in windows of one X server: the state of their ranks, their pictures, input, and how
 they end.
 
-Usage: wall.py KELPIX-WALL KELPIX-RECORD MEDIA [TEST ...]
+Usage: wall.py KELPIX-WALL KELPIX-RECORD MEDIA FOREIGN-RAND [TEST ...]
+FOREIGN-RAND: what foreign_rand.cpp makes.
 Needs an X server without a window manager, Open MPI's mpirun, xdotool and ImageMagick's convert.
 """
 import os
 import pathlib
 import re
+import signal
 import socket
 import subprocess
 import sys
@@ -14,7 +16,7 @@ import tempfile
 import time
 import unittest
 
-WALL, RECORD, MEDIA = (str(pathlib.Path(name).resolve()) for name in sys.argv[1:4])
+WALL, RECORD, MEDIA, FOREIGN_RAND = (str(pathlib.Path(name).resolve()) for name in sys.argv[1:5])
 HOST = socket.gethostname()[:31]
 SEED = "7"
 SIDE = 204  # pixels of the whole wall, of each of the walls below
@@ -180,6 +182,85 @@ class Input(Walls):
         self.record("--replay", "show.log", "--png", "last.png", "--at", str((frames - 1) / 40))
 
 
+class Disagreement(Walls):
+    """One rank draws a random number that the others do not."""
+
+    def play_with_foreign_numbers(self, first, last):
+        return self.finish(self.start(
+            TWO, "--virtual", "--seed", SEED, "--frames", "40", "--hash", "states", "--log", "show.log",
+            LD_PRELOAD=FOREIGN_RAND, FOREIGN_FROM=str(first), FOREIGN_TO=str(last)))
+
+    def line(self, frame, end):
+        return f"kelpix-wall: frame {frame}: {HOST} (rank 1) differs in random; the wall {end}\n"
+
+    def test_it_is_named_and_the_wall_begins_anew(self):
+        self.assertEqual(self.play_with_foreign_numbers(20, 20), (0, self.line(20, "begins anew")))
+        self.assertEqual(len(self.lines("states")), 40)
+        # The frame after it begins with the next seed, and shows what comes first of it.
+        anew = [line for line in self.lines("show.log") if " anew " in line]
+        self.assertEqual([line.split()[0] for line in anew], ["21"])
+        self.assertTrue(anew[0].endswith(f" anew {int(SEED) + 1}"))
+        # From there on all frames are as in a show of their own; before, as in this one's.
+        self.record("--replay", "show.log", "--png", "last.png", "--at", str(39 / 40))
+
+    def test_ranks_that_go_on_to_disagree_end_the_wall(self):
+        lines = [self.line(frame, "begins anew") for frame in (20, 21, 22)]
+        self.assertEqual(self.play_with_foreign_numbers(20, 1000),
+                         (3, "".join(lines) + self.line(23, "ends")))
+
+
+class Loss(Walls):
+    """A rank that is killed or stopped."""
+
+    @staticmethod
+    def ranks():
+        """The process of each rank that this test has started."""
+        found = {}
+        for folder in pathlib.Path("/proc").iterdir():
+            try:
+                words = (folder / "environ").read_bytes().split(b"\0")
+                if (folder / "cmdline").read_bytes().split(b"\0")[0] != WALL.encode():
+                    continue
+            except OSError:
+                continue
+            mine = f"DISPLAY={os.environ['DISPLAY']}".encode() in words
+            rank = [word for word in words if word.startswith(b"OMPI_COMM_WORLD_RANK=")]
+            if folder.name.isdigit() and mine and rank:
+                found[int(rank[0].split(b"=")[1])] = int(folder.name)
+        return found
+
+    def play_some_frames(self):
+        process = self.start(TWO, "--virtual", "--status", "status")
+        path = pathlib.Path(self.path("status"))
+        end = time.monotonic() + PATIENCE
+        while time.monotonic() < end and not (path.exists() and path.read_text()):
+            time.sleep(0.1)
+        return process
+
+    def test_a_killed_rank_ends_all(self):
+        for rank in 0, 1:
+            process = self.play_some_frames()
+            os.kill(self.ranks()[rank], signal.SIGKILL)
+            self.assertEqual(self.finish(process)[0], 128 + signal.SIGKILL)
+            self.assertEqual(self.ranks(), {})
+            os.remove(self.path("status"))
+
+    def test_a_stopped_rank_is_named_and_may_go_on(self):
+        process = self.play_some_frames()
+        ranks = self.ranks()
+        os.kill(ranks[1], signal.SIGSTOP)
+        self.assertEqual(process.stderr.readline(),
+                         f"kelpix-wall: no answer for 3 s from {HOST} (rank 1)\n")
+        lines = len(self.lines("status"))
+        os.kill(ranks[1], signal.SIGCONT)
+        end = time.monotonic() + PATIENCE
+        while time.monotonic() < end and len(self.lines("status")) < lines + 2:
+            time.sleep(0.1)
+        self.assertGreaterEqual(len(self.lines("status")), lines + 2)
+        process.terminate()
+        self.finish(process)
+
+
 class Start(Walls):
     """What is missing is said in one line that names the host, and the wall ends."""
 
@@ -198,4 +279,4 @@ class Start(Walls):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1] + sys.argv[4:])
+    unittest.main(argv=sys.argv[:1] + sys.argv[5:])
