@@ -52,6 +52,8 @@ TEST(WallLaunchTest, OtherMachinesAreReachedInTheOrderOfTheirTiles)
     EXPECT_EQ(after(words, "--hostfile"), "hosts");
     EXPECT_EQ(after(words, "--map-by"), "seq");
     EXPECT_THAT(words, Not(Contains("btl_tcp_if_include")));
+    EXPECT_EQ(after(words, "sh"), "-c");
+    EXPECT_EQ(words.back(), "w");
 }
 
 TEST(WallLaunchTest, TheListOfHostsOutlivesTheStartOfTheLauncher)

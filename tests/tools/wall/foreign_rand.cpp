@@ -1,5 +1,5 @@
-/// To be preloaded into the ranks of a wall: rank 1 draws a random number that the others do not, in
-/// the frames from FOREIGN_FROM to FOREIGN_TO. Each frame ends with a call of glFlush.
+/// To be preloaded into the ranks of a wall: rank 1 draws a random number that the others do not,
+/// in the frames from FOREIGN_FROM to FOREIGN_TO. Each frame ends with a call of glFlush.
 
 #include <cstdlib>
 #include <cstring>

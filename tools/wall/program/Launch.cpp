@@ -18,6 +18,10 @@ const char* rankNumber()
     return std::getenv("OMPI_COMM_WORLD_RANK");
 }
 
+/// Starts its first argument with the others, or says that there is no such program.
+constexpr const char* START =
+    R"([ -x "$0" ] || { echo "kelpix-wall: $(hostname): $0 is missing" >&2; exit 127; }; exec "$0" "$@")";
+
 } // namespace
 
 bool isRank()
@@ -66,6 +70,10 @@ std::vector<std::string> launchCommand(const WallLayout& layout, const std::stri
         words.insert(words.end(),
                      {"--hostfile", hostFile, "--map-by", "seq", "--mca", "plm_rsh_no_tree_spawn",
                       "1", "--mca", "plm_rsh_args", "-o BatchMode=yes -o ConnectTimeout=4"});
+    }
+    if (!here) {
+        // Open MPI, told to be quiet, does not say where the program is missing.
+        words.insert(words.end(), {"sh", "-c", START});
     }
     words.insert(words.end(), command.begin(), command.end());
     return words;

@@ -10,6 +10,11 @@ namespace wall {
 
 namespace {
 
+std::string secondsOf(double time)
+{
+    return std::to_string(static_cast<int>(time)) + " s";
+}
+
 bool isQuit(const InputEvent& event)
 {
     return event.kind == FL_KEYDOWN && (event.key == 'q' || event.key == 'Q');
@@ -82,6 +87,8 @@ void Protocol::fail(const std::string& why, bool isSpeaker) const
 
 void Protocol::wait()
 {
+    const double longest = starting ? LONGEST_AT_START : LONGEST;
+    const double patience = starting ? NAMED_AT_START : NAMED;
     const double start = net.now();
     double asked = start;
     bool told = false;
@@ -100,15 +107,16 @@ void Protocol::wait()
             net.tellWaiting(operations);
             told = true;
         }
-        if (!named && waited > NAMED) {
+        if (!named && waited > patience) {
             const std::vector<int> others = missing();
             named = true;
             if (isSpeaker(others)) {
-                say("no answer for 3 s from " + listOf(others));
+                say("no answer for " + secondsOf(patience) + " from " + listOf(others));
             }
         }
-        if (waited > LONGEST) {
-            fail("no answer for 30 s from " + listOf(missing()), isSpeaker(missing()));
+        if (waited > longest) {
+            fail("no answer for " + secondsOf(longest) + " from " + listOf(missing()),
+                 isSpeaker(missing()));
         }
     }
 }
@@ -138,6 +146,7 @@ void Protocol::broadcast(std::string& bytes)
 
 Orders Protocol::exchange(const FrameRecord& own)
 {
+    starting = false;
     const std::vector<std::byte> bytes = gather(&own, sizeof own);
     Orders orders;
     orders.records.resize(static_cast<std::size_t>(net.size()));

@@ -40,13 +40,17 @@ struct Orders {
 /// follows from all records, and meet once more before they show the frame.
 ///
 /// A rank that waits for more than NAMED seconds finds out for whom, and one of the waiting ranks
-/// says it. After LONGEST seconds the wall ends.
+/// says it. After LONGEST seconds the wall ends. At the start both are longer.
 class Protocol {
 public:
     static constexpr double TELLING = 1;      ///< seconds after which ranks tell that they wait
     static constexpr double LISTENING = 0.01; ///< seconds between two looks for who has told
     static constexpr double NAMED = 3;
     static constexpr double LONGEST = 30;
+
+    /// The same before the first exchange: machines load their media at different speeds.
+    static constexpr double NAMED_AT_START = 15;
+    static constexpr double LONGEST_AT_START = 120;
 
     /// So many new beginnings after differences within FRAMES_OF_PATIENCE frames are the last ones.
     static constexpr int PATIENCE = 3;
@@ -83,6 +87,7 @@ private:
     std::vector<std::string> names;
     InputGate gate;
     unsigned operations = 0;
+    bool starting = true;                     ///< there was no exchange yet
     std::vector<std::uint32_t> newBeginnings; ///< frames of those after a difference
 
     void wait();
