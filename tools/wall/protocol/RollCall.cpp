@@ -73,8 +73,9 @@ std::vector<std::string> exchangeNames(Protocol& protocol, const std::string& ve
         hosts.push_back(textOf(name.host));
         const std::string theirs = textOf(name.version);
         if (textOf(name.magic) != textOf(own.magic) || theirs != wanted) {
-            problems.push_back(hosts.back() + ": kelpix-wall is of version " + theirs + ", on " +
-                               hosts.front() + " of version " + wanted);
+            std::string& line = problems.emplace_back(hosts.back());
+            line.append(": kelpix-wall is of version ").append(theirs);
+            line.append(", on ").append(hosts.front()).append(" of version ").append(wanted);
         }
     }
     throwIfAny(problems);
