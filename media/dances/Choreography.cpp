@@ -24,8 +24,8 @@ constexpr double FIRST_STRENGTH = 1.35;
 constexpr double ASIDE = 0.08;
 constexpr float MEETING = 0.15f;
 
-/// A push takes so long to make a figure faster, against the water. A phrase begins so much
-/// earlier, but for the first one, so that the figures speed up as the notes begin.
+/// A push takes so long to make a figure faster, against the water. Each begins so much earlier
+/// than its note, but for the very first one, so that the figures speed up as the notes begin.
 constexpr double EARLIER = 0.08; // seconds
 
 /// A figure at this height is not seen, neither its body nor its tentacles.
@@ -122,8 +122,12 @@ void Path::startPhrase()
         aside = meet ? 0 : aside;
     }
     const double seconds = startOf(begun + 1) - startOf(begun);
-    dancer.begin(beatsOf(score.cues[begun].phrase->melody, BEAT, role), goal, seconds, stage,
-                 aside);
+    std::vector<Beat> beats = beatsOf(score.cues[begun].phrase->melody, BEAT, role);
+    // The figures wait at home for the first note. A later phrase begins as a whole earlier.
+    for (std::size_t i = 1; begun == 0 && i < beats.size(); ++i) {
+        beats[i].start -= EARLIER;
+    }
+    dancer.begin(beats, goal, seconds, stage, aside);
 }
 
 void Path::startCoda()
