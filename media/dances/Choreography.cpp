@@ -34,6 +34,10 @@ constexpr double OUT_OF_SIGHT = 1.2;
 /// Fish swim 0.007 an update, of which there are 40 a second.
 constexpr double LEAVING_SPEED = 0.018 * Rates::UPDATES;
 
+/// An update of the scene passes over three records at most: so long a figure is out of sight
+/// before it goes home, or its way down would be seen.
+constexpr double UNSEEN = 3.0 / Rates::RECORDS; // seconds
+
 /// How long the figures are at home before the end, in a whole coda and at the least.
 constexpr double AT_HOME = 1.0;
 constexpr double SHORTLY_AT_HOME = 0.3;
@@ -151,7 +155,8 @@ Point Path::at(double now)
         ++begun;
     } else if (!leaves && now >= coda.leave) {
         const double way = OUT_OF_SIGHT - static_cast<double>(dancer.place().y);
-        dancer.leave(std::max(LEAVING_SPEED, way / (coda.home - now - Dancer::TURNING / 2)));
+        const double left = coda.home - UNSEEN - now - Dancer::TURNING / 2;
+        dancer.leave(std::max(LEAVING_SPEED, way / left));
         leaves = true;
     }
     const Point place = dancer.place();
