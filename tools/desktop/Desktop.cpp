@@ -16,7 +16,9 @@ constexpr long FROM_A_PROGRAM = 1; // the source of a request to the window mana
 Desktop::Desktop() : connection(XOpenDisplay(nullptr), XCloseDisplay)
 {
     if (!connection) {
-        throw std::runtime_error("the display cannot be opened");
+        throw std::runtime_error(
+            "no display: start it in a graphical session, or set DISPLAY to an "
+            "X server");
     }
     XSetErrorHandler([](Display*, XErrorEvent*) { return 0; });
     rootWindow = DefaultRootWindow(display());

@@ -12,7 +12,7 @@ namespace show {
 struct Health {
     std::time_t time = 0;
     int showing = 0; ///< the number of the showing in front, counted from 1; 0 = none yet
-    std::optional<double> rate; ///< frames a second; none = nothing is in front
+    std::optional<double> rate; ///< frames a second; none = not yet counted, or nothing is in front
     long memory = 0;            ///< resident, of the processes of the showing in front, in bytes
     int faults = 0;             ///< since the start
     std::string lastFault;      ///< empty = none

@@ -383,7 +383,7 @@ std::optional<double> Screen::rate(Id showing) const
 {
     const auto found = std::find_if(scenes.begin(), scenes.end(),
                                     [&](const Scene& scene) { return scene.showing == showing; });
-    return found == scenes.end() ? std::nullopt : found->rate;
+    return found == scenes.end() || found->rate == 0 ? std::nullopt : found->rate;
 }
 
 } // namespace show

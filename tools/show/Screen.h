@@ -49,7 +49,8 @@ public:
     void settle(Id showing) const;
     void pressQ(Id showing) const;
 
-    /// \return the frames a second in the title of the showing's window
+    /// \return the frames a second in the title of the showing's window; none until they have been
+    /// counted, for which the title has a 0
     std::optional<double> rate(Id showing) const;
 
 private:

@@ -213,7 +213,10 @@ void Show::reportStatus(Seconds now)
         service.notify("WATCHDOG=1");
         aliveAt = now + *service.watchdog() / 2;
     }
-    const bool isNews = conductor.number() != health.showing || conductor.faults() != health.faults;
+    const std::optional<Id> front = conductor.front();
+    const std::optional<double> rate = front ? screen.rate(*front) : std::nullopt;
+    const bool isNews = conductor.number() != health.showing ||
+                        conductor.faults() != health.faults || (rate && !health.rate);
     if (!isNews && now < statusAt) {
         return;
     }
@@ -221,9 +224,8 @@ void Show::reportStatus(Seconds now)
     if (conductor.faults() != health.faults) {
         health.faultTime = health.time;
     }
-    const std::optional<Id> front = conductor.front();
     health.showing = conductor.number();
-    health.rate = front ? screen.rate(*front) : std::nullopt;
+    health.rate = rate;
     health.memory = front ? processes.memory(*front) : 0;
     health.faults = conductor.faults();
     health.lastFault = conductor.lastFault();

@@ -24,6 +24,7 @@
 namespace {
 
 constexpr int BETWEEN_FRAMES = 50; // milliseconds
+constexpr int COUNTED = 5;         // frames until the title tells how many they are
 
 struct Behavior {
     double opening = 0.2;
@@ -119,6 +120,7 @@ private:
     bool isExposed = false;
     bool hasFocus = false;
     bool hasEnded = false;
+    int frames = 0;
 
     void handle()
     {
@@ -136,7 +138,8 @@ private:
 
     void draw()
     {
-        XStoreName(display, window, "kelpix (20.0 fps)");
+        XStoreName(display, window, frames < COUNTED ? "kelpix (0.0 fps)" : "kelpix (20.0 fps)");
+        ++frames;
         XFillRectangle(display, window, DefaultGC(display, 0), 0, 0, 10000, 10000);
     }
 };
