@@ -102,6 +102,13 @@ TEST_F(ShowLogTest, WhatWasWrittenIsReadAgain)
     EXPECT_FALSE(reader.next().has_value());
 }
 
+TEST_F(ShowLogTest, TheScaleIsReadAgainToTheBit)
+{
+    head.simulated = 1.0 / 3;
+    write({});
+    EXPECT_EQ(ShowReader("show.log").head().simulated, 1.0 / 3);
+}
+
 TEST_F(ShowLogTest, ALineThatBreaksOffIsTheEnd)
 {
     write({{1, 0, 17, std::nullopt, {}}, {2, 3, 18, std::nullopt, {}}});
@@ -131,6 +138,8 @@ TEST_F(ShowLogTest, DamageIsSaid)
     EXPECT_EQ(complaint("\n2 3 0", "\n2 3 "), second);
     EXPECT_EQ(complaint("anew 5", "anew x"), second);
     EXPECT_EQ(complaint("19 1 2 3 4", "19 1 2 3"), second);
+    EXPECT_EQ(complaint("19 1 2", "19 -2147483648 2"), second);
+    EXPECT_EQ(complaint("19 1 2", "19 1 2147483647"), second);
     EXPECT_EQ(complaint("event", "events"), second);
     EXPECT_EQ(complaint("event", std::string(100000, ' ')), "changed.log: a line is too long");
 }

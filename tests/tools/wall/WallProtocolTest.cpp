@@ -296,6 +296,7 @@ void expectWhatFateBrings(const Simulation& played)
     case Fate::DISAGREES:
         expectDifferenceFound(played);
         EXPECT_TRUE(played.diaries[0].orders[played.fate.frame].anew);
+        EXPECT_EQ(played.diaries[0].orders[played.fate.frame].step, 0);
         EXPECT_EQ(played.diaries[0].orders[played.fate.frame].seed, played.fate.frame + 1);
         expectAllFrames(played);
         break;

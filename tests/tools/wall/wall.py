@@ -71,7 +71,9 @@ class Walls(unittest.TestCase):
             output, errors = process.communicate()
             raise AssertionError("the wall did not end:\n" + output + errors) from None
         self.assertEqual(output, "")
-        return process.returncode, errors
+        # On a busy machine ranks may wait for each other: Loss looks at these lines.
+        return process.returncode, re.sub(r"^kelpix-wall: no answer for .*\n", "", errors,
+                                          flags=re.MULTILINE)
 
     def play(self, wall, *options, **environment):
         status, errors = self.finish(self.start(wall, *options, **environment))
@@ -86,8 +88,8 @@ class Walls(unittest.TestCase):
         self.assertEqual(result.returncode, 0, result.stderr)
         return result.stdout
 
-    def recorded_state(self, frame):
-        text = self.record("--hash", "--seed", SEED, "--size", f"{SIDE}x{SIDE}",
+    def recorded_state(self, frame, seed=SEED):
+        text = self.record("--hash", "--seed", seed, "--size", f"{SIDE}x{SIDE}",
                            "--at", str((frame - 1) / 40))
         self.assertIn(f"frame {frame}\n", text)
         return re.search("^whole +([0-9a-f]{16})$", text, re.MULTILINE).group(1)
@@ -198,6 +200,8 @@ class Disagreement(Walls):
         anew = [line for line in self.lines("show.log") if " anew " in line]
         self.assertEqual([line.split()[0] for line in anew], ["21"])
         self.assertTrue(anew[0].endswith(f" anew {int(SEED) + 1}"))
+        self.assertEqual(self.lines("states")[20].split()[1],
+                         self.recorded_state(1, str(int(SEED) + 1)))
         # From there on all frames are as in a show of their own; before, as in this one's.
         self.record("--replay", "show.log", "--png", "last.png", "--at", str(39 / 40))
 
@@ -247,8 +251,9 @@ class Loss(Walls):
         process = self.play_some_frames()
         ranks = self.ranks()
         os.kill(ranks[1], signal.SIGSTOP)
-        self.assertEqual(process.stderr.readline(),
-                         f"kelpix-wall: no answer for 3 s from {HOST} (rank 1)\n")
+        # At the start, on a busy machine, ranks wait too.
+        said = iter(process.stderr.readline, "")
+        self.assertIn(f"kelpix-wall: no answer for 3 s from {HOST} (rank 1)\n", said)
         lines = len(self.lines("status"))
         os.kill(ranks[1], signal.SIGCONT)
         end = time.monotonic() + PATIENCE

@@ -177,6 +177,9 @@ Orders Protocol::exchange(const FrameRecord& own)
         orders.quit = recent > PATIENCE;
         orders.anew = !orders.quit;
     }
+    if (orders.anew) {
+        orders.step = 0; // after a difference the voice has not begun anew yet
+    }
     return orders;
 }
 
@@ -192,6 +195,12 @@ std::optional<Mismatch> differenceIn(const std::vector<FrameRecord>& records)
     std::optional<Mismatch> found;
     for (std::size_t part = 0; part < STATE_PARTS.size() && !found; ++part) {
         const auto valueOf = [part](const FrameRecord& record) { return record.state[part]; };
+        // Nearly always; the search below takes the square of the number of ranks.
+        if (std::all_of(records.begin(), records.end(), [&](const FrameRecord& record) {
+                return valueOf(record) == valueOf(records.front());
+            })) {
+            continue;
+        }
         const auto ranksWith = [&](std::uint64_t value) {
             return std::count_if(records.begin(), records.end(), [&](const FrameRecord& record) {
                 return valueOf(record) == value;

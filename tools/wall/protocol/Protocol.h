@@ -30,7 +30,7 @@ struct Orders {
     bool quit = false; ///< the frame is not to be played
     bool anew = false; ///< the scene begins again with \p seed, before this frame is played
     std::uint32_t seed = 0;
-    int step = 0;                     ///< of the recording
+    int step = 0;                     ///< of the recording; 0 when the scene begins again
     std::vector<InputEvent> inputs;   ///< to be handed to the scene before its update
     std::optional<Mismatch> mismatch; ///< of the frame before; then anew is set, or quit
     std::vector<FrameRecord> records; ///< of all ranks, for what is measured

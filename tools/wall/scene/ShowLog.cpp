@@ -17,6 +17,10 @@ constexpr const char* MAGIC = "kelpix-wall log 1";
 constexpr std::size_t LONGEST_LINE = 1 << 16;
 constexpr int LONGEST_FILE = 1 << 20; // of the wall's two
 
+/// Pixels from a wall's corner: a pointer can be on a desktop beside the largest one. The scene
+/// takes differences of two places.
+constexpr int FARTHEST_POINTER = 1 << 22;
+
 template<typename Number>
 bool read(const std::string& text, Number& value)
 {
@@ -45,6 +49,13 @@ public:
         return take(word) && read(word, value);
     }
 
+    bool takePlace(int& value)
+    {
+        std::string word;
+        return take(word) &&
+               commandline::readNumber(word, -FARTHEST_POINTER, FARTHEST_POINTER, value);
+    }
+
 private:
     std::istringstream text;
 };
@@ -63,8 +74,8 @@ bool readFrame(const std::string& line, ShowFrame& frame)
             if (!words.take(frame.anew.emplace())) {
                 return false;
             }
-        } else if (word == "event" && words.take(event.kind) && words.take(event.x) &&
-                   words.take(event.y) && words.take(event.key) && words.take(event.wheel)) {
+        } else if (word == "event" && words.take(event.kind) && words.takePlace(event.x) &&
+                   words.takePlace(event.y) && words.take(event.key) && words.take(event.wheel)) {
             frame.inputs.push_back(event);
         } else {
             return false;
@@ -82,7 +93,7 @@ ShowWriter::ShowWriter(const std::filesystem::path& path, const ShowHead& head)
         throw std::runtime_error("cannot write " + path.string() + ": " + std::strerror(errno));
     }
     std::fprintf(file.get(),
-                 "%s\nversion %s\nmedia %016" PRIx64 "\nsimulated %g\nfit %s\nseed %u\n", MAGIC,
+                 "%s\nversion %s\nmedia %016" PRIx64 "\nsimulated %.17g\nfit %s\nseed %u\n", MAGIC,
                  head.version.c_str(), head.media, head.simulated,
                  head.fit == Fit::cover ? "cover" : "contain", head.seed);
     const WallFiles& files = head.files;
