@@ -56,6 +56,13 @@ std::optional<Id> Conductor::front() const
     return now != nullptr ? std::optional(now->id) : std::nullopt;
 }
 
+bool Conductor::isFrontHanging() const
+{
+    const Showing* const next = coming();
+    const Showing* const now = playing();
+    return (next == nullptr || next->state != State::raised) && now != nullptr && now->isHanging;
+}
+
 void Conductor::frame(Id id, Seconds now)
 {
     Showing* const showing = find(id);
@@ -205,8 +212,13 @@ void Conductor::pass(Seconds now)
     }
     if (now >= nextOpening()) {
         const Showing* const front = playing();
-        const Id id = crew.open(front != nullptr ? std::optional(front->id) : std::nullopt);
-        showings.push_back({id, now, rules.period});
+        const auto id = crew.open(front != nullptr ? std::optional(front->id) : std::nullopt);
+        if (id) {
+            showings.push_back({*id, now, rules.period});
+        } else {
+            noteFault("the program could not be started");
+            pause(now);
+        }
     }
 }
 
@@ -250,6 +262,9 @@ void Conductor::leave(Showing& showing, Step step, Seconds now)
 
 void Conductor::stop(Seconds now)
 {
+    if (stopping) {
+        return; // asked again, they get no more time
+    }
     stopping = true;
     for (Showing& showing : showings) {
         leave(showing, Step::term, now);

@@ -27,9 +27,10 @@ public:
     Crew& operator=(const Crew&) = delete;
     virtual ~Crew() = default;
 
-    /// Starts the program. A failure is told as its end. Its window opens behind \p front, if there
-    /// is one.
-    virtual Id open(std::optional<Id> front) = 0;
+    /// Starts the program. Its window opens behind \p front, if there is one.
+    /// \return none when there can be no process, which a line has said. That it is no program is
+    ///         told as its end.
+    virtual std::optional<Id> open(std::optional<Id> front) = 0;
 
     /// Gives the window of a showing that has drawn its first frame its size and zoom.
     virtual void dress(Id showing) = 0;
@@ -89,7 +90,8 @@ public:
     void frame(Id showing, Seconds now);
     void ended(Id showing, const End& end, Seconds now);
 
-    /// The media folder has been touched: nothing that reads it opens before it is at rest.
+    /// The media folder has been touched: while something plays, nothing that reads it opens before
+    /// it is at rest.
     void mediaTouched(Seconds now);
     /// It has not been touched for a while.
     void mediaAtRest();
@@ -102,12 +104,13 @@ public:
     /// \return when pass has something to do if nothing happens until then
     Seconds due() const;
 
-    /// Ends all showings and starts none any more.
+    /// Ends all showings and starts none any more. A second call changes nothing.
     void stop(Seconds now);
     /// After stop: whether all have gone.
     bool isOver() const { return stopping && showings.empty(); }
 
     std::optional<Id> front() const;                       ///< the showing that is in front
+    bool isFrontHanging() const;                           ///< whether its picture stands still
     int number() const { return shown; }                   ///< showings that have been in front
     int faults() const { return faultCount; }              ///< since the start
     const std::string& lastFault() const { return fault; } ///< empty = none

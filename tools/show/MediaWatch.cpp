@@ -21,9 +21,14 @@ constexpr std::array<const char*, 3> PARTS = {"data", "sound", "fonts"};
 
 } // namespace
 
-MediaWatch::MediaWatch(fs::path folder) : folder(std::move(folder))
+// "reef/" is "reef": the folder above knows it by that name.
+MediaWatch::MediaWatch(fs::path named)
+    : folder(named.has_filename() ? std::move(named) : named.parent_path())
 {
     renew();
+    if (events == -1) {
+        throw std::runtime_error(std::string("cannot watch the media: ") + std::strerror(errno));
+    }
 }
 
 MediaWatch::~MediaWatch()
@@ -31,18 +36,21 @@ MediaWatch::~MediaWatch()
     close(events);
 }
 
-int MediaWatch::watch(const fs::path& path) const
+int MediaWatch::watch(const fs::path& path)
 {
-    return inotify_add_watch(events, path.c_str(),
-                             IN_MODIFY | IN_ATTRIB | IN_CLOSE_WRITE | IN_MOVED_FROM | IN_MOVED_TO |
-                                 IN_CREATE | IN_DELETE | IN_ONLYDIR);
+    const int number = inotify_add_watch(events, path.c_str(),
+                                         IN_MODIFY | IN_ATTRIB | IN_CLOSE_WRITE | IN_MOVED_FROM |
+                                             IN_MOVED_TO | IN_CREATE | IN_DELETE | IN_ONLYDIR);
+    whole = whole && (number != -1 || errno != ENOSPC);
+    return number;
 }
 
 void MediaWatch::renew()
 {
     const int fresh = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    whole = fresh != -1;
     if (fresh == -1) {
-        throw std::runtime_error(std::string("cannot watch the media: ") + std::strerror(errno));
+        return; // what was watched still is
     }
     if (events != -1) {
         close(events);

@@ -11,9 +11,9 @@ namespace show {
 /// the folder may change unseen, such as a status file.
 class MediaWatch {
 public:
-    /// \param folder  an absolute path; may be missing
+    /// \param named  an absolute path; may be missing
     /// Throws std::runtime_error, with a line for the user, when the kernel can watch nothing more.
-    explicit MediaWatch(std::filesystem::path folder);
+    explicit MediaWatch(std::filesystem::path named);
     MediaWatch(const MediaWatch&) = delete;
     MediaWatch& operator=(const MediaWatch&) = delete;
     ~MediaWatch();
@@ -28,13 +28,18 @@ public:
     /// new.
     void renew();
 
+    /// Whether the kernel watches all that is to be watched. It limits how much; what is beyond
+    /// that may change unseen.
+    bool isWhole() const { return whole; }
+
 private:
     std::filesystem::path folder;
     int events = -1;
     int above = -1; ///< the watch of the folder that holds the folder
     int top = -1;   ///< the watch of the folder itself
+    bool whole = true;
 
-    int watch(const std::filesystem::path& path) const;
+    int watch(const std::filesystem::path& path);
     bool isOfMedia(const inotify_event& event) const;
 };
 

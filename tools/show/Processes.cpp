@@ -12,6 +12,7 @@
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
 namespace show {
 
@@ -85,7 +86,10 @@ End endOf(int status)
     sigprocmask(SIG_SETMASK, &none, nullptr);
     std::signal(SIGPIPE, SIG_DFL);
     const int nothing = open("/dev/null", O_RDONLY);
-    dup2(nothing, STDIN_FILENO);
+    if (nothing != STDIN_FILENO) {
+        dup2(nothing, STDIN_FILENO);
+        close(nothing);
+    }
     if (output >= 0) {
         dup2(output, STDOUT_FILENO);
         dup2(output, STDERR_FILENO);
@@ -148,15 +152,20 @@ void Processes::signal(Id showing, int signal) const
 
 void Processes::reap(const std::function<void(Id, const End&)>& onEnd)
 {
-    int status = 0;
-    for (pid_t child = waitpid(-1, &status, WNOHANG); child > 0;
-         child = waitpid(-1, &status, WNOHANG)) {
+    siginfo_t ended{};
+    // It keeps its number until its status is fetched: no other group can have that.
+    while (waitid(P_ALL, 0, &ended, WEXITED | WNOHANG | WNOWAIT) == 0 && ended.si_pid != 0) {
+        const pid_t child = std::exchange(ended.si_pid, 0);
         const auto group = std::find_if(groups.begin(), groups.end(),
                                         [&](const auto& entry) { return entry.second == child; });
         if (group != groups.end()) {
+            ::kill(-child, SIGKILL);
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        if (group != groups.end()) {
             const Id showing = group->first;
             groups.erase(group);
-            ::kill(-child, SIGKILL);
             killStrays();
             onEnd(showing, endOf(status));
         }

@@ -59,7 +59,12 @@ Screen::Screen(Look look) : look(look)
         ground = makeGround();
     }
     keepAwake(display());
-    fullScreen(); // throws when there is no such monitor
+    const auto count = static_cast<int>(monitors().size());
+    if (look.monitor && !hasOwnGround() && *look.monitor >= count) {
+        throw std::runtime_error("there is no monitor " + std::to_string(*look.monitor) +
+                                 ": the X server has " + std::to_string(count) +
+                                 ", counted from 0");
+    }
     XSync(display(), False);
 }
 
@@ -104,31 +109,35 @@ Window Screen::makeGround()
     return window;
 }
 
+std::vector<Screen::Place> Screen::monitors() const
+{
+    int count = 0;
+    XRRMonitorInfo* const list = XRRGetMonitors(display(), desktop.root(), True, &count);
+    std::vector<Place> places;
+    if (list != nullptr) {
+        for (int i = 0; i < count; ++i) {
+            places.push_back({list[i].x, list[i].y, list[i].width, list[i].height});
+        }
+        XRRFreeMonitors(list);
+    }
+    return places;
+}
+
 Screen::Place Screen::fullScreen() const
 {
     if (hasOwnGround()) {
-        const Place place = placeOf(ground);
+        const Place place = placeOf(ground).value_or(Place{0, 0, 1, 1});
         return {0, 0, place.width, place.height}; // within it
     }
     if (look.monitor || ground == None) {
-        int count = 0;
-        XRRMonitorInfo* const monitors = XRRGetMonitors(display(), desktop.root(), True, &count);
-        const int wanted = look.monitor.value_or(0);
-        std::optional<Place> place;
-        if (monitors != nullptr && wanted < count) {
-            const XRRMonitorInfo& monitor = monitors[wanted];
-            place = Place{monitor.x, monitor.y, monitor.width, monitor.height};
+        const std::vector<Place> places = monitors();
+        const auto wanted = static_cast<std::size_t>(look.monitor.value_or(0));
+        if (wanted < places.size()) {
+            return places[wanted];
         }
-        if (monitors != nullptr) {
-            XRRFreeMonitors(monitors);
-        }
-        if (place) {
-            return *place;
-        }
-        if (look.monitor) {
-            throw std::runtime_error("there is no monitor " + std::to_string(wanted) +
-                                     ": the X server has " + std::to_string(std::max(count, 0)) +
-                                     ", counted from 0");
+        // It has been there at the start, and may come back.
+        if (ground == None && !places.empty()) {
+            return places.front();
         }
     }
     const int screen = DefaultScreen(display());
@@ -250,22 +259,22 @@ void Screen::place(Window window) const
     } else if (ground == None) {
         // That of the showing before.
         const Scene& first = scenes.front();
-        if (first.window != window) {
-            askForPlace(window, placeOf(first.window));
+        const std::optional<Place> place = placeOf(first.window);
+        if (first.window != window && place) {
+            askForPlace(window, *place);
         }
     }
 }
 
-Screen::Place Screen::placeOf(Window window) const
+std::optional<Screen::Place> Screen::placeOf(Window window) const
 {
     XWindowAttributes attributes{};
-    Place place{};
-    Window unused = None;
-    if (XGetWindowAttributes(display(), window, &attributes) != 0) {
-        XTranslateCoordinates(display(), window, desktop.root(), 0, 0, &place.x, &place.y, &unused);
-        place.width = attributes.width;
-        place.height = attributes.height;
+    if (XGetWindowAttributes(display(), window, &attributes) == 0) {
+        return {};
     }
+    Place place{0, 0, attributes.width, attributes.height};
+    Window unused = None;
+    XTranslateCoordinates(display(), window, desktop.root(), 0, 0, &place.x, &place.y, &unused);
     return place;
 }
 

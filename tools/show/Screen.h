@@ -19,8 +19,8 @@ namespace show {
 /// that nothing of it is seen too early. A compositor that only shows one window is shown a window
 /// of this, and the windows of the showings in it, always full screen.
 ///
-/// A full-screen window gets the monitor of the look; without one it gets the first monitor under a
-/// window manager, and else the whole X screen with all its monitors.
+/// A full-screen window gets the monitor of the look; without one, or while that is gone, it gets
+/// the first monitor under a window manager, and else the whole X screen with all its monitors.
 class Screen {
 public:
     /// Throws std::runtime_error, with a line for the user, when the X server cannot be reached or
@@ -76,11 +76,12 @@ private:
     bool isFullscreen() const { return look.fullscreen || hasOwnGround(); }
     bool takeManagersPlace();
     Window makeGround();
+    std::vector<Place> monitors() const;
     Place fullScreen() const;
     Scene* recognize(Window window, const std::function<std::optional<Id>(pid_t)>& whose);
     void appear(const Scene* scene) const;
     void place(Window window) const;
-    Place placeOf(Window window) const;
+    std::optional<Place> placeOf(Window window) const; ///< none when it has gone
     void removeDecorations(Window window) const;
     void askForPlace(Window window, const Place& place) const;
     void wake(Window window) const;

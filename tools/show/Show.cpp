@@ -23,7 +23,8 @@ namespace {
 
 constexpr Id CHECK = -1;    // among the processes: that which looks at the media
 constexpr Seconds REST = 1; // without a change, then the media are at rest
-constexpr Seconds LONGEST_CHECK = 120;
+constexpr int LONGEST_CHECK = 120;
+constexpr Seconds BEFORE_ANOTHER_CHECK = 10; // when there could be no process
 constexpr Seconds BETWEEN_STATUS = 60;
 constexpr Seconds OVERLAP = 0.5; // the next showing begins so long before the voice ends
 constexpr Seconds SHORTEST_PERIOD = 5;
@@ -62,6 +63,7 @@ Show::Show(const Options& options, Programme programme)
 {
     if (!this->programme.media.empty()) {
         watch.emplace(this->programme.media);
+        sayWhatIsWatched();
     }
     conductor.setPeriod(period());
 }
@@ -122,7 +124,7 @@ void Show::takeSignals(Seconds now)
         if (signal.ssi_signo != SIGCHLD) {
             service.notify("STOPPING=1");
             conductor.stop(now);
-            processes.signal(CHECK, SIGKILL);
+            dropCheck();
         }
     }
     processes.reap([&](Id showing, const End& end) { onEnd(showing, end, now); });
@@ -137,12 +139,17 @@ void Show::onEnd(Id showing, const End& end, Seconds now)
     }
 }
 
-Id Show::open(std::optional<Id> front)
+std::optional<Id> Show::open(std::optional<Id> front)
 {
     if (front) {
         screen.hold(*front);
     }
-    processes.start(++latest, programme.command);
+    try {
+        processes.start(++latest, programme.command);
+    } catch (const std::runtime_error& failure) {
+        say(failure.what()); // the one in front goes on
+        return {};
+    }
     return latest;
 }
 
@@ -159,8 +166,21 @@ void Show::kill(Id showing)
 void Show::checkMedia()
 {
     checkOutput = memfd_create("check", MFD_CLOEXEC);
-    processes.start(CHECK, programme.check, checkOutput);
-    checkUntil = clockNow() + LONGEST_CHECK;
+    isCheckDropped = false;
+    try {
+        processes.start(CHECK, programme.check, checkOutput);
+        checkUntil = clockNow() + LONGEST_CHECK;
+    } catch (const std::runtime_error& failure) {
+        say(failure.what());
+        close(std::exchange(checkOutput, -1));
+        restAt = clockNow() + BEFORE_ANOTHER_CHECK;
+    }
+}
+
+void Show::dropCheck()
+{
+    isCheckDropped = true;
+    processes.signal(CHECK, SIGKILL);
 }
 
 void Show::onCheckEnd(bool isGood)
@@ -171,6 +191,9 @@ void Show::onCheckEnd(bool isGood)
     printed.resize(static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
     close(std::exchange(checkOutput, -1));
     checkUntil = NEVER;
+    if (isCheckDropped) {
+        return;
+    }
 
     say(isGood ? "the media have changed: the next showing plays them"
                : "the media have changed, but cannot be shown as they are; nothing new is started "
@@ -185,6 +208,14 @@ void Show::onCheckEnd(bool isGood)
     conductor.mediaChecked(isGood);
 }
 
+void Show::sayWhatIsWatched()
+{
+    if (!watch->isWhole()) {
+        say("the kernel cannot watch all of the media: changes may go unseen (inotify(7) names its "
+            "limits)");
+    }
+}
+
 void Show::watchMedia(Seconds now)
 {
     if (!watch) {
@@ -193,15 +224,17 @@ void Show::watchMedia(Seconds now)
     if (watch->read()) {
         conductor.mediaTouched(now);
         restAt = now + REST;
-        processes.signal(CHECK, SIGKILL);
+        dropCheck();
     }
     // One check at a time.
     if (restAt != NEVER && now >= restAt && checkUntil == NEVER) {
         restAt = NEVER;
         watch->renew();
+        sayWhatIsWatched();
         conductor.mediaAtRest();
     }
     if (checkUntil != NEVER && now >= checkUntil) {
+        say("the check of the media has not ended within " + std::to_string(LONGEST_CHECK) + " s");
         processes.signal(CHECK, SIGKILL);
         checkUntil = now + LONGEST_CHECK;
     }
@@ -214,7 +247,8 @@ void Show::reportStatus(Seconds now)
         aliveAt = now + *service.watchdog() / 2;
     }
     const std::optional<Id> front = conductor.front();
-    const std::optional<double> rate = front ? screen.rate(*front) : std::nullopt;
+    const std::optional<double> rate =
+        front && !conductor.isFrontHanging() ? screen.rate(*front) : std::nullopt;
     const bool isNews = conductor.number() != health.showing ||
                         conductor.faults() != health.faults || (rate && !health.rate);
     if (!isNews && now < statusAt) {

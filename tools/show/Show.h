@@ -44,15 +44,16 @@ private:
     Screen screen;
     std::optional<MediaWatch> watch;
     Conductor conductor;
-    Id latest = 0;              ///< the youngest showing
-    Seconds restAt = NEVER;     ///< when touched media count as being at rest
-    Seconds checkUntil = NEVER; ///< when a check that goes on is given up
-    int checkOutput = -1;       ///< owns: what the check prints
-    Seconds statusAt = 0;       ///< when the next status line is due
-    Seconds aliveAt = 0;        ///< when the next sign of life is due
+    Id latest = 0;               ///< the youngest showing
+    Seconds restAt = NEVER;      ///< when touched media count as being at rest
+    Seconds checkUntil = NEVER;  ///< when a check that goes on is given up
+    int checkOutput = -1;        ///< owns: what the check prints
+    bool isCheckDropped = false; ///< the one that goes on: nobody wants its answer any more
+    Seconds statusAt = 0;        ///< when the next status line is due
+    Seconds aliveAt = 0;         ///< when the next sign of life is due
     Health health;
 
-    Id open(std::optional<Id> front) override;
+    std::optional<Id> open(std::optional<Id> front) override;
     void dress(Id showing) override { screen.dress(showing); }
     void raise(Id showing) override { screen.raise(showing); }
     void settle(Id showing) override { screen.settle(showing); }
@@ -65,6 +66,8 @@ private:
     void takeSignals(Seconds now);
     void onEnd(Id showing, const End& end, Seconds now);
     void onCheckEnd(bool isGood);
+    void dropCheck();
+    void sayWhatIsWatched();
     void watchMedia(Seconds now);
     void reportStatus(Seconds now);
     std::optional<Seconds> period() const;

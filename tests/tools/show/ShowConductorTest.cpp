@@ -169,6 +169,37 @@ TEST_F(ShowConductorTest, TheLastFrameOfAHangingShowingStaysUntilTheNextOneIsInF
     EXPECT_EQ(crew.conductor.lastFault(), "no frame for 5 s");
 }
 
+TEST_F(ShowConductorTest, TheFrontHangsFromThatFaultUntilTheNextOneIsInFront)
+{
+    crew.plans[1].hangs = 20;
+    std::vector<Seconds> hanging;
+    for (; crew.now < PERIOD + 10; crew.play(FRAME)) {
+        if (crew.conductor.isFrontHanging()) {
+            hanging.push_back(crew.now);
+        }
+    }
+    ASSERT_THAT(hanging, Not(IsEmpty()));
+    EXPECT_NEAR(hanging.front(), 20 + 5, 2 * FRAME);
+    EXPECT_NEAR(hanging.back(), 20 + 5 + 2 + TO_RAISE, 3 * FRAME);
+}
+
+TEST_F(ShowConductorTest, WhatCannotBeStartedIsTriedAgain)
+{
+    crew.refusals = 2;
+    crew.play(10);
+
+    EXPECT_NEAR(crew.starts.at(0), 1 + 2, 2 * FRAME);
+    EXPECT_EQ(crew.conductor.faults(), 2);
+    EXPECT_EQ(crew.conductor.lastFault(), "the program could not be started");
+    EXPECT_EQ(crew.top(), 1);
+
+    crew.refusals = 1;
+    crew.play(2 * PERIOD);
+    EXPECT_EQ(crew.conductor.faults(), 3);
+    EXPECT_GE(crew.top(), 2);
+    EXPECT_EQ(crew.emptyFor, 0);
+}
+
 TEST_F(ShowConductorTest, OneThatHangsBeforeItIsInFrontIsGivenUp)
 {
     crew.plans[2].hangs = 2 + FRAME;
@@ -316,6 +347,19 @@ TEST_F(ShowConductorTest, AStopEndsAllAndStartsNothing)
     EXPECT_THAT(crew.told, ElementsAre("term 1", "term 2", "kill 1"));
     EXPECT_TRUE(crew.conductor.isOver());
     EXPECT_THAT(crew.starts, SizeIs(2));
+}
+
+TEST_F(ShowConductorTest, ASecondStopGivesNoMoreTime)
+{
+    crew.plans[1].endsByTerm = false;
+    crew.play(10);
+    crew.conductor.stop(crew.now);
+    crew.play(2);
+    crew.conductor.stop(crew.now);
+    crew.play(1.5);
+
+    EXPECT_THAT(crew.told, ElementsAre("term 1", "kill 1"));
+    EXPECT_TRUE(crew.conductor.isOver());
 }
 
 TEST_F(ShowConductorTest, EachShowingThatPlaysIsALineOfTheLog)

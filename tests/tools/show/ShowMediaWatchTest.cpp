@@ -93,6 +93,17 @@ TEST_F(ShowMediaWatchTest, ALinkToAnotherFolderIsAChange)
     EXPECT_TRUE(watch.read());
 }
 
+TEST_F(ShowMediaWatchTest, ASlashAtTheEndOfItsNameChangesNothing)
+{
+    MediaWatch watch(reef() / "");
+    TempDirectory::write("reef/status", "no media");
+    EXPECT_FALSE(watch.read());
+    fs::rename("reef", "other");
+    EXPECT_TRUE(watch.read());
+    fs::create_directory("reef");
+    EXPECT_TRUE(watch.read());
+}
+
 TEST_F(ShowMediaWatchTest, AFolderMayBeMissing)
 {
     MediaWatch watch(fs::current_path() / "pond");

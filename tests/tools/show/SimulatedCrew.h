@@ -42,6 +42,7 @@ public:
     std::vector<show::Id> settled;
     std::vector<show::Id> dressed;
     int checks = 0;
+    int refusals = 0;            ///< the next starts that fail
     show::Seconds emptyFor = 0;  ///< how long no window was on top since the first one
     show::Seconds frozenFor = 0; ///< how long the top one's picture did not change
     std::size_t most = 0;        ///< programs at once
@@ -56,9 +57,13 @@ public:
 
     show::Id top() const { return stack.empty() ? 0 : stack.back(); }
 
-    show::Id open(std::optional<show::Id> front) override
+    std::optional<show::Id> open(std::optional<show::Id> front) override
     {
         EXPECT_EQ(front, programs.count(top()) != 0 ? std::optional(top()) : std::nullopt);
+        if (refusals > 0) {
+            --refusals;
+            return {};
+        }
         const auto id = static_cast<show::Id>(starts.size() + 1);
         starts.push_back(now);
         programs[id] = {plans.count(id) != 0 ? plans[id] : Plan(), now, false, ""};

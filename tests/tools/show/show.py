@@ -290,9 +290,15 @@ class Show(Look):
                        stdout=subprocess.DEVNULL)
         subprocess.run(["xrandr", "--setmonitor", "right", "160/40x240/60+160+0", "none"], check=True)
         try:
-            with Running("--fullscreen", "--screen", "1", "--", FAKE) as show, Shots() as shots:
-                show.await_showing(1)
-                await_value(lambda: shots.taken and shots.taken[-1][-3:] != bytes(3), "a shot")
+            with Running("--every", "5", "--fullscreen", "--screen", "1", "--", FAKE) as show:
+                with Shots() as shots:
+                    show.await_showing(1)
+                    await_value(lambda: shots.taken and shots.taken[-1][-3:] != bytes(3), "a shot")
+                # It is switched off, as a screen is in the evening.
+                subprocess.run(["xrandr", "--delmonitor", "right"], check=True)
+                show.await_showing(3)
+                self.assertEqual(show.end(), (0, []))
+            subprocess.run(["xrandr", "--setmonitor", "right", "160/40x240/60+160+0", "none"], check=True)
             row = shots.taken[-1][:3 * SIZE[0]]
             self.assertEqual(row[:3 * 160], bytes(3 * 160))
             self.assertEqual(row[3 * 160:], row[-3:] * 160)
@@ -354,7 +360,7 @@ class Media(Look):
             subprocess.run([MEDIA_PROGRAM, "--out", folder, "--seconds", "5", "--water", "64"],
                            check=True, stdout=subprocess.DEVNULL)
             path = f"{pathlib.Path(MEDIA_PROGRAM).parent}:{os.environ['PATH']}"
-            with Shots() as shots, Running("--media", folder, "--fullscreen", "--", FAKE,
+            with Shots() as shots, Running("--media", f"{folder}/", "--fullscreen", "--", FAKE,
                                            PATH=path) as show:
                 # The voice of five seconds tells when.
                 show.await_showing(2)
@@ -380,6 +386,29 @@ class Media(Look):
                 taken = list(shots.taken)
             shots.taken = taken
             self.assert_never_empty(shots, 3)
+
+
+    def test_a_check_that_comes_too_late_says_nothing(self):
+        with tempfile.TemporaryDirectory() as name:
+            folder = pathlib.Path(name, "reef")
+            (folder / "data").mkdir(parents=True)
+            index = folder / "data/mocap.txt"
+            index.write_text("", encoding="utf-8")
+            # The first check lasts until it is ended; the others find nothing.
+            checker = pathlib.Path(name, "kelpix-media")
+            checker.write_text(f"""#!/bin/sh
+[ -e {name}/begun ] && exit 0
+touch {name}/begun
+exec sleep 600
+""", encoding="utf-8")
+            checker.chmod(0o755)
+            with Running("--media", folder, "--", FAKE, PATH=f"{name}:{os.environ['PATH']}") as show:
+                show.await_showing(1)
+                index.write_text("1", encoding="utf-8")
+                await_value(pathlib.Path(name, "begun").exists, "a check")
+                index.write_text("2", encoding="utf-8")
+                show.await_line("kelpix-show: the media have changed: the next showing plays them\n")
+                self.assertNotIn("cannot be shown", show.log())
 
 
 class Managed(Look):
