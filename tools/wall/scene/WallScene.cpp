@@ -59,6 +59,17 @@ void deleteGLObjects()
     }
 }
 
+/// Makes the whole window black. The scene clears only what the scissor leaves of it, and what a
+/// driver has in a new window or after a swap may be anything.
+void clearWindow()
+{
+    glPushAttrib(GL_COLOR_BUFFER_BIT | GL_SCISSOR_BIT);
+    glDisable(GL_SCISSOR_TEST);
+    glClearColor(0, 0, 0, 1);
+    glClear(GL_COLOR_BUFFER_BIT);
+    glPopAttrib();
+}
+
 } // namespace
 
 WallScene::WallScene(const WallLayout& layout, const WallTile& tile, Stage::Voice voice)
@@ -106,6 +117,9 @@ void WallScene::draw()
     if (!stage->window.valid()) {
         stage->window.initGL();
         scaleProjection(wall.projectionScale());
+    }
+    if (part.drawn != PixelRect{0, 0, part.desktop.w, part.desktop.h}) {
+        clearWindow();
     }
     glViewport(part.viewport.x, part.viewport.y, part.viewport.w, part.viewport.h);
     glScissor(part.drawn.x, part.drawn.y, part.drawn.w, part.drawn.h);

@@ -31,7 +31,8 @@ public:
     /// One update, with this step of the recording.
     void update(int step);
 
-    /// Draws the tile's part of the frame into the current framebuffer. Afterwards GL's viewport is
+    /// Draws the tile's part of the frame into the current framebuffer; what its cameras leave of
+    /// the window is black. Afterwards GL's viewport is
     /// the whole wall, as the scene's input needs it. Needs: the tile's GL context.
     void draw();
 
