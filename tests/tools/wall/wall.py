@@ -276,6 +276,14 @@ class Start(Walls):
         self.expect_line(self.start(TWO, "--virtual", media="/nowhere"),
                          f"{HOST}: no media in /nowhere: No such file or directory")
 
+    def test_a_folder_for_pictures_that_is_not_there(self):
+        self.expect_line(self.start(TWO, "--virtual", "--shots", "/nowhere", "--shot-at", "1"),
+                         f"{HOST}: no folder /nowhere for the pictures")
+
+    def test_a_hash_file_that_cannot_be_written(self):
+        self.expect_line(self.start(TWO, "--virtual", "--hash", "/dev/full/hash"),
+                         f"{HOST}: cannot write /dev/full/hash")
+
     def test_a_display_that_is_not_there(self):
         self.expect_line(self.start(TWO, "--virtual", DISPLAY=":9999"),
                          f"{HOST}: no display: Can't open display: :9999")

@@ -1,13 +1,12 @@
 #include "WallSettings.h"
 
+#include "CommandLine.h"
 #include "MemoryWords.h"
 #include "Printable.h"
 
 #include <cstring>
 #include <set>
 #include <span>
-#include <sstream>
-#include <type_traits>
 
 namespace {
 
@@ -22,20 +21,10 @@ struct Refusal {
     std::string what;
 };
 
-std::string quoted(const std::string& word)
+std::string inQuotes(const std::string& word)
 {
     // The end of a very long word says nothing.
     return "\"" + Files::printable(word.substr(0, 60)) + "\"";
-}
-
-template<typename Number>
-std::string rangeOf(Number low, Number high)
-{
-    std::ostringstream range;
-    range.precision(10);
-    range << (std::is_integral_v<Number> ? "a whole number" : "a number") << " from " << low
-          << " to " << high;
-    return range.str();
 }
 
 /// \return whether a text is an X display: HOST:NUMBER.SCREEN, without HOST or .SCREEN too
@@ -111,11 +100,11 @@ std::string Reader::wordAfter(const std::string& keyword, const char* wanted)
 template<typename Number>
 Number Reader::numberAfter(const std::string& keyword, Number low, Number high)
 {
-    const std::string range = rangeOf(low, high);
+    const std::string range = commandline::rangeOf(low, high);
     const std::string word = wordAfter(keyword, range.c_str());
     Number number{};
     if (!Files::numberOf(word, number) || number < low || number > high) {
-        throw Refusal{keyword + " needs " + range + ", not " + quoted(word)};
+        throw Refusal{keyword + " needs " + range + ", not " + inQuotes(word)};
     }
     return number;
 }
@@ -126,7 +115,7 @@ void Reader::read()
         throw Refusal{"the file ends where \"Wall\" is expected"};
     }
     if (std::strcmp(word_.data(), "Wall") != 0) {
-        throw Refusal{quoted(word_.data()) + " stands where \"Wall\" is expected"};
+        throw Refusal{inQuotes(word_.data()) + " stands where \"Wall\" is expected"};
     }
     while (next()) {
         const std::string keyword = word_.data();
@@ -135,7 +124,7 @@ void Reader::read()
             continue;
         }
         if (!given_.insert(keyword).second) {
-            throw Refusal{quoted(keyword) + " stands twice" +
+            throw Refusal{inQuotes(keyword) + " stands twice" +
                           (window_ != nullptr ? " after one Map" : "")};
         }
         if (window_ != nullptr) {
@@ -155,13 +144,13 @@ void Reader::readOfWall(const std::string& keyword)
     } else if (keyword == "Fit") {
         const std::string fit = wordAfter(keyword, "contain or cover");
         if (fit != "contain" && fit != "cover") {
-            throw Refusal{"Fit needs contain or cover, not " + quoted(fit)};
+            throw Refusal{"Fit needs contain or cover, not " + inQuotes(fit)};
         }
         settings_.fit = fit == "cover" ? Fit::cover : Fit::contain;
     } else if (keyword == "Media") {
         settings_.media = wordAfter(keyword, "a folder");
     } else {
-        throw Refusal{quoted(keyword) + " is none of Rate, Seed, Fit, Media and Map"};
+        throw Refusal{inQuotes(keyword) + " is none of Rate, Seed, Fit, Media and Map"};
     }
 }
 
@@ -184,7 +173,8 @@ void Reader::readOfWindow(const std::string& keyword)
     if (keyword == "Display") {
         window_->display = wordAfter(keyword, "a display, such as :0.1");
         if (!isDisplay(window_->display)) {
-            throw Refusal{"Display needs a display, such as :0.1, not " + quoted(window_->display)};
+            throw Refusal{"Display needs a display, such as :0.1, not " +
+                          inQuotes(window_->display)};
         }
     } else if (keyword == "Place") {
         readPlace();
@@ -195,7 +185,7 @@ void Reader::readOfWindow(const std::string& keyword)
             channel = numberAfter(keyword, 0.0F, 1.0F);
         }
     } else {
-        throw Refusal{quoted(keyword) + " is none of Display, Place, Blend, Gain and Map"};
+        throw Refusal{inQuotes(keyword) + " is none of Display, Place, Blend, Gain and Map"};
     }
 }
 

@@ -10,6 +10,7 @@
 #include "MediaHash.h"
 #include "MediaToPlay.h"
 #include "MpiTransport.h"
+#include "OpenFile.h"
 #include "PictureFile.h"
 #include "Plan.h"
 #include "Printable.h"
@@ -53,15 +54,6 @@ void say(const std::string& line)
     std::vsnprintf(text, sizeof text, format, arguments);
     va_end(arguments);
     throw std::runtime_error(std::string("no display: ") + text);
-}
-
-std::FILE* openFile(const fs::path& path)
-{
-    std::FILE* const file = path.empty() ? nullptr : std::fopen(path.c_str(), "we");
-    if (file == nullptr && !path.empty()) {
-        throw std::runtime_error("cannot write " + path.string());
-    }
-    return file;
 }
 
 /// Says that a rank cannot go on. Only the first one does, when it is the same for all: the others
@@ -115,7 +107,7 @@ private:
     std::optional<StatusFile> status;
     std::optional<ShowWriter> log;
     std::uint64_t media = 0;
-    std::unique_ptr<std::FILE, int (*)(std::FILE*)> hashFile{nullptr, std::fclose};
+    Files::Handle hashFile;
     unsigned beginnings = 0;
     FrameRecord own;
 
@@ -148,6 +140,9 @@ void TileShow::enterMedia()
         if (!path->empty()) {
             *path = fs::absolute(*path);
         }
+    }
+    if (!options.shots.empty() && !fs::is_directory(options.shots)) {
+        throw std::runtime_error("no folder " + options.shots.string() + " for the pictures");
     }
     std::error_code error;
     fs::current_path(folder, error);
@@ -213,7 +208,9 @@ void TileShow::openFiles()
         if (!options.status.empty()) {
             status.emplace(options.status, hosts);
         }
-        hashFile.reset(openFile(options.hash));
+        if (!options.hash.empty() && !(hashFile = Files::create(options.hash.c_str()))) {
+            throw std::runtime_error("cannot write " + options.hash.string());
+        }
         if (!options.log.empty()) {
             log.emplace(options.log,
                         ShowHead{KELPIX_VERSION, media, options.simulate ? options.scale : 0,
@@ -230,7 +227,7 @@ void TileShow::prepare(Work work)
     Readiness own;
     try {
         own.number = work();
-    } catch (const std::runtime_error& error) {
+    } catch (const std::exception& error) {
         own.problem = error.what();
     }
     exchangeReadiness(protocol, hosts, own);
