@@ -36,7 +36,7 @@ ALLOWED = {
     "tools/show": ["src-sound", "tools/stage", "tools/commandline", "tools/desktop"],
     "tools/soak": ["src-math", "src-image", "src-core", "src-sound", "kelpix", "tools/stage",
                    "tools/nullgl", "tools/commandline"],
-    "tools/wall/layout": ["src-cluster"],
+    "tools/wall/layout": ["tools/commandline", "src-cluster"],
     "tools/wall/drawing": ["src-cluster", "src-core", "src-font", "tools/wall/layout"],
     "tools/wall/protocol": [],
     "tools/wall/scene": ["src-math", "src-rates", "src-image", "src-core", "src-sound", "kelpix",
