@@ -33,6 +33,7 @@ ALLOWED = {
                      "tools/stage", "tools/commandline", "src-cluster", "tools/wall/layout",
                      "tools/wall/protocol", "tools/wall/scene"],
     "tools/desktop": [],
+    "tools/osc": [],
     "tools/show": ["src-sound", "tools/stage", "tools/commandline", "tools/desktop"],
     "tools/soak": ["src-math", "src-image", "src-core", "src-sound", "kelpix", "tools/stage",
                    "tools/nullgl", "tools/commandline"],

@@ -1,0 +1,119 @@
+#include "Inbox.h"
+
+#include <algorithm>
+#include <tuple>
+
+namespace osc {
+
+using std::chrono::nanoseconds;
+
+bool Inbox::isBefore(const Item& a, const Item& b)
+{
+    return std::tie(a.due, a.number) < std::tie(b.due, b.number);
+}
+
+void Inbox::keepNewer(std::optional<Item>& kept, const Item& item)
+{
+    if (!kept || isBefore(*kept, item)) {
+        kept = item;
+    }
+}
+
+Inbox::Inbox()
+{
+    queue.reserve(MOST_QUEUED);
+    waiting.reserve(MOST_WAITING);
+}
+
+Counts Inbox::counts() const
+{
+    Counts counts = total;
+    counts.dropped = counts.unknown + counts.refused + counts.early + counts.full;
+    return counts;
+}
+
+void Inbox::add(const Reading& reading, const Moment& now)
+{
+    const Counts& added = reading.counts;
+    total.packets += added.packets;
+    total.malformed += added.malformed;
+    total.messages += added.messages;
+    total.unknown += added.unknown;
+    total.refused += added.refused;
+    for (const auto& [command, due] : reading.commands) {
+        const nanoseconds ahead = due == IMMEDIATELY ? nanoseconds::zero() : between(now.wall, due);
+        if (ahead > FARTHEST) {
+            ++total.early;
+        } else if (ahead > nanoseconds::zero()) {
+            wait({now.steady + ahead, arrivals++, command});
+        } else {
+            total.late += ahead < nanoseconds::zero() ? 1 : 0;
+            comeDue({now.steady, arrivals++, command});
+        }
+    }
+}
+
+void Inbox::wait(const Item& item)
+{
+    if (waiting.size() == MOST_WAITING) {
+        ++total.full;
+        return;
+    }
+    waiting.push_back(item);
+    std::ranges::push_heap(waiting, isAfter);
+}
+
+void Inbox::comeDue(const Item& item)
+{
+    switch (item.command.kind) {
+    case Command::Kind::FIGURE:
+    case Command::Kind::RELEASE:
+        keepNewer(figures[static_cast<std::size_t>(item.command.figure)], item);
+        break;
+    case Command::Kind::SEED:
+    case Command::Kind::RESTART:
+        keepNewer(renewal, item);
+        break;
+    default:
+        if (queue.size() < MOST_QUEUED) {
+            queue.push_back(item);
+        } else {
+            ++total.full;
+        }
+    }
+}
+
+bool Inbox::mayRenew(nanoseconds steady) const
+{
+    return !lastRenewal || steady - *lastRenewal >= RENEWAL_PAUSE;
+}
+
+std::vector<Command> Inbox::take(nanoseconds steady)
+{
+    while (!waiting.empty() && waiting.front().due <= steady) {
+        comeDue(waiting.front());
+        std::ranges::pop_heap(waiting, isAfter);
+        waiting.pop_back();
+    }
+
+    std::vector<Item> items = queue;
+    queue.clear();
+    for (std::optional<Item>& figure : figures) {
+        if (figure) {
+            items.push_back(*figure);
+            figure.reset();
+        }
+    }
+    if (renewal && mayRenew(steady)) {
+        items.push_back(*renewal);
+        renewal.reset();
+        lastRenewal = steady;
+    }
+    std::ranges::sort(items, isBefore);
+
+    std::vector<Command> commands(items.size());
+    std::ranges::transform(items, commands.begin(), &Item::command);
+    return commands;
+}
+
+} // namespace osc
