@@ -34,7 +34,8 @@ ALLOWED = {
                      "tools/wall/protocol", "tools/wall/scene"],
     "tools/desktop": [],
     "tools/osc": [],
-    "tools/show": ["src-sound", "tools/stage", "tools/commandline", "tools/desktop"],
+    "tools/status": [],
+    "tools/show": ["src-sound", "tools/stage", "tools/commandline", "tools/desktop", "tools/status"],
     "tools/soak": ["src-math", "src-image", "src-core", "src-sound", "kelpix", "tools/stage",
                    "tools/nullgl", "tools/commandline"],
     "tools/wall/layout": ["tools/commandline", "src-cluster"],
@@ -44,7 +45,7 @@ ALLOWED = {
                          "tools/stage", "tools/commandline", "src-cluster", "tools/wall/layout",
                          "tools/wall/drawing", "tools/wall/protocol"],
     "tools/wall/program": ["src-core", "src-sound", "kelpix", "tools/stage", "tools/commandline",
-                           "tools/record", "src-cluster", "tools/wall/layout",
+                           "tools/record", "tools/status", "src-cluster", "tools/wall/layout",
                            "tools/wall/drawing", "tools/wall/protocol", "tools/wall/scene"],
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"')

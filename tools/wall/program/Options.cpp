@@ -69,7 +69,9 @@ std::vector<commandline::Option> tableOf(Options& options)
          commandline::flag(options.isVirtual)},
         {"--log", "FILE", "writes down the whole show, for kelpix-record to play again",
          commandline::text(options.log)},
-        {"--status", "FILE", "adds a line each second: rate, skew, slowest host, state",
+        {"--status", "FILE",
+         "keeps the latest line there, one a second: rate, skew,\n"
+         "slowest host, state",
          commandline::text(options.status)},
         {"--hash", "FILE", "writes a line for each frame: its number and the scene's state",
          commandline::text(options.hash)},

@@ -105,6 +105,7 @@ private:
     std::optional<WallScene> scene;
     std::optional<TilePattern> pattern; ///< instead of the scene, if it is asked for
     std::optional<StatusFile> status;
+    bool isStatusMissing = false; ///< which has been said
     std::optional<ShowWriter> log;
     std::uint64_t media = 0;
     Files::Handle hashFile;
@@ -125,6 +126,7 @@ private:
     void setClock();
     void playScene(const Orders& orders);
     void note(const Orders& orders);
+    void noteStatus(const std::vector<FrameRecord>& records);
     void playFrame(const Orders& orders);
     void save();
 };
@@ -327,8 +329,22 @@ void TileShow::note(const Orders& orders)
     if (hashFile != nullptr) {
         std::fprintf(hashFile.get(), "%u %016" PRIx64 "\n", own.frame - 1, numberOf(own.state));
     }
-    if (status) {
-        status->add(orders.records, net.now());
+    noteStatus(orders.records);
+}
+
+/// A status that cannot be written is said once, and the show goes on.
+void TileShow::noteStatus(const std::vector<FrameRecord>& records)
+{
+    if (!status) {
+        return;
+    }
+    try {
+        status->add(records, net.now());
+    } catch (const std::runtime_error& failure) {
+        if (!isStatusMissing) {
+            say(failure.what());
+        }
+        isStatusMissing = true;
     }
 }
 

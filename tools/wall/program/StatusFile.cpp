@@ -1,13 +1,12 @@
 #include "StatusFile.h"
 
 #include "StateNumber.h"
+#include "TimeText.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cinttypes>
-#include <cstring>
 #include <ctime>
-#include <stdexcept>
+#include <iomanip>
+#include <sstream>
 
 namespace wall {
 
@@ -22,12 +21,9 @@ double quantile(const std::vector<double>& sorted, double fraction)
 } // namespace
 
 StatusFile::StatusFile(const std::filesystem::path& path, std::vector<std::string> hostNames)
-    : file(std::fopen(path.c_str(), "ae"), std::fclose), hosts(std::move(hostNames))
+    : file(path), hosts(std::move(hostNames))
 {
-    if (file == nullptr) {
-        throw std::runtime_error("cannot write " + path.string() + ": " + std::strerror(errno));
-    }
-    std::setvbuf(file.get(), nullptr, _IOLBF, BUFSIZ);
+    file.check();
 }
 
 void StatusFile::add(const std::vector<FrameRecord>& records, double now)
@@ -55,29 +51,29 @@ void StatusFile::add(const std::vector<FrameRecord>& records, double now)
     }
     skews.push_back(static_cast<double>(last - first) / 1e6);
     if (now - since >= 1) {
-        write(records, now - since);
+        const std::string line = lineOf(records, now - since);
         since = now;
         frames = 0;
         skews.clear();
         worstDrawing = 0;
         waiting = 0;
+        file.write(line);
     }
 }
 
-void StatusFile::write(const std::vector<FrameRecord>& records, double seconds)
+std::string StatusFile::lineOf(const std::vector<FrameRecord>& records, double seconds)
 {
-    char time[32] = {};
-    const std::time_t now = std::time(nullptr);
-    std::tm local{};
-    std::strftime(time, sizeof time, "%Y-%m-%dT%H:%M:%S", localtime_r(&now, &local));
     std::sort(skews.begin(), skews.end());
-    std::fprintf(file.get(),
-                 "%s frame %u rate %.1f skew %.2f %.2f ms draw %.1f ms %s wait %.1f ms "
-                 "state %016" PRIx64 "\n",
-                 time, records.front().frame - 1, frames / seconds, quantile(skews, 0.5),
-                 quantile(skews, 0.95), worstDrawing, hosts[worstRank].c_str(),
-                 waiting / frames / static_cast<double>(records.size()),
-                 numberOf(records.front().state));
+    std::ostringstream line;
+    line << "time=" << status::text(std::time(nullptr)) << " frame=" << records.front().frame - 1
+         << std::fixed << std::setprecision(1) << " rate=" << frames / seconds
+         << std::setprecision(2) << " skew_ms=" << quantile(skews, 0.5)
+         << " skew_p95_ms=" << quantile(skews, 0.95) << std::setprecision(1)
+         << " draw_ms=" << worstDrawing << " slowest=" << hosts[worstRank]
+         << " wait_ms=" << waiting / frames / static_cast<double>(records.size())
+         << " state=" << std::hex << std::setw(16) << std::setfill('0')
+         << numberOf(records.front().state);
+    return line.str();
 }
 
 } // namespace wall
