@@ -24,9 +24,14 @@ std::string latestReason()
 
 } // namespace
 
-PartFile::PartFile(const std::filesystem::path& path) : final(path), part(path)
+std::filesystem::path partName(const std::filesystem::path& path)
 {
-    part.replace_filename(path.stem().string() + ".part" + path.extension().string());
+    std::filesystem::path part = path;
+    return part.replace_filename(path.stem().string() + ".part" + path.extension().string());
+}
+
+PartFile::PartFile(const std::filesystem::path& path) : final(path), part(partName(path))
+{
     std::error_code error;
     if (std::filesystem::is_directory(final, error)) {
         fail(std::strerror(EISDIR));

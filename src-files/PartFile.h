@@ -5,6 +5,9 @@
 
 namespace Files {
 
+/// \return the name that a file has while it is a PartFile
+std::filesystem::path partName(const std::filesystem::path& path);
+
 /// A file that is being written, under its name with ".part" before the extension. It is renamed
 /// when it is complete, so a file under its final name is always whole.
 class PartFile {

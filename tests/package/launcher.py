@@ -202,6 +202,9 @@ mv "$HOME/new" "$HOME/setups"
         self.assert_plays(result, self.installed)
         self.assertEqual(result.stderr, "kelpix: llvmpipe: below 40 updates a second the tentacles "
                                         "break into zigzags; a smaller window helps\n")
+        # kelpix-show starts it again and again.
+        self.assertEqual(self.start(KELPIX_SHOWING="1").stderr, result.stderr)
+        self.assertEqual(self.start(KELPIX_SHOWING="2").stderr, "")
 
     # The sound.
 

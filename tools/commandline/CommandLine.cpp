@@ -92,7 +92,7 @@ Arguments parse(const std::vector<std::string>& arguments, const std::vector<Opt
             result.rest.insert(result.rest.end(), std::next(at), arguments.end());
             break;
         }
-        if (rest == Rest::anywhere && !at->starts_with('-')) {
+        if (rest == Rest::anywhere && !at->empty() && !at->starts_with('-')) {
             result.rest.push_back(*at);
             continue;
         }

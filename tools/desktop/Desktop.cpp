@@ -3,9 +3,12 @@
 #include <X11/Xatom.h>
 #include <X11/Xutil.h>
 #include <algorithm>
+#include <charconv>
 #include <cstdlib>
 #include <cstring>
 #include <stdexcept>
+#include <string_view>
+#include <system_error>
 
 namespace {
 
@@ -64,12 +67,32 @@ std::string Desktop::title(Window window) const
 
 std::optional<double> Desktop::rate(Window window) const
 {
-    const std::string BEFORE = "kelpix (";
+    constexpr std::string_view UNIT = " fps)";
     const std::string text = title(window);
-    if (!text.starts_with(BEFORE)) {
+    const std::size_t before = text.rfind(" (");
+    if (before == std::string::npos || !text.ends_with(UNIT)) {
         return {};
     }
-    return std::strtod(text.c_str() + BEFORE.size(), nullptr);
+    const char* const end = text.data() + text.size() - UNIT.size();
+    double rate = 0;
+    const auto [stop, error] = std::from_chars(text.data() + before + 2, end, rate);
+    return error == std::errc() && stop == end ? std::optional(rate) : std::nullopt;
+}
+
+bool Desktop::isMain(Window window) const
+{
+    XWindowAttributes attributes{};
+    Window above = None;
+    return XGetWindowAttributes(display(), window, &attributes) != 0 &&
+           attributes.override_redirect == False && attributes.c_class == InputOutput &&
+           XGetTransientForHint(display(), window, &above) == 0;
+}
+
+bool Desktop::isMapped(Window window) const
+{
+    XWindowAttributes attributes{};
+    return XGetWindowAttributes(display(), window, &attributes) != 0 &&
+           attributes.map_state != IsUnmapped;
 }
 
 Window Desktop::manager() const

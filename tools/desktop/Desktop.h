@@ -28,12 +28,18 @@ public:
     /// \return the process that says it owns the window, 0 when none does
     pid_t owner(Window window) const;
 
-    /// Whether its title is that of the scene, with or without a rate.
+    /// Whether its title begins as that of the scene, with or without a rate.
     bool isScene(Window window) const { return title(window).starts_with("kelpix"); }
 
     /// \return the frames a second in the window's title, which the scene's windows tell from their
-    ///         first frame on; none for any other title
+    ///         first frame on: "kelpix (40.0 fps)". None for a title that does not end like that.
     std::optional<double> rate(Window window) const;
+
+    /// Whether it is a window of its own: not a menu, a tooltip, nor a dialog of another one.
+    bool isMain(Window window) const;
+
+    /// Whether it is mapped. One that lies behind others is too.
+    bool isMapped(Window window) const;
 
     /// \return the name of the window manager, empty when there is none
     std::string managersName() const;

@@ -56,11 +56,12 @@ std::optional<Id> Conductor::front() const
     return now != nullptr ? std::optional(now->id) : std::nullopt;
 }
 
-bool Conductor::isFrontHanging() const
+bool Conductor::isFrontStill() const
 {
     const Showing* const next = coming();
     const Showing* const now = playing();
-    return (next == nullptr || next->state != State::raised) && now != nullptr && now->isHanging;
+    return (next == nullptr || next->state != State::raised) && now != nullptr &&
+           (now->isHanging || now->isAway);
 }
 
 void Conductor::frame(Id id, Seconds now)
@@ -69,22 +70,66 @@ void Conductor::frame(Id id, Seconds now)
     if (showing == nullptr) {
         return;
     }
+    showing->nextStage.reset();
     showing->latest = now;
     ++showing->frames;
     if (showing->state == State::opening) {
-        showing->state = State::dressed;
-        showing->first = now;
-        showing->frames = 0;
-        crew.dress(id);
+        dress(*showing, now);
     } else if (showing->state == State::dressed && showing->frames >= FRAMES_TO_OPEN) {
-        showing->state = State::raised;
-        showing->frames = 0;
-        toOpen = now - showing->opened;
-        ++shown;
-        crew.raise(id);
+        raise(*showing, now);
     } else if (showing->state == State::raised && showing->frames >= FRAMES_IN_FRONT) {
         play(*showing, now);
     }
+}
+
+void Conductor::silent(Id id, Seconds now)
+{
+    Showing* const showing = find(id);
+    if (showing != nullptr && showing->state == State::opening && !showing->nextStage) {
+        showing->nextStage = now + SILENT_STAGE;
+    }
+}
+
+void Conductor::passStage(Showing& showing, Seconds now)
+{
+    showing.nextStage = now + SILENT_STAGE;
+    if (showing.state == State::opening) {
+        dress(showing, now);
+    } else if (showing.state == State::dressed) {
+        raise(showing, now);
+    } else {
+        showing.nextStage = NEVER;
+        play(showing, now);
+    }
+}
+
+void Conductor::visible(Id id, bool isVisible, Seconds now)
+{
+    Showing* const showing = find(id);
+    if (showing != nullptr && showing->isAway == isVisible) {
+        showing->isAway = !isVisible;
+        showing->latest = now;
+    }
+}
+
+void Conductor::dress(Showing& showing, Seconds now)
+{
+    showing.state = State::dressed;
+    showing.first = now;
+    showing.frames = 0;
+    crew.dress(showing.id);
+}
+
+void Conductor::raise(Showing& showing, Seconds now)
+{
+    showing.state = State::raised;
+    showing.frames = 0;
+    starts.push_back(now - showing.opened);
+    if (starts.size() > STARTS) {
+        starts.pop_front();
+    }
+    ++shown;
+    crew.raise(showing.id);
 }
 
 void Conductor::play(Showing& showing, Seconds now)
@@ -158,6 +203,12 @@ void Conductor::mediaChecked(bool good)
     }
 }
 
+Seconds Conductor::lead() const
+{
+    const auto slowest = std::max_element(starts.begin(), starts.end());
+    return slowest == starts.end() ? 0 : *slowest + std::min(MARGIN * *slowest, LARGEST_MARGIN);
+}
+
 Seconds Conductor::nextOpening() const
 {
     if (stopping || coming() != nullptr) {
@@ -176,12 +227,13 @@ Seconds Conductor::nextOpening() const
     if (media != Media::good || !now->period) {
         return NEVER;
     }
-    return std::max(mayOpen, now->first + *now->period - toOpen);
+    return std::max(mayOpen, now->first + *now->period - lead());
 }
 
 Seconds Conductor::losesPatience(const Showing& showing) const
 {
-    if (showing.state == State::leaving || showing.isHanging) {
+    if (showing.state == State::leaving || showing.isHanging || showing.nextStage ||
+        (showing.state == State::playing && showing.isAway)) {
         return NEVER;
     }
     return showing.state == State::opening ? showing.opened + PATIENCE_TO_OPEN * rules.patience
@@ -195,6 +247,8 @@ Seconds Conductor::due() const
         time = std::min(time, losesPatience(showing));
         if (showing.state == State::leaving) {
             time = std::min(time, showing.nextStep);
+        } else if (showing.nextStage) {
+            time = std::min(time, *showing.nextStage);
         }
     }
     return time;
@@ -208,6 +262,9 @@ void Conductor::pass(Seconds now)
         }
         if (showing.state == State::leaving && now >= showing.nextStep) {
             leave(showing, showing.step == Step::key ? Step::term : Step::kill, now);
+        } else if (showing.state != State::leaving && showing.nextStage &&
+                   now >= *showing.nextStage) {
+            passStage(showing, now);
         }
     }
     if (now >= nextOpening()) {
@@ -249,7 +306,9 @@ void Conductor::leave(Showing& showing, Step step, Seconds now)
     showing.nextStep = now + GRACE;
     switch (step) {
     case Step::key:
-        crew.pressQ(showing.id);
+        if (!crew.pressQ(showing.id)) {
+            leave(showing, Step::term, now);
+        }
         break;
     case Step::term:
         crew.terminate(showing.id);

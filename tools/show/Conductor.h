@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <deque>
 #include <optional>
 #include <string>
 #include <vector>
@@ -41,7 +43,8 @@ public:
     /// The showings before it have gone: its window is to be in front, but need not be held there.
     virtual void settle(Id showing) = 0;
 
-    virtual void pressQ(Id showing) = 0;
+    /// \return whether the keyboard has that key; without it nothing has been done
+    virtual bool pressQ(Id showing) = 0;
     virtual void terminate(Id showing) = 0; ///< SIGTERM
     virtual void kill(Id showing) = 0;      ///< SIGKILL
 
@@ -68,6 +71,9 @@ struct Rules {
 /// A showing *opens* until it has drawn some frames, then it is raised, and once it has drawn in
 /// front it *plays*, and those before it *leave*. So something is in front at all times, except
 /// where a showing ends by itself.
+///
+/// A *silent* showing tells no frames. Once its window is there it goes from stage to stage by the
+/// clock, and nobody can say that it hangs: only its end tells that something is wrong.
 class Conductor {
 public:
     // How long things may take, in seconds.
@@ -75,6 +81,13 @@ public:
     static constexpr int PATIENCE_TO_OPEN = 12; ///< times the patience, until the first frame
     static constexpr Seconds QUICK = 10;        ///< an end before is one of repeated quick ends
     static constexpr Seconds LONGEST_PAUSE = 60;
+    static constexpr Seconds SILENT_STAGE = 1; ///< of a silent showing, from each to the next
+
+    // How much earlier than the period says a showing starts: as long as the slowest of the last
+    // few took, and a share of that more, for on a busy machine none takes as long as the other.
+    static constexpr std::size_t STARTS = 3;
+    static constexpr double MARGIN = 0.3;
+    static constexpr Seconds LARGEST_MARGIN = 2;
 
     // Frames of a showing before something is done about it. A frame is told when it is begun, and
     // is on the screen when the next one is begun.
@@ -88,6 +101,12 @@ public:
     void setPeriod(std::optional<Seconds> period) { rules.period = period; }
 
     void frame(Id showing, Seconds now);
+    /// The window of a showing is there, and it has not told a frame so far: unless it does, it is
+    /// a silent one.
+    void silent(Id showing, Seconds now);
+    /// A window of a showing has been taken away, such as by a visitor who minimizes it, or is
+    /// back. While it is away nothing is drawn in it: a showing that plays does not hang then.
+    void visible(Id showing, bool isVisible, Seconds now);
     void ended(Id showing, const End& end, Seconds now);
 
     /// The media folder has been touched: while something plays, nothing that reads it opens before
@@ -110,7 +129,7 @@ public:
     bool isOver() const { return stopping && showings.empty(); }
 
     std::optional<Id> front() const;                       ///< the showing that is in front
-    bool isFrontHanging() const;                           ///< whether its picture stands still
+    bool isFrontStill() const;                             ///< whether it hangs, or is away
     int number() const { return shown; }                   ///< showings that have been in front
     int faults() const { return faultCount; }              ///< since the start
     const std::string& lastFault() const { return fault; } ///< empty = none
@@ -125,13 +144,15 @@ private:
         Seconds opened;
         std::optional<Seconds> period; ///< as in Rules
         State state = State::opening;
-        int frames = 0;         ///< in this state
-        Seconds first = 0;      ///< its first frame; undefined while it is opening, as is latest
-        Seconds latest = 0;     ///< its latest frame
-        bool isHanging = false; ///< it plays, but has lost our patience
-        bool isStale = false;   ///< it plays media that have changed since
-        Step step = Step::key;  ///< of one that leaves, as is nextStep
-        Seconds nextStep = 0;   ///< when it is told more rudely
+        int frames = 0;     ///< in this state
+        Seconds first = 0;  ///< its first frame; undefined while it is opening, as is latest
+        Seconds latest = 0; ///< its latest frame
+        std::optional<Seconds> nextStage = {}; ///< of a silent one
+        bool isAway = false;                   ///< its window is
+        bool isHanging = false;                ///< it plays, but has lost our patience
+        bool isStale = false;                  ///< it plays media that have changed since
+        Step step = Step::key;                 ///< of one that leaves, as is nextStep
+        Seconds nextStep = 0;                  ///< when it is told more rudely
     };
 
     Crew& crew;
@@ -139,9 +160,9 @@ private:
     std::vector<Showing> showings; ///< those whose processes live, oldest first
     bool stopping = false;
     Media media = Media::good;
-    Seconds toOpen = 0;  ///< what the latest one took from its start until it was raised
-    Seconds mayOpen = 0; ///< no earlier start
-    int quickEnds = 0;   ///< in a row
+    std::deque<Seconds> starts; ///< what the last ones took from the start until they were raised
+    Seconds mayOpen = 0;        ///< no earlier start
+    int quickEnds = 0;          ///< in a row
     int shown = 0;
     int faultCount = 0;
     std::string fault;
@@ -151,9 +172,13 @@ private:
     const Showing* coming() const;
     bool isAnyLeaving() const;
 
+    Seconds lead() const;
     Seconds nextOpening() const;
     Seconds losesPatience(const Showing& showing) const;
+    void dress(Showing& showing, Seconds now);
+    void raise(Showing& showing, Seconds now);
     void play(Showing& showing, Seconds now);
+    void passStage(Showing& showing, Seconds now);
     void giveUp(Showing& showing, Seconds now);
     void leave(Showing& showing, Step step, Seconds now);
     void noteFault(const std::string& text);

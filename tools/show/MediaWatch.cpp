@@ -1,5 +1,7 @@
 #include "MediaWatch.h"
 
+#include "PartFile.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -22,8 +24,8 @@ constexpr std::array<const char*, 3> PARTS = {"data", "sound", "fonts"};
 } // namespace
 
 // "reef/" is "reef": the folder above knows it by that name.
-MediaWatch::MediaWatch(fs::path named)
-    : folder(named.has_filename() ? std::move(named) : named.parent_path())
+MediaWatch::MediaWatch(fs::path named, fs::path status)
+    : folder(named.has_filename() ? std::move(named) : named.parent_path()), own(std::move(status))
 {
     renew();
     if (events == -1) {
@@ -42,6 +44,10 @@ int MediaWatch::watch(const fs::path& path)
                                          IN_MODIFY | IN_ATTRIB | IN_CLOSE_WRITE | IN_MOVED_FROM |
                                              IN_MOVED_TO | IN_CREATE | IN_DELETE | IN_ONLYDIR);
     whole = whole && (number != -1 || errno != ENOSPC);
+    std::error_code error;
+    if (number != -1 && !own.empty() && fs::equivalent(path, own.parent_path(), error)) {
+        owns = number;
+    }
     return number;
 }
 
@@ -56,6 +62,7 @@ void MediaWatch::renew()
         close(events);
     }
     events = fresh;
+    owns = -1;
     above = watch(folder.parent_path());
     top = watch(folder);
     for (const char* part : PARTS) {
@@ -80,6 +87,9 @@ bool MediaWatch::isOfMedia(const inotify_event& event) const
     const std::string name = event.len > 0 ? event.name : "";
     if (event.wd == above) {
         return name == folder.filename();
+    }
+    if (event.wd == owns && (name == own.filename() || name == Files::partName(own).filename())) {
+        return false;
     }
     return event.wd != top || name.empty() ||
            std::find(PARTS.begin(), PARTS.end(), name) != PARTS.end();

@@ -11,9 +11,11 @@ namespace show {
 /// the folder may change unseen, such as a status file.
 class MediaWatch {
 public:
-    /// \param named  an absolute path; may be missing
+    /// \param named   an absolute path; may be missing
+    /// \param status  an absolute path, or empty: a file that this process itself writes, and that
+    ///                is no medium wherever it is
     /// Throws std::runtime_error, with a line for the user, when the kernel can watch nothing more.
-    explicit MediaWatch(std::filesystem::path named);
+    explicit MediaWatch(std::filesystem::path named, std::filesystem::path status = {});
     MediaWatch(const MediaWatch&) = delete;
     MediaWatch& operator=(const MediaWatch&) = delete;
     ~MediaWatch();
@@ -34,9 +36,11 @@ public:
 
 private:
     std::filesystem::path folder;
+    std::filesystem::path own; ///< the status file
     int events = -1;
     int above = -1; ///< the watch of the folder that holds the folder
     int top = -1;   ///< the watch of the folder itself
+    int owns = -1;  ///< the watch of the folder that the status file is in; -1 = it is elsewhere
     bool whole = true;
 
     int watch(const std::filesystem::path& path);

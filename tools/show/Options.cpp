@@ -1,6 +1,7 @@
 #include "Options.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace show {
 
@@ -27,8 +28,8 @@ std::vector<commandline::Option> tableOf(Options& options)
 {
     return {
         {"--media", "DIR",
-         "the folder that is played and watched (default: this one if it\n"
-         "holds data/mocap.txt, else the installed media)",
+         "the folder that is played and watched, as DIR alone (default:\n"
+         "this one if it holds data/mocap.txt, else the installed media)",
          commandline::text(options.media)},
         {"--every", "SECONDS",
          "from one showing to the next, 5 or more\n"
@@ -42,7 +43,7 @@ std::vector<commandline::Option> tableOf(Options& options)
          "with --fullscreen: on this monitor, counted from 0 as xrandr\n"
          "lists them",
          optional(options.look.monitor, 0, MOST_MONITORS)},
-        {"--status", "FILE", "where the status line goes, besides standard error",
+        {"--status", "FILE", "keeps the latest status line there",
          commandline::text(options.statusFile)},
         {"--patience", "SECONDS",
          "a showing that draws no frame for so long is replaced, 1 to 600\n"
@@ -56,18 +57,28 @@ std::vector<commandline::Option> tableOf(Options& options)
 Options parseOptions(const std::vector<std::string>& arguments)
 {
     Options options;
-    const auto parsed = commandline::parse(arguments, tableOf(options), commandline::Rest::allowed);
+    const auto end = std::find(arguments.begin(), arguments.end(), "--");
+    const auto parsed =
+        commandline::parse({arguments.begin(), end}, tableOf(options), commandline::Rest::anywhere);
     options.action = parsed.action;
-    options.command = parsed.rest;
     if (parsed.action != commandline::Action::work) {
         return options;
+    }
+    for (const std::string& word : parsed.rest) {
+        if (!options.media.empty()) {
+            throw commandline::UsageError("two folders of media: \"" + options.media.string() +
+                                          "\" and \"" + word + "\"");
+        }
+        options.media = word;
     }
     if (options.look.monitor && !options.look.fullscreen) {
         throw commandline::UsageError("--screen needs --fullscreen");
     }
-    if (options.command.empty() &&
-        std::find(arguments.begin(), arguments.end(), "--") != arguments.end()) {
-        throw commandline::UsageError("a command has to follow --");
+    if (end != arguments.end()) {
+        options.command.assign(std::next(end), arguments.end());
+        if (options.command.empty()) {
+            throw commandline::UsageError("a command has to follow --");
+        }
     }
     return options;
 }
@@ -75,7 +86,7 @@ Options parseOptions(const std::vector<std::string>& arguments)
 std::string usage()
 {
     Options unused;
-    return "usage: kelpix-show [option ...] [-- COMMAND ...]\n"
+    return "usage: kelpix-show [option ...] [DIR] [-- COMMAND ...]\n"
            "\n"
            "Shows the scene again and again, without a gap: before the voice has ended it\n"
            "starts the next showing, puts it in front once it is drawn, and ends the one\n"

@@ -21,7 +21,8 @@ struct Options {
     std::vector<std::string> command; ///< to be conducted instead of the launcher; empty = none
 };
 
-/// \param arguments  without the program's name
+/// \param arguments  without the program's name; a word that is no option is the folder of media,
+///                   and what follows "--" the command
 /// Throws commandline::UsageError when they make no sense.
 Options parseOptions(const std::vector<std::string>& arguments);
 

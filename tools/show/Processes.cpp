@@ -8,6 +8,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
+#include <limits>
 #include <stdexcept>
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -23,8 +24,9 @@ namespace fs = std::filesystem;
 /// What is written about a process below /proc.
 struct Stat {
     pid_t parent = 0;
-    pid_t group = 0;
-    long pages = 0; ///< resident
+    pid_t session = 0;
+    unsigned long long start = 0; ///< clock ticks since the machine's start
+    long pages = 0;               ///< resident
 };
 
 fs::path folderOf(pid_t process)
@@ -42,9 +44,9 @@ std::optional<Stat> readStat(const fs::path& folder)
     Stat stat;
     if (end == std::string::npos ||
         std::sscanf(line.c_str() + end + 1,
-                    " %*c %d %d %*d %*d %*d %*u %*u %*u %*u %*u %*u %*u %*d %*d %*d %*d %*d %*d "
-                    "%*u %*u %ld",
-                    &stat.parent, &stat.group, &stat.pages) != 3) {
+                    " %*c %d %*d %d %*d %*d %*u %*u %*u %*u %*u %*u %*u %*d %*d %*d %*d %*d %*d "
+                    "%llu %*u %ld",
+                    &stat.parent, &stat.session, &stat.start, &stat.pages) != 4) {
         return {};
     }
     return stat;
@@ -76,7 +78,7 @@ End endOf(int status)
 /// The child's side of a start. Does not return.
 [[noreturn]] void become(const std::vector<std::string>& command, int output, pid_t parent)
 {
-    setpgid(0, 0);
+    setsid();
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (getppid() != parent) {
         _exit(1); // it has ended before the line above
@@ -114,10 +116,10 @@ Processes::Processes()
 
 Processes::~Processes()
 {
-    for (const auto& [showing, group] : groups) {
-        ::kill(-group, SIGKILL);
+    for (const auto& [showing, first] : sessions) {
+        ::kill(first, SIGKILL);
     }
-    // Those that have left their groups, and what they have started meanwhile.
+    // What they have left comes here, and what that has started meanwhile.
     const pid_t self = getpid();
     do {
         forEachProcess([&](pid_t process, const Stat& stat) {
@@ -138,48 +140,64 @@ void Processes::start(Id showing, const std::vector<std::string>& command, int o
     if (child == 0) {
         become(command, output, self);
     }
-    setpgid(child, child); // whoever is first
-    groups[showing] = child;
+    sessions[showing] = child;
 }
 
 void Processes::signal(Id showing, int signal) const
 {
-    const auto group = groups.find(showing);
-    if (group != groups.end()) {
-        ::kill(-group->second, signal);
+    const auto first = sessions.find(showing);
+    // Before it has a session, it has no group either.
+    if (first != sessions.end() && ::kill(-first->second, signal) != 0) {
+        ::kill(first->second, signal);
     }
 }
 
 void Processes::reap(const std::function<void(Id, const End&)>& onEnd)
 {
+    bool hasEnded = false;
     siginfo_t ended{};
-    // It keeps its number until its status is fetched: no other group can have that.
+    // It keeps its number until its status is fetched: no other session can have that.
     while (waitid(P_ALL, 0, &ended, WEXITED | WNOHANG | WNOWAIT) == 0 && ended.si_pid != 0) {
         const pid_t child = std::exchange(ended.si_pid, 0);
-        const auto group = std::find_if(groups.begin(), groups.end(),
-                                        [&](const auto& entry) { return entry.second == child; });
-        if (group != groups.end()) {
-            ::kill(-child, SIGKILL);
+        const auto session = std::find_if(sessions.begin(), sessions.end(),
+                                          [&](const auto& entry) { return entry.second == child; });
+        if (session != sessions.end()) {
+            forEachProcess([&](pid_t process, const Stat& stat) {
+                if (stat.session == child && process != child) {
+                    ::kill(process, SIGKILL);
+                }
+            });
         }
         int status = 0;
         waitpid(child, &status, 0);
-        if (group != groups.end()) {
-            const Id showing = group->first;
-            groups.erase(group);
-            killStrays();
+        hasEnded = true;
+        if (session != sessions.end()) {
+            const Id showing = session->first;
+            sessions.erase(session);
             onEnd(showing, endOf(status));
         }
     }
+    if (hasEnded) {
+        killStrays(); // also what a stray that has been killed has left
+    }
+}
+
+std::optional<Id> Processes::showingIn(pid_t session) const
+{
+    for (const auto& [showing, first] : sessions) {
+        if (first == session) {
+            return showing;
+        }
+    }
+    return {};
 }
 
 std::optional<Id> Processes::showingOf(pid_t process) const
 {
-    // From parent to parent, as a launcher of several processes gives each a group of its own.
+    // From parent to parent: a program may give those that it starts sessions of their own.
     for (auto stat = readStat(folderOf(process)); stat; stat = readStat(folderOf(stat->parent))) {
-        for (const auto& [showing, first] : groups) {
-            if (first == stat->group) {
-                return showing;
-            }
+        if (const auto showing = showingIn(stat->session)) {
+            return showing;
         }
     }
     return {};
@@ -187,11 +205,14 @@ std::optional<Id> Processes::showingOf(pid_t process) const
 
 void Processes::killStrays() const
 {
+    // The oldest of the showings that live: what is older than that cannot be of any of them.
+    auto oldest = std::numeric_limits<unsigned long long>::max();
+    for (const auto& [showing, first] : sessions) {
+        const auto stat = readStat(folderOf(first));
+        oldest = std::min(oldest, stat ? stat->start : 0);
+    }
     forEachProcess([&](pid_t process, const Stat& stat) {
-        const bool isKnown = std::any_of(groups.begin(), groups.end(), [&](const auto& entry) {
-            return entry.second == stat.group;
-        });
-        if (stat.parent == getpid() && !isKnown) {
+        if (stat.parent == getpid() && !showingIn(stat.session) && stat.start < oldest) {
             ::kill(process, SIGKILL);
         }
     });
@@ -199,13 +220,10 @@ void Processes::killStrays() const
 
 long Processes::memory(Id showing) const
 {
-    const auto group = groups.find(showing);
     long pages = 0;
-    if (group != groups.end()) {
-        forEachProcess([&](pid_t, const Stat& stat) {
-            pages += stat.group == group->second ? stat.pages : 0;
-        });
-    }
+    forEachProcess([&](pid_t process, const Stat& stat) {
+        pages += showingOf(process) == showing ? stat.pages : 0;
+    });
     return pages * sysconf(_SC_PAGESIZE);
 }
 

@@ -1,11 +1,13 @@
 #include "Screen.h"
 
+#include <X11/XKBlib.h>
 #include <X11/Xatom.h>
 #include <X11/Xutil.h>
 #include <X11/extensions/Xrandr.h>
 #include <X11/extensions/scrnsaver.h>
 #include <X11/keysym.h>
 #include <algorithm>
+#include <limits>
 #include <stdexcept>
 #include <string>
 
@@ -19,6 +21,9 @@ constexpr const char* FULLSCREEN = "_NET_WM_STATE_FULLSCREEN";
 // has shown it as it opened.
 constexpr const char* ONE_WINDOW_MANAGER = "wlroots wm";
 constexpr const char* ABOVE = "_NET_WM_STATE_ABOVE";
+
+// A selection: its owner has taken the window manager's place.
+constexpr const char* CONDUCTOR = "_KELPIX_SHOW";
 
 bool refused = false; // the X server has refused a request
 bool lost = false;    // the X server has gone
@@ -76,6 +81,10 @@ Screen::~Screen()
 bool Screen::takeManagersPlace()
 {
     constexpr long NEWS = StructureNotifyMask | SubstructureNotifyMask;
+    const std::string screen = std::to_string(DefaultScreen(display()));
+    const Atom place = desktop.atom((CONDUCTOR + screen).c_str());
+    // Of two that start at once, one is first in all of this.
+    XGrabServer(display());
     XSync(display(), False);
     // Only one client may select this: the window manager.
     const auto before = XSetErrorHandler([](Display*, XErrorEvent*) {
@@ -85,8 +94,17 @@ bool Screen::takeManagersPlace()
     XSelectInput(display(), desktop.root(), NEWS | SubstructureRedirectMask);
     XSync(display(), False);
     XSetErrorHandler(before);
+    const bool isTaken = refused && XGetSelectionOwner(display(), place) != None;
     if (refused) {
         XSelectInput(display(), desktop.root(), NEWS);
+    } else {
+        const Window owner = XCreateSimpleWindow(display(), desktop.root(), 0, 0, 1, 1, 0, 0, 0);
+        XSetSelectionOwner(display(), place, owner, CurrentTime);
+    }
+    XUngrabServer(display());
+    XFlush(display());
+    if (isTaken) {
+        throw std::runtime_error("another kelpix-show has this screen: two need a window manager");
     }
     return !refused;
 }
@@ -144,26 +162,30 @@ Screen::Place Screen::fullScreen() const
     return {0, 0, DisplayWidth(display(), screen), DisplayHeight(display(), screen)};
 }
 
-Screen::Scene* Screen::recognize(Window window,
-                                 const std::function<std::optional<Id>(pid_t)>& whose)
+Screen::Scene* Screen::find(Window window)
 {
-    const auto known = std::find_if(scenes.begin(), scenes.end(),
+    const auto found = std::find_if(scenes.begin(), scenes.end(),
                                     [&](const Scene& scene) { return scene.window == window; });
-    if (known != scenes.end()) {
-        return &*known;
+    return found == scenes.end() ? nullptr : &*found;
+}
+
+Screen::Scene* Screen::recognize(Window window, const Listener& listener)
+{
+    if (Scene* const known = find(window)) {
+        return known;
     }
     const pid_t owner = desktop.owner(window);
-    const std::optional<Id> showing = owner != 0 ? whose(owner) : std::nullopt;
-    if (!showing || !desktop.isScene(window)) {
+    const std::optional<Id> showing = owner != 0 ? listener.whose(owner) : std::nullopt;
+    if (!showing || !desktop.isMain(window)) {
         return nullptr;
     }
     XDefineCursor(display(), window, blank);
+    scenes.push_back({window, *showing, desktop.isScene(window)});
     if (hasOwnGround()) {
         XReparentWindow(display(), window, ground, 0, 0);
-        place(window);
+        place(scenes.back());
         XLowerWindow(display(), window);
     }
-    scenes.push_back({window, *showing, {}});
     return &scenes.back();
 }
 
@@ -175,8 +197,7 @@ bool Screen::hasNews() const
     return XEventsQueued(display(), QueuedAlready) > 0;
 }
 
-void Screen::read(const std::function<std::optional<Id>(pid_t)>& whose,
-                  const std::function<void(Id)>& onFrame)
+void Screen::read(const Listener& listener)
 {
     while (XPending(display()) > 0) {
         XEvent event;
@@ -189,9 +210,9 @@ void Screen::read(const std::function<std::optional<Id>(pid_t)>& whose,
             }
             break;
         case MapRequest:
-            if (recognize(event.xmaprequest.window, whose) != nullptr) {
-                place(event.xmaprequest.window);
-                XLowerWindow(display(), event.xmaprequest.window);
+            if (const Scene* const scene = recognize(event.xmaprequest.window, listener)) {
+                place(*scene);
+                XLowerWindow(display(), scene->window);
             }
             XMapWindow(display(), event.xmaprequest.window);
             break;
@@ -199,18 +220,19 @@ void Screen::read(const std::function<std::optional<Id>(pid_t)>& whose,
             grant(event.xconfigurerequest);
             break;
         case MapNotify:
-            appear(recognize(event.xmap.window, whose));
+            appear(recognize(event.xmap.window, listener), listener);
+            setMapped(event.xmap.window, true, listener);
+            break;
+        case UnmapNotify:
+            setMapped(event.xunmap.window, false, listener);
             break;
         case ReparentNotify:
             // A window manager may keep it unmapped, behind a full-screen window.
-            appear(recognize(event.xreparent.window, whose));
+            appear(recognize(event.xreparent.window, listener), listener);
             break;
         case PropertyNotify:
             if (event.xproperty.atom == XA_WM_NAME) {
-                Scene* const scene = recognize(event.xproperty.window, whose);
-                if (scene != nullptr && (scene->rate = desktop.rate(scene->window))) {
-                    onFrame(scene->showing);
-                }
+                readTitle(event.xproperty.window, listener);
             }
             break;
         case DestroyNotify:
@@ -223,9 +245,12 @@ void Screen::read(const std::function<std::optional<Id>(pid_t)>& whose,
             XRRUpdateConfiguration(&event);
             if (event.xconfigure.window == ground) {
                 for (const Scene& scene : scenes) {
-                    place(scene.window);
+                    place(scene);
                 }
             }
+            break;
+        case MappingNotify:
+            XRefreshKeyboardMapping(&event.xmapping);
             break;
         default:
             break;
@@ -234,36 +259,91 @@ void Screen::read(const std::function<std::optional<Id>(pid_t)>& whose,
     XFlush(display());
 }
 
-void Screen::appear(const Scene* scene) const
+void Screen::appear(const Scene* scene, const Listener& listener) const
 {
-    if (scene != nullptr) {
-        if (ground == None) {
-            place(scene->window);
-        }
-        wake(scene->window);
+    if (scene == nullptr) {
+        return;
+    }
+    if (ground == None) {
+        place(*scene);
+    }
+    wake(scene->window);
+    if (!scene->tellsRate) {
+        listener.onSilent(scene->showing);
     }
 }
 
-void Screen::place(Window window) const
+void Screen::readTitle(Window window, const Listener& listener)
+{
+    Scene* const scene =
+        find(window) != nullptr || desktop.isMapped(window) ? recognize(window, listener) : nullptr;
+    const std::optional<double> rate = scene != nullptr ? desktop.rate(window) : std::nullopt;
+    if (!rate) {
+        return;
+    }
+    scene->tellsRate = true;
+    scene->rate = rate;
+    const int before = framesOf(scene->showing);
+    ++scene->frames;
+    if (framesOf(scene->showing) > before) {
+        listener.onFrame(scene->showing);
+    }
+}
+
+/// \return the frames of that window which has begun the fewest, of those that tell
+int Screen::framesOf(Id showing) const
+{
+    int fewest = std::numeric_limits<int>::max();
+    for (const Scene& scene : scenes) {
+        if (scene.showing == showing && scene.tellsRate) {
+            fewest = std::min(fewest, scene.frames);
+        }
+    }
+    return fewest;
+}
+
+void Screen::setMapped(Window window, bool isMapped, const Listener& listener)
+{
+    Scene* const changed = find(window);
+    if (changed != nullptr) {
+        changed->isMapped = isMapped;
+        const bool isAnyAway = std::any_of(scenes.begin(), scenes.end(), [&](const Scene& scene) {
+            return scene.showing == changed->showing && scene.tellsRate && !scene.isMapped;
+        });
+        listener.onVisible(changed->showing, !isAnyAway);
+    }
+}
+
+void Screen::place(const Scene& scene) const
 {
     if (isFullscreen()) {
         const Place full = fullScreen();
         if (ground != None) {
-            XMoveResizeWindow(display(), window, full.x, full.y, static_cast<unsigned>(full.width),
+            XMoveResizeWindow(display(), scene.window, full.x, full.y,
+                              static_cast<unsigned>(full.width),
                               static_cast<unsigned>(full.height));
         } else {
             // It is not made full screen yet: that would put it in front.
-            removeDecorations(window);
-            askForPlace(window, full);
+            removeDecorations(scene.window);
+            askForPlace(scene.window, full);
         }
-    } else if (ground == None) {
-        // That of the showing before.
-        const Scene& first = scenes.front();
-        const std::optional<Place> place = placeOf(first.window);
-        if (first.window != window && place) {
-            askForPlace(window, *place);
+        return;
+    }
+    const auto isOther = [&](const Scene& other) { return other.showing != scene.showing; };
+    const auto before = std::find_if(scenes.begin(), scenes.end(), isOther);
+    if (ground == None && before != scenes.end() && hasOneWindow(scene.showing) &&
+        hasOneWindow(before->showing)) {
+        if (const std::optional<Place> place = placeOf(before->window)) {
+            askForPlace(scene.window, *place);
         }
     }
+}
+
+/// Of several windows each opens at a place of its own.
+bool Screen::hasOneWindow(Id showing) const
+{
+    return std::count_if(scenes.begin(), scenes.end(),
+                         [&](const Scene& scene) { return scene.showing == showing; }) == 1;
 }
 
 std::optional<Screen::Place> Screen::placeOf(Window window) const
@@ -365,9 +445,12 @@ void Screen::settle(Id showing) const
     }
 }
 
-void Screen::pressQ(Id showing) const
+bool Screen::pressQ(Id showing) const
 {
     const KeyCode q = XKeysymToKeycode(display(), XK_q);
+    if (q == 0 || XkbKeycodeToKeysym(display(), q, 0, 0) != XK_q) {
+        return false;
+    }
     forEach(showing, [&](Window window) {
         // FLTK takes keys for the window that it believes to have the focus.
         XEvent event{};
@@ -386,6 +469,7 @@ void Screen::pressQ(Id showing) const
             XSendEvent(display(), window, False, TO_ITS_PROGRAM, &event);
         }
     });
+    return true;
 }
 
 std::optional<double> Screen::rate(Id showing) const

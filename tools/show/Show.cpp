@@ -1,13 +1,14 @@
 #include "Show.h"
 
-#include "PartFile.h"
 #include "Printable.h"
+#include "TimeText.h"
 #include "VoiceLength.h"
 
 #include <algorithm>
 #include <cmath>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <ctime>
 #include <poll.h>
 #include <sstream>
@@ -19,6 +20,8 @@
 
 namespace show {
 
+namespace fs = std::filesystem;
+
 namespace {
 
 constexpr Id CHECK = -1;    // among the processes: that which looks at the media
@@ -28,12 +31,20 @@ constexpr Seconds BEFORE_ANOTHER_CHECK = 10; // when there could be no process
 constexpr Seconds BETWEEN_STATUS = 60;
 constexpr Seconds OVERLAP = 0.5; // the next showing begins so long before the voice ends
 constexpr Seconds SHORTEST_PERIOD = 5;
+// In the environment of a showing: which one it is. The launcher does not say again what it has
+// said at the first one.
+constexpr const char* NUMBER = "KELPIX_SHOWING";
 
 Seconds clockNow()
 {
     timespec time{};
     clock_gettime(CLOCK_MONOTONIC, &time);
     return static_cast<Seconds>(time.tv_sec) + static_cast<Seconds>(time.tv_nsec) * 1e-9;
+}
+
+void print(const std::string& line)
+{
+    std::fprintf(stderr, "kelpix-show: %s\n", Files::printable(line).c_str());
 }
 
 /// \return a descriptor that tells the signals, which have no other effect from here on
@@ -61,8 +72,13 @@ Show::Show(const Options& options, Programme programme)
     : options(options), programme(std::move(programme)), signals(show::takeSignals()),
       screen(options.look), conductor(*this, {{}, options.patience})
 {
+    fs::path own = options.statusFile;
+    if (!own.empty()) {
+        own = fs::absolute(own).lexically_normal();
+        statusFile.emplace(own);
+    }
     if (!this->programme.media.empty()) {
-        watch.emplace(this->programme.media);
+        watch.emplace(this->programme.media, own);
         sayWhatIsWatched();
     }
     conductor.setPeriod(period());
@@ -96,11 +112,20 @@ void Show::run()
                             {screen.descriptor(), POLLIN, 0},
                             {watch ? watch->descriptor() : -1, POLLIN, 0}};
         poll(sources, std::size(sources), screen.hasNews() ? 0 : timeout(clockNow()));
-        screen.read([&](pid_t process) { return processes.showingOf(process); },
-                    [&](Id showing) { conductor.frame(showing, clockNow()); });
+        readScreen();
         takeSignals(clockNow());
         watchMedia(clockNow());
     }
+}
+
+void Show::readScreen()
+{
+    screen.read({
+        [&](pid_t process) { return processes.showingOf(process); },
+        [&](Id showing) { conductor.frame(showing, clockNow()); },
+        [&](Id showing) { conductor.silent(showing, clockNow()); },
+        [&](Id showing, bool isVisible) { conductor.visible(showing, isVisible, clockNow()); },
+    });
 }
 
 int Show::timeout(Seconds now) const
@@ -144,8 +169,9 @@ std::optional<Id> Show::open(std::optional<Id> front)
     if (front) {
         screen.hold(*front);
     }
+    setenv(NUMBER, std::to_string(++latest).c_str(), 1);
     try {
-        processes.start(++latest, programme.command);
+        processes.start(latest, programme.command);
     } catch (const std::runtime_error& failure) {
         say(failure.what()); // the one in front goes on
         return {};
@@ -248,9 +274,10 @@ void Show::reportStatus(Seconds now)
     }
     const std::optional<Id> front = conductor.front();
     const std::optional<double> rate =
-        front && !conductor.isFrontHanging() ? screen.rate(*front) : std::nullopt;
+        front && !conductor.isFrontStill() ? screen.rate(*front) : std::nullopt;
     const bool isNews = conductor.number() != health.showing ||
-                        conductor.faults() != health.faults || (rate && !health.rate);
+                        conductor.faults() != health.faults ||
+                        rate.has_value() != health.rate.has_value();
     if (!isNews && now < statusAt) {
         return;
     }
@@ -265,13 +292,13 @@ void Show::reportStatus(Seconds now)
     health.lastFault = conductor.lastFault();
     const std::string line = lineOf(health);
     if (now >= statusAt) {
-        say(line);
+        print(line);
         statusAt = now + BETWEEN_STATUS;
     }
     service.notify("STATUS=" + line);
-    if (!options.statusFile.empty()) {
+    if (statusFile) {
         try {
-            Files::writeWhole(options.statusFile, line + "\n");
+            statusFile->write(line);
         } catch (const std::runtime_error& failure) {
             say(failure.what()); // the showing goes on
         }
@@ -280,7 +307,7 @@ void Show::reportStatus(Seconds now)
 
 void Show::say(const std::string& line)
 {
-    std::fprintf(stderr, "kelpix-show: %s\n", Files::printable(line).c_str());
+    print(status::text(std::time(nullptr)) + " " + line);
 }
 
 } // namespace show

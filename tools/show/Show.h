@@ -2,6 +2,7 @@
 
 #include "Conductor.h"
 #include "Health.h"
+#include "LatestLine.h"
 #include "MediaWatch.h"
 #include "Options.h"
 #include "Processes.h"
@@ -51,18 +52,20 @@ private:
     bool isCheckDropped = false; ///< the one that goes on: nobody wants its answer any more
     Seconds statusAt = 0;        ///< when the next status line is due
     Seconds aliveAt = 0;         ///< when the next sign of life is due
+    std::optional<status::LatestLine> statusFile;
     Health health;
 
     std::optional<Id> open(std::optional<Id> front) override;
     void dress(Id showing) override { screen.dress(showing); }
     void raise(Id showing) override { screen.raise(showing); }
     void settle(Id showing) override { screen.settle(showing); }
-    void pressQ(Id showing) override { screen.pressQ(showing); }
+    bool pressQ(Id showing) override { return screen.pressQ(showing); }
     void terminate(Id showing) override;
     void kill(Id showing) override;
     void checkMedia() override;
     void say(const std::string& line) override;
 
+    void readScreen();
     void takeSignals(Seconds now);
     void onEnd(Id showing, const End& end, Seconds now);
     void onCheckEnd(bool isGood);

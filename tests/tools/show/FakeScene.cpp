@@ -1,11 +1,14 @@
 // A small program with a window like that of the scene: the same title, class and keys, and nothing
-// drawn before the X server asks for it. Its picture is one color, another one for each process.
+// drawn before the X server asks for it, nor while it is not mapped. Its picture is one color,
+// another one for each process.
 //
 // Usage: FakeScene [BEHAVIOR ...]
 //   opening=SECONDS   before there is a window
 //   status=N          ends with this status instead of opening a window
 //   stubborn          ignores q and SIGTERM
-//   children          has a child in its group, and one that has left it
+//   children          has a child in its session, and one that has left it
+//   orphan            has started a process that has left its session, and has lost its parent
+//   title=TEXT        has this title all the time, instead of one that tells the frames a second
 
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
@@ -18,6 +21,7 @@
 #include <cstdlib>
 #include <poll.h>
 #include <string>
+#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
@@ -31,6 +35,8 @@ struct Behavior {
     int status = -1;
     bool isStubborn = false;
     bool hasChildren = false;
+    bool hasOrphan = false;
+    std::string title;
 };
 
 Behavior behaviorOf(int count, char** words)
@@ -47,6 +53,10 @@ Behavior behaviorOf(int count, char** words)
             behavior.isStubborn = true;
         } else if (word == "children") {
             behavior.hasChildren = true;
+        } else if (word == "orphan") {
+            behavior.hasOrphan = true;
+        } else if (word.starts_with("title=")) {
+            behavior.title = value;
         } else {
             std::fprintf(stderr, "FakeScene: what is %s?\n", word.c_str());
             std::exit(2);
@@ -56,16 +66,30 @@ Behavior behaviorOf(int count, char** words)
 }
 
 /// Starts a process that does nothing.
-void startChild(bool leavesGroup)
+void startChild(bool leavesSession)
 {
     if (fork() == 0) {
-        if (leavesGroup) {
+        if (leavesSession) {
             setsid();
         }
         for (;;) {
             pause();
         }
     }
+}
+
+/// Starts a program whose parent ends at once.
+void startOrphan()
+{
+    const pid_t parent = fork();
+    if (parent == 0) {
+        if (fork() == 0) {
+            setsid();
+            execlp("sleep", "sleep", "100000", nullptr);
+        }
+        _exit(0);
+    }
+    waitpid(parent, nullptr, 0);
 }
 
 class Scene {
@@ -76,7 +100,7 @@ public:
             std::exit(1);
         }
         XSetWindowAttributes attributes{};
-        attributes.event_mask = ExposureMask | KeyPressMask | FocusChangeMask;
+        attributes.event_mask = ExposureMask | KeyPressMask | FocusChangeMask | StructureNotifyMask;
         attributes.bit_gravity = NorthWestGravity;
         attributes.cursor = XCreateFontCursor(display, XC_left_ptr);
         window = XCreateWindow(display, DefaultRootWindow(display), 0, 0, 300, 200, 0,
@@ -86,7 +110,7 @@ public:
         char type[] = "Kelpix";
         XClassHint hint{name, type};
         XSetClassHint(display, window, &hint);
-        XStoreName(display, window, name);
+        XStoreName(display, window, behavior.title.empty() ? name : behavior.title.c_str());
         const long pid = getpid();
         XChangeProperty(display, window, XInternAtom(display, "_NET_WM_PID", False), XA_CARDINAL,
                         32, PropModeReplace, reinterpret_cast<const unsigned char*>(&pid), 1);
@@ -130,6 +154,7 @@ private:
             isExposed = true;
             draw();
         }
+        isExposed = isExposed && event.type != UnmapNotify;
         hasFocus = event.type == FocusIn || (hasFocus && event.type != FocusOut);
         if (event.type == KeyPress && hasFocus && !behavior.isStubborn) {
             hasEnded = XLookupKeysym(&event.xkey, 0) == XK_q;
@@ -138,7 +163,10 @@ private:
 
     void draw()
     {
-        XStoreName(display, window, frames < COUNTED ? "kelpix (0.0 fps)" : "kelpix (20.0 fps)");
+        if (behavior.title.empty()) {
+            XStoreName(display, window,
+                       frames < COUNTED ? "kelpix (0.0 fps)" : "kelpix (20.0 fps)");
+        }
         ++frames;
         XFillRectangle(display, window, DefaultGC(display, 0), 0, 0, 10000, 10000);
     }
@@ -155,6 +183,9 @@ int main(int argc, char** argv)
     if (behavior.hasChildren) {
         startChild(false);
         startChild(true);
+    }
+    if (behavior.hasOrphan) {
+        startOrphan();
     }
     if (behavior.status >= 0) {
         return behavior.status;

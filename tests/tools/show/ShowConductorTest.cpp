@@ -19,6 +19,8 @@ constexpr Seconds PERIOD = 30;
 // The frames of a showing until it is raised, and until those before it leave.
 constexpr Seconds TO_RAISE = 3 * FRAME;
 constexpr Seconds TO_PLAY = 2 * FRAME;
+// A start takes two seconds; the next one is begun so much earlier than that says.
+constexpr Seconds MARGIN = 0.3 * (2 + TO_RAISE);
 
 class ShowConductorTest : public testing::Test {
 protected:
@@ -37,7 +39,7 @@ protected:
 
 TEST_F(ShowConductorTest, OneShowingFollowsTheOtherWithoutAGap)
 {
-    crew.play(10 * PERIOD);
+    crew.play(9.5 * PERIOD);
 
     EXPECT_EQ(crew.emptyFor, 0);
     EXPECT_EQ(crew.conductor.number(), 10);
@@ -48,13 +50,13 @@ TEST_F(ShowConductorTest, OneShowingFollowsTheOtherWithoutAGap)
 
 TEST_F(ShowConductorTest, TheNextOneIsInFrontWhenThePeriodIsOver)
 {
-    crew.play(3 * PERIOD);
+    crew.play(2.8 * PERIOD);
 
     ASSERT_THAT(crew.raises, SizeIs(3));
     const Seconds firstFrame = 2; // of the first showing
-    EXPECT_NEAR(crew.raises[1], firstFrame + PERIOD, 2 * FRAME);
+    EXPECT_NEAR(crew.raises[1], firstFrame + PERIOD - MARGIN, 2 * FRAME);
     // The voice of the second one began with its own first frame.
-    EXPECT_NEAR(crew.raises[2], crew.raises[1] - TO_RAISE + PERIOD, 2 * FRAME);
+    EXPECT_NEAR(crew.raises[2], crew.raises[1] - TO_RAISE + PERIOD - MARGIN, 2 * FRAME);
 }
 
 TEST_F(ShowConductorTest, ASlowStartIsMadeSoMuchEarlier)
@@ -65,7 +67,26 @@ TEST_F(ShowConductorTest, ASlowStartIsMadeSoMuchEarlier)
     crew.play(PERIOD + 10);
 
     ASSERT_THAT(crew.starts, SizeIs(2));
-    EXPECT_NEAR(crew.starts[1], 8 + PERIOD - 8 - TO_RAISE, 2 * FRAME);
+    // At most two seconds earlier than it was the last time.
+    EXPECT_NEAR(crew.starts[1], 8 + PERIOD - 8 - TO_RAISE - 2, 2 * FRAME);
+}
+
+TEST_F(ShowConductorTest, TheSlowestOfTheLastThreeStartsTellsHowEarlyTheNextOneIs)
+{
+    crew.plans[2].opening = 5;
+    crew.play(6 * PERIOD);
+
+    ASSERT_THAT(crew.starts, SizeIs(testing::Ge(6U)));
+    // From a showing's first frame to the next one's start.
+    const auto wait = [&](std::size_t index, Seconds opening) {
+        return crew.starts.at(index) - (crew.starts.at(index - 1) + opening);
+    };
+    const Seconds slow = 5 + TO_RAISE;
+    EXPECT_NEAR(wait(1, 2), PERIOD - 1.3 * (2 + TO_RAISE), 2 * FRAME);
+    EXPECT_NEAR(wait(2, 5), PERIOD - 1.3 * slow, 2 * FRAME);
+    EXPECT_NEAR(wait(3, 2), PERIOD - 1.3 * slow, 2 * FRAME);
+    EXPECT_NEAR(wait(4, 2), PERIOD - 1.3 * slow, 2 * FRAME);
+    EXPECT_NEAR(wait(5, 2), PERIOD - 1.3 * (2 + TO_RAISE), 2 * FRAME);
 }
 
 TEST_F(ShowConductorTest, APeriodShorterThanAStartIsAsLongAsThat)
@@ -125,6 +146,81 @@ TEST_F(ShowConductorTest, ThatWhichDoesNotEndByItsKeyIsTerminatedAndThenKilled)
     EXPECT_THAT(crew.programs, SizeIs(1));
 }
 
+TEST_F(ShowConductorTest, WithoutTheKeyItIsTerminatedAtOnce)
+{
+    crew.hasQ = false;
+    crew.play(2 * PERIOD);
+
+    EXPECT_THAT(crew.told, ElementsAre("term 1"));
+    EXPECT_EQ(crew.conductor.faults(), 0);
+}
+
+TEST_F(ShowConductorTest, ASilentShowingIsReplacedByTheClock)
+{
+    for (show::Id id = 1; id < 9; ++id) {
+        crew.plans[id].isSilent = true;
+    }
+    crew.play(2.8 * PERIOD);
+
+    // Two seconds until its window is there; one each until it is dressed, raised, and plays.
+    ASSERT_THAT(crew.raises, SizeIs(3));
+    EXPECT_NEAR(crew.raises[0], 2 + 1 + 1, 3 * FRAME);
+    EXPECT_EQ(crew.emptyFor, 0);
+    EXPECT_THAT(crew.told, ElementsAre("key 1", "key 2"));
+    EXPECT_EQ(crew.conductor.faults(), 0);
+}
+
+TEST_F(ShowConductorTest, OnlyTheEndOfASilentShowingTellsThatSomethingIsWrong)
+{
+    crew.conductor.setPeriod({});
+    crew.plans[1].isSilent = true;
+    crew.plans[1].hangs = 20;
+    crew.plans[1].ends = 900;
+    crew.play(890);
+    EXPECT_EQ(crew.conductor.faults(), 0);
+    EXPECT_FALSE(crew.conductor.isFrontStill());
+    crew.play(20);
+    EXPECT_EQ(crew.conductor.faults(), 1);
+    EXPECT_EQ(crew.top(), 2);
+}
+
+TEST_F(ShowConductorTest, ASilentShowingThatTellsAFrameIsNoLongerSilent)
+{
+    crew.conductor.setPeriod({});
+    crew.plans[1].isSilent = true;
+    crew.play(20);
+    crew.conductor.frame(1, crew.now);
+    crew.play(6);
+    EXPECT_EQ(crew.conductor.lastFault(), "no frame for 5 s");
+}
+
+TEST_F(ShowConductorTest, AShowingWhoseWindowIsAwayDoesNotHang)
+{
+    crew.conductor.setPeriod({});
+    crew.play(10);
+    crew.setAway(1, true);
+    EXPECT_TRUE(crew.conductor.isFrontStill());
+    crew.play(100);
+    EXPECT_EQ(crew.conductor.faults(), 0);
+    crew.setAway(1, false);
+    EXPECT_FALSE(crew.conductor.isFrontStill());
+    crew.play(10);
+    EXPECT_EQ(crew.conductor.faults(), 0);
+
+    crew.programs[1].isAway = true; // it draws nothing, and nobody has taken it away
+    crew.play(6);
+    EXPECT_EQ(crew.conductor.lastFault(), "no frame for 5 s");
+}
+
+TEST_F(ShowConductorTest, AShowingIsFollowedByTheNextWhileItIsAway)
+{
+    crew.play(10);
+    crew.setAway(1, true);
+    crew.play(PERIOD);
+    EXPECT_EQ(crew.top(), 2);
+    EXPECT_THAT(crew.told, ElementsAre("key 1"));
+}
+
 TEST_F(ShowConductorTest, AShowingThatDiesIsReplacedAtOnce)
 {
     crew.plans[1].ends = 20;
@@ -169,12 +265,12 @@ TEST_F(ShowConductorTest, TheLastFrameOfAHangingShowingStaysUntilTheNextOneIsInF
     EXPECT_EQ(crew.conductor.lastFault(), "no frame for 5 s");
 }
 
-TEST_F(ShowConductorTest, TheFrontHangsFromThatFaultUntilTheNextOneIsInFront)
+TEST_F(ShowConductorTest, TheFrontIsStillFromThatFaultUntilTheNextOneIsInFront)
 {
     crew.plans[1].hangs = 20;
     std::vector<Seconds> hanging;
     for (; crew.now < PERIOD + 10; crew.play(FRAME)) {
-        if (crew.conductor.isFrontHanging()) {
+        if (crew.conductor.isFrontStill()) {
             hanging.push_back(crew.now);
         }
     }

@@ -65,6 +65,20 @@ TEST_F(ShowMediaWatchTest, ReadingIsNoChange)
     EXPECT_FALSE(watch.read());
 }
 
+TEST_F(ShowMediaWatchTest, TheStatusFileIsNoMediumWhereverItIs)
+{
+    MediaWatch watch(reef(), reef() / "data/status.txt");
+    // As it is written: under another name, then renamed.
+    TempDirectory::write("reef/data/status.part.txt", "time=");
+    fs::rename("reef/data/status.part.txt", "reef/data/status.txt");
+    EXPECT_FALSE(watch.read());
+    TempDirectory::write("reef/data/status", "another one");
+    EXPECT_TRUE(watch.read());
+    watch.renew();
+    TempDirectory::write("reef/data/status.txt", "time=");
+    EXPECT_FALSE(watch.read());
+}
+
 TEST_F(ShowMediaWatchTest, NewFoldersAreWatchedFromTheRenewalOn)
 {
     MediaWatch watch(reef());

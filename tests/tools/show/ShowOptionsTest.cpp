@@ -37,6 +37,14 @@ TEST(ShowOptionsTest, AllAreTaken)
     EXPECT_THAT(options.command, ElementsAre("wall", "--fullscreen"));
 }
 
+TEST(ShowOptionsTest, AWordAloneIsTheFolder)
+{
+    const show::Options options =
+        parseOptions({"--zoom", "3", "reef", "--", "wall", "a", "--", "b"});
+    EXPECT_EQ(options.media, "reef");
+    EXPECT_THAT(options.command, ElementsAre("wall", "a", "--", "b"));
+}
+
 TEST(ShowOptionsTest, WhatMakesNoSenseIsRefused)
 {
     const auto errorOf = [](std::vector<std::string> words) {
@@ -46,6 +54,9 @@ TEST(ShowOptionsTest, WhatMakesNoSenseIsRefused)
     EXPECT_EQ(errorOf({"--zoom", "21"}), "--zoom takes a whole number from -20 to 20, not \"21\"");
     EXPECT_EQ(errorOf({"--patience", "0"}), "--patience takes a number from 1 to 600, not \"0\"");
     EXPECT_EQ(errorOf({"--screen", "1"}), "--screen needs --fullscreen");
+    EXPECT_EQ(errorOf({"reef", "pond"}), "two folders of media: \"reef\" and \"pond\"");
+    EXPECT_EQ(errorOf({"--media", "reef", "pond"}), "two folders of media: \"reef\" and \"pond\"");
+    EXPECT_EQ(errorOf({""}), "unknown option \"\"");
     EXPECT_EQ(errorOf({"--"}), "a command has to follow --");
 }
 

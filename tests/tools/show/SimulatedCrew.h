@@ -11,7 +11,8 @@ struct Plan {
     show::Seconds opening = 2; ///< from its start to its first frame
     bool endsByKey = true;     ///< else it ignores the key
     bool endsByTerm = true;    ///< else it ignores SIGTERM
-    show::Seconds ends = 1e9;  ///< after its start, by itself
+    bool isSilent = false; ///< its window is there when it would have drawn, and it tells nothing
+    show::Seconds ends = 1e9; ///< after its start, by itself
     show::End end = {true, "with status 1"};
     show::Seconds hangs = 1e9; ///< after its start
 };
@@ -24,8 +25,8 @@ public:
     struct Program {
         Plan plan;
         show::Seconds started = 0;
-        bool hasDrawn = false;
-        std::string told; ///< "key", "term" or "kill"
+        bool isAway = false; ///< its window, which then draws nothing
+        std::string told;    ///< "key", "term" or "kill"
     };
 
     explicit SimulatedCrew(show::Rules rules) : conductor(*this, rules) {}
@@ -43,6 +44,7 @@ public:
     std::vector<show::Id> dressed;
     int checks = 0;
     int refusals = 0;            ///< the next starts that fail
+    bool hasQ = true;            ///< the keyboard
     show::Seconds emptyFor = 0;  ///< how long no window was on top since the first one
     show::Seconds frozenFor = 0; ///< how long the top one's picture did not change
     std::size_t most = 0;        ///< programs at once
@@ -53,6 +55,13 @@ public:
         for (const show::Seconds end = now + length; now < end; now += FRAME) {
             step();
         }
+    }
+
+    /// Takes a window away, as a visitor does who minimizes it, or gives it back.
+    void setAway(show::Id id, bool isAway)
+    {
+        programs.at(id).isAway = isAway;
+        conductor.visible(id, !isAway, now);
     }
 
     show::Id top() const { return stack.empty() ? 0 : stack.back(); }
@@ -77,7 +86,13 @@ public:
         raises.push_back(now);
     }
     void settle(show::Id id) override { settled.push_back(id); }
-    void pressQ(show::Id id) override { tell(id, "key"); }
+    bool pressQ(show::Id id) override
+    {
+        if (hasQ) {
+            tell(id, "key");
+        }
+        return hasQ;
+    }
     void terminate(show::Id id) override { tell(id, "term"); }
     void kill(show::Id id) override { tell(id, "kill"); }
     void checkMedia() override { ++checks; }
@@ -100,9 +115,12 @@ private:
                 end(id, {false, "with status 0"});
             } else if (age >= program.plan.ends) {
                 end(id, program.plan.end);
-            } else if (age >= program.plan.opening && age < program.plan.hangs) {
-                programs[id].hasDrawn = true;
-                conductor.frame(id, now);
+            } else if (age >= program.plan.opening && age < program.plan.hangs && !program.isAway) {
+                if (program.plan.isSilent) {
+                    conductor.silent(id, now);
+                } else {
+                    conductor.frame(id, now);
+                }
             }
         }
         conductor.pass(now);

@@ -44,6 +44,12 @@ def children(process):
         return []
 
 
+def name_of(process):
+    with contextlib.suppress(OSError):
+        return pathlib.Path(f"/proc/{process}/comm").read_text(encoding="utf-8").strip()
+    return None
+
+
 def marked(mark):
     """The processes that have inherited a mark in their environment."""
     found = []
@@ -117,7 +123,9 @@ class Running:
         self.folder.cleanup()
 
     def log(self):
-        return self.log_file.read_text(encoding="utf-8")
+        """What it has printed, without the times."""
+        return re.sub(r"^kelpix-show: \d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ ", "kelpix-show: ",
+                      self.log_file.read_text(encoding="utf-8"), flags=re.M)
 
     def await_line(self, text):
         await_value(lambda: text in self.log(), lambda: f"{text} in\n{self.log()}")
@@ -140,7 +148,7 @@ class Running:
     def scene(self):
         """The one process of the showing in front, once the one before has gone."""
         def only():
-            found = children(self.process.pid)
+            found = [child for child in children(self.process.pid) if name_of(child) != "sleep"]
             return found if len(found) == 1 else None
         return await_value(only, lambda: f"one process, not {children(self.process.pid)}")[0]
 
@@ -170,10 +178,13 @@ class Look(unittest.TestCase):
 class Show(Look):
     def test_three_showings_in_a_row_and_one_that_hangs(self):
         with Shots() as shots, Running("--every", "5", "--fullscreen", "--patience", "20", "--",
-                                       FAKE) as show:
+                                       FAKE, "orphan") as show:
             show.await_showing(3)
             self.assertEqual(show.status()["faults"], "0")
             show.await_rate("20.0")
+            # Each has left something behind: that of the one that plays is still there, alone.
+            show.scene()
+            await_value(lambda: len(marked(show.mark)) == 3, lambda: marked(show.mark))
             # The last frame of that which is stopped stays until the next one is in front.
             os.kill(show.scene(), signal.SIGSTOP)
             show.await_showing(4)
@@ -208,7 +219,38 @@ class Show(Look):
     def test_a_command_may_give_its_processes_groups_of_their_own(self):
         with Running("--", "sh", "-c", f"setsid {FAKE}; exit $?") as show:
             show.await_showing(1)
+            # Both count.
+            scene = children(show.scene())[0]
+            size = re.search(r"VmRSS:\s+(\d+)", pathlib.Path(f"/proc/{scene}/status").read_text())
+            self.assertGreaterEqual(int(show.status()["memory_mib"]), int(size[1]) // 1024)
             self.assertEqual(show.end(), (0, []))
+
+    def test_any_window_may_be_shown(self):
+        with Shots() as shots, Running("--every", "5", "--fullscreen", "--", FAKE,
+                                       "title=Slides (2)") as show:
+            show.await_showing(2)
+            self.assertEqual(show.status()["rate"], "none")
+            show.scene()
+            self.assertEqual(show.status()["faults"], "0")
+            taken = list(shots.taken)
+        shots.taken = taken
+        self.assert_never_empty(shots, 2)
+
+    def test_a_window_that_is_taken_away_does_not_hang(self):
+        with Running("--", FAKE) as show:
+            show.await_rate("20.0")
+            window = subprocess.run(["xdotool", "search", "--name", "^kelpix"], check=True,
+                                    stdout=subprocess.PIPE, text=True).stdout.split()[0]
+            subprocess.run(["xdotool", "windowunmap", window], check=True)
+            show.await_rate("none")
+            subprocess.run(["xdotool", "windowmap", window], check=True)
+            show.await_rate("20.0")
+            self.assertEqual(show.status()["faults"], "0")
+            # Nobody else could conduct this screen.
+            other = subprocess.run([SHOW, "--", FAKE], stderr=subprocess.PIPE, text=True)
+            self.assertEqual((other.returncode, other.stderr),
+                             (1, "kelpix-show: another kelpix-show has this screen: two need a window "
+                                 "manager\n"))
 
     def test_nothing_is_left_when_it_ends(self):
         for by in signal.SIGTERM, signal.SIGINT, signal.SIGHUP:
@@ -464,6 +506,8 @@ class Scene(unittest.TestCase):
                 show.await_showing(3)
                 self.assertGreater(int(show.status()["memory_mib"]), 100)
                 self.assertEqual(show.status()["faults"], "0")
+                # Of a software renderer, and not said for each showing.
+                self.assertLessEqual(show.log().count("kelpix: llvmpipe: "), 1)
                 taken = shots.taken[first:]
                 self.assertEqual(show.end(), (0, []))
         self.assertGreater(len(taken), 30)
