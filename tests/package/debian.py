@@ -122,7 +122,7 @@ class Packages(unittest.TestCase):
                          {f"{name}.1.gz" for name in programs})
 
     def test_the_documents_are_in_and_what_they_show_and_link_to(self):
-        for package, names in [("kelpix", "faults media recording running scene"),
+        for package, names in [("kelpix", "faults live media recording running scene"),
                                *[("kelpix-wall", "wall") for _ in WALL],
                                ("libkelpix-dev", "architecture first-hour framework limits")]:
             count = 0

@@ -21,7 +21,7 @@ void Inbox::keepNewer(std::optional<Item>& kept, const Item& item)
 
 Inbox::Inbox()
 {
-    queue.reserve(MOST_QUEUED);
+    queue.reserve(MOST_TAKEN);
     waiting.reserve(MOST_WAITING);
 }
 
@@ -71,8 +71,15 @@ void Inbox::comeDue(const Item& item)
         keepNewer(figures[static_cast<std::size_t>(item.command.figure)], item);
         break;
     case Command::Kind::SEED:
-    case Command::Kind::RESTART:
+        if (renewal && renewal->command.kind == Command::Kind::RESTART) {
+            renewal.reset();
+        }
         keepNewer(renewal, item);
+        break;
+    case Command::Kind::RESTART:
+        if (!renewal || renewal->command.kind == Command::Kind::RESTART) {
+            keepNewer(renewal, item);
+        }
         break;
     default:
         if (queue.size() < MOST_QUEUED) {
@@ -96,23 +103,24 @@ std::vector<Command> Inbox::take(nanoseconds steady)
         waiting.pop_back();
     }
 
-    std::vector<Item> items = queue;
-    queue.clear();
+    std::vector<Command> commands;
+    commands.reserve(MOST_TAKEN);
     for (std::optional<Item>& figure : figures) {
         if (figure) {
-            items.push_back(*figure);
+            queue.push_back(*figure);
             figure.reset();
         }
     }
     if (renewal && mayRenew(steady)) {
-        items.push_back(*renewal);
+        queue.push_back(*renewal);
         renewal.reset();
         lastRenewal = steady;
     }
-    std::ranges::sort(items, isBefore);
-
-    std::vector<Command> commands(items.size());
-    std::ranges::transform(items, commands.begin(), &Item::command);
+    std::ranges::sort(queue, isBefore);
+    for (const Item& item : queue) {
+        commands.push_back(item.command);
+    }
+    queue.clear();
     return commands;
 }
 

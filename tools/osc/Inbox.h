@@ -14,13 +14,15 @@ struct Moment {
     std::chrono::nanoseconds steady; ///< since some moment; it never goes back
 };
 
-/// Keeps what packets asked for until it is taken: of each figure the newest place or release, of
-/// seed and restart the newest, of all else at most MOST_QUEUED, and what is not due yet, at most
-/// MOST_WAITING. It allocates nothing but what take returns.
+/// Keeps what packets asked for until it is taken: of each figure the newest place or release; the
+/// newest seed, or else a restart; of all else at most MOST_QUEUED; and what is not due yet, at
+/// most MOST_WAITING. It allocates nothing but what take returns.
 class Inbox {
 public:
     static constexpr std::size_t MOST_QUEUED = 256;
     static constexpr std::size_t MOST_WAITING = 4096;
+    /// These, a command for each figure, and a seed or restart.
+    static constexpr std::size_t MOST_TAKEN = MOST_QUEUED + 4;
     /// No bundle may be for a later time.
     static constexpr std::chrono::seconds FARTHEST{60};
     /// The scene begins anew at most once in this time; the newest seed or restart waits for its
@@ -34,7 +36,8 @@ public:
     /// are due now.
     void add(const Reading& reading, const Moment& now);
 
-    /// \return what is due, in the order in which it came due; of the same time, in that of arrival
+    /// \return what is due, at most MOST_TAKEN, in the order in which it came due; of the same
+    /// time, in that of arrival
     std::vector<Command> take(std::chrono::nanoseconds steady);
 
     Counts counts() const;

@@ -122,7 +122,8 @@ bool divideElement(Bytes bytes, int depth, TimeTag outer, std::vector<PacketMess
     if (depth == DEEPEST_BUNDLE || !std::ranges::equal(mark, BUNDLE_MARK)) {
         return false;
     }
-    const TimeTag due = later(outer, front.takeNumber(8));
+    const TimeTag time = front.takeNumber(8);
+    const TimeTag due = later(outer, time == 0 ? IMMEDIATELY : time);
     while (!front.isEmpty()) {
         const Bytes element = front.take(front.takeNumber(4));
         if (!divideElement(element, depth + 1, due, messages)) {

@@ -31,7 +31,7 @@ constexpr std::size_t MOST_MESSAGES = LONGEST_PACKET / 12;
 /// F N I [ ]), and that their arguments fill the message exactly. A message without type tags is no
 /// message here.
 ///
-/// A bundle in a bundle is not due before the outer one.
+/// A bundle in a bundle is not due before the outer one. A time tag of 0 is taken for IMMEDIATELY.
 /// \param messages  is overwritten; in the order of the packet. Nothing is allocated when it has a
 /// capacity
 ///                  of MOST_MESSAGES

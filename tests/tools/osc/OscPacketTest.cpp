@@ -153,6 +153,7 @@ TEST(OscPacketTest, ABundleInABundleIsNotDueBeforeIt)
     EXPECT_EQ(dueOf(IMMEDIATELY, 2000), "/restart  2000");
     EXPECT_EQ(dueOf(2000, IMMEDIATELY), "/restart  2000");
     EXPECT_EQ(dueOf(IMMEDIATELY, IMMEDIATELY), "/restart  1");
+    EXPECT_EQ(dueOf(0, 0), "/restart  1");
     // Seconds begin anew at 0 in 2036.
     EXPECT_EQ(dueOf(0xFFFFFFFFFFFFFFFF, 2000), "/restart  2000");
 }
