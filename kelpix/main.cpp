@@ -1,4 +1,5 @@
 #include "AppManager.h"
+#include "DisplayFailure.h"
 #include "FreeType.h"
 #include "MediaFolder.h"
 #include "OggSound.h"
@@ -10,13 +11,11 @@
 
 #include <AL/alc.h>
 #include <FL/Fl.H>
-#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <exception>
 #include <stdexcept>
-#include <string>
 
 namespace {
 
@@ -41,19 +40,6 @@ OggSound* loadSound(const char* path)
     sound->load(path);
     std::puts("done.");
     return sound;
-}
-
-/// Called by FLTK when it cannot go on, most often because there is no display. Throws, where
-/// FLTK's own handler would end the process without unwinding.
-[[noreturn]] void onFltkFailure(const char* format, ...)
-{
-    char text[256];
-    va_list arguments;
-    va_start(arguments, format);
-    std::vsnprintf(text, sizeof text, format, arguments);
-    va_end(arguments);
-    throw std::runtime_error(std::string("kelpix: no window: ") + text +
-                             "\nStart it in a graphical session, or set DISPLAY to an X server.");
 }
 
 /// What desktops and window managers are told of the window before it is shown: a name until the
@@ -119,10 +105,16 @@ int main(int argc, char* argv[])
     secureStandardStreams();
     // Messages reach a log while the scene runs, in order with those on standard error.
     std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
-    Fl::fatal = onFltkFailure;
+    throwDisplayFailures();
     try {
         MediaFolder::reportMissingFiles();
         return runScene(argc, argv);
+    } catch (const DisplayFailure& failure) {
+        std::fprintf(stderr,
+                     "kelpix: no window: %s\n"
+                     "Start it in a graphical session, or set DISPLAY to an X server.\n",
+                     failure.what());
+        return 1;
     } catch (const std::exception& failure) {
         std::fprintf(stderr, "%s\n", failure.what());
         return 1;

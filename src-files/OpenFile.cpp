@@ -1,5 +1,6 @@
 #include "OpenFile.h"
 
+#include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -54,6 +55,7 @@ Handle openRegularOrFolder(const char* path)
 Handle create(const char* path)
 {
     if (path == nullptr) {
+        errno = EINVAL;
         return nullptr;
     }
     constexpr mode_t ALLOWED = 0666; // less the process's umask, as for std::fopen
@@ -62,9 +64,13 @@ Handle create(const char* path)
     if (descriptor < 0) {
         return nullptr;
     }
+    const bool isPipe = kindOf(descriptor) == S_IFIFO;
     // Back to blocking writes.
-    const bool isAccepted = kindOf(descriptor) != S_IFIFO && fcntl(descriptor, F_SETFL, 0) == 0;
-    return toStream(descriptor, isAccepted, "w");
+    Handle file = toStream(descriptor, !isPipe && fcntl(descriptor, F_SETFL, 0) == 0, "w");
+    if (isPipe) {
+        errno = ENXIO; // as without a reader
+    }
+    return file;
 }
 
 } // namespace Files

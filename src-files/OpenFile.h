@@ -26,7 +26,7 @@ Handle openRegularOrFolder(const char* path);
 
 /// Opens a file for writing, and makes it or empties it.
 /// \return null for a null path, for a file that cannot be opened, and for a pipe, which could keep
-///         its writer waiting
+///         its writer waiting; errno then says why, ENXIO for a pipe
 Handle create(const char* path);
 
 } // namespace Files

@@ -2,6 +2,7 @@
 
 #include "TempDirectory.h"
 
+#include <cerrno>
 #include <cstddef>
 #include <fcntl.h>
 #include <fstream>
@@ -113,10 +114,13 @@ TEST_F(OpenFileTest, AFileThatIsMadeHasTheUsersPermissions)
 TEST_F(OpenFileTest, PipesAndDirectoriesAreNotWritten)
 {
     EXPECT_EQ(Files::create("."), nullptr);
-    EXPECT_EQ(Files::create("pipe"), nullptr) << "nobody reads";
+    EXPECT_EQ(errno, EISDIR);
+    EXPECT_EQ(Files::create("pipe"), nullptr);
+    EXPECT_EQ(errno, ENXIO) << "nobody reads";
     const int reader = open("pipe", O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     ASSERT_GE(reader, 0);
-    EXPECT_EQ(Files::create("pipe"), nullptr) << "somebody reads";
+    EXPECT_EQ(Files::create("pipe"), nullptr);
+    EXPECT_EQ(errno, ENXIO) << "somebody reads";
     close(reader);
 }
 

@@ -10,31 +10,33 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-HeldMessages::HeldMessages() : output(-1), held(memfd_create("messages", MFD_CLOEXEC))
+HeldMessages::HeldMessages(From from)
+    : stream(from == From::output ? stdout : stderr), output(-1),
+      held(memfd_create("messages", MFD_CLOEXEC))
 {
     if (held < 0) {
         throw std::runtime_error(std::string("cannot hold messages: ") + std::strerror(errno));
     }
-    std::fflush(stdout);
-    output = dup(STDOUT_FILENO);
-    dup2(held, STDOUT_FILENO);
+    std::fflush(stream);
+    output = dup(fileno(stream));
+    dup2(held, fileno(stream));
 }
 
 HeldMessages::~HeldMessages()
 {
-    std::fflush(stdout);
+    std::fflush(stream);
     if (output >= 0) {
-        dup2(output, STDOUT_FILENO);
+        dup2(output, fileno(stream));
         close(output);
     } else {
-        close(STDOUT_FILENO);
+        close(fileno(stream));
     }
     close(held);
 }
 
 std::string HeldMessages::text() const
 {
-    std::fflush(stdout);
+    std::fflush(stream);
     std::string all;
     char chunk[4096];
     off_t from = 0;

@@ -1,17 +1,21 @@
 #pragma once
 
+#include <cstdio>
 #include <string>
 
-/// Captures standard output while this object lives. The scene prints there how it loads, which is
-/// of interest only when something goes wrong.
+/// Captures what is printed while this object lives. The scene prints to standard output how it
+/// loads, which is of interest only when something goes wrong.
 class HeldMessages {
 public:
+    enum class From { output, errors };
+
     /// Throws std::runtime_error when the messages cannot be captured.
-    HeldMessages();
+    /// \param from  standard output, or standard error
+    explicit HeldMessages(From from = From::output);
     HeldMessages(const HeldMessages&) = delete;
     HeldMessages& operator=(const HeldMessages&) = delete;
 
-    /// Restores standard output.
+    /// Prints to where it was before from then on; what was captured is forgotten.
     ~HeldMessages();
 
     /// \return what was captured so far, its control characters escaped but for the ends of lines
@@ -21,6 +25,7 @@ public:
     void show() const;
 
 private:
-    int output; ///< owns; the real standard output, -1 = it was closed
+    std::FILE* stream;
+    int output; ///< owns; where it led before, -1 = it was closed
     int held;   ///< owns; a file without a name
 };

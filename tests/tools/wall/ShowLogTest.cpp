@@ -109,6 +109,15 @@ TEST_F(ShowLogTest, TheScaleIsReadAgainToTheBit)
     EXPECT_EQ(ShowReader("show.log").head().simulated, 1.0 / 3);
 }
 
+TEST_F(ShowLogTest, AllEventsOfTheLargestWallAreOneFrame)
+{
+    constexpr std::size_t MOST = 1024 * wall::FrameRecord::EVENTS;
+    constexpr int KEY = -2147483647; // no number is longer
+    write({{1, 0, 17, 4000000000U,
+            std::vector(MOST, wall::InputEvent{KEY, -4194304, -4194304, KEY, KEY})}});
+    EXPECT_EQ(ShowReader("show.log").next()->inputs.size(), MOST);
+}
+
 TEST_F(ShowLogTest, ALineThatBreaksOffIsTheEnd)
 {
     write({{1, 0, 17, std::nullopt, {}}, {2, 3, 18, std::nullopt, {}}});
@@ -141,7 +150,7 @@ TEST_F(ShowLogTest, DamageIsSaid)
     EXPECT_EQ(complaint("19 1 2", "19 -2147483648 2"), second);
     EXPECT_EQ(complaint("19 1 2", "19 1 2147483647"), second);
     EXPECT_EQ(complaint("event", "events"), second);
-    EXPECT_EQ(complaint("event", std::string(100000, ' ')), "changed.log: a line is too long");
+    EXPECT_EQ(complaint("event", std::string(1100000, ' ')), "changed.log: a line is too long");
 }
 
 TEST_F(ShowLogTest, WhatCannotBeOpenedIsSaid)
@@ -149,4 +158,6 @@ TEST_F(ShowLogTest, WhatCannotBeOpenedIsSaid)
     EXPECT_EQ(errorOf([] { ShowReader("missing.log"); }), "cannot read missing.log");
     EXPECT_EQ(errorOf([this] { ShowWriter("no/show.log", head); }),
               "cannot write no/show.log: No such file or directory");
+    EXPECT_EQ(errorOf([this] { ShowWriter("/dev/full", head); }),
+              "cannot write /dev/full: No space left on device");
 }

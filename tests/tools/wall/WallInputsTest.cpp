@@ -101,6 +101,19 @@ TEST(WallInputGateTest, TheFirstDragHoldsUntilItIsReleased)
         ElementsAre(at(FL_RELEASE, 110, LEFT), at(FL_MOVE, 300, LEFT), at(FL_PUSH, 300, LEFT)));
 }
 
+TEST(WallInputGateTest, ADragHoldsUntilAllItsButtonsAreReleased)
+{
+    constexpr int RIGHT = FL_Button + FL_RIGHT_MOUSE;
+    InputGate gate;
+    EXPECT_THAT(gate.join(records({{at(FL_PUSH, 1, LEFT), at(FL_PUSH, 2, RIGHT)}, {}})).size(), 3u);
+    EXPECT_THAT(gate.join(records({{at(FL_RELEASE, 3, LEFT)}, {at(FL_PUSH, 200, LEFT)}})),
+                ElementsAre(at(FL_RELEASE, 3, LEFT)));
+    EXPECT_THAT(gate.join(records({{at(FL_MOVE, 4)}, {at(FL_DRAG, 210, LEFT)}})),
+                ElementsAre(at(FL_MOVE, 4)));
+    EXPECT_THAT(gate.join(records({{at(FL_RELEASE, 5, RIGHT)}, {at(FL_MOVE, 220)}})),
+                ElementsAre(at(FL_RELEASE, 5, RIGHT), at(FL_MOVE, 220)));
+}
+
 TEST(WallInputGateTest, ADragBeginsWhereTheButtonIsPressed)
 {
     InputGate gate;

@@ -38,7 +38,7 @@ public:
     void play(const Orders& orders)
     {
         for (std::size_t part = 0; part < state.size(); ++part) {
-            add(part, static_cast<std::uint64_t>(orders.step));
+            add(part, static_cast<std::uint64_t>(orders.lead.step));
             for (const InputEvent& event : orders.inputs) {
                 add(part, static_cast<std::uint64_t>(event.kind) << 32 ^
                               static_cast<std::uint64_t>(event.x));
@@ -68,8 +68,8 @@ struct Diary {
 
 bool sameOrders(const Orders& a, const Orders& b)
 {
-    return a.quit == b.quit && a.anew == b.anew && a.seed == b.seed && a.step == b.step &&
-           a.inputs == b.inputs && a.mismatch.has_value() == b.mismatch.has_value();
+    return a.quit == b.quit && a.anew == b.anew && a.lead == b.lead && a.inputs == b.inputs &&
+           a.mismatch == b.mismatch && a.records == b.records;
 }
 
 /// A wall of 1 to 6 ranks that plays FRAMES frames.
@@ -137,9 +137,11 @@ private:
         FrameRecord own;
         for (;;) {
             own.frame += 1;
-            own.step = rank == 0 ? static_cast<int>(own.frame * 7) : -1;
-            own.seed = rank == 0 ? own.frame : 0;
-            own.flags = rank == 0 && own.frame > FRAMES ? FrameRecord::QUIT : 0;
+            own.lead = {wall::Lead::ANEW, -1, 0}; // counts for nothing
+            if (rank == 0) {
+                own.lead = {own.frame > FRAMES ? wall::Lead::QUIT : 0,
+                            static_cast<int>(own.frame * 7), own.frame};
+            }
             addInput(rank, own);
             diary.orders.push_back(protocol.exchange(own));
             const Orders& orders = diary.orders.back();
@@ -147,7 +149,7 @@ private:
                 return;
             }
             if (orders.anew) {
-                scene.begin(orders.seed);
+                scene.begin(orders.lead.seed);
             }
             scene.play(orders);
             net.compute(
@@ -296,8 +298,8 @@ void expectWhatFateBrings(const Simulation& played)
     case Fate::DISAGREES:
         expectDifferenceFound(played);
         EXPECT_TRUE(played.diaries[0].orders[played.fate.frame].anew);
-        EXPECT_EQ(played.diaries[0].orders[played.fate.frame].step, 0);
-        EXPECT_EQ(played.diaries[0].orders[played.fate.frame].seed, played.fate.frame + 1);
+        EXPECT_EQ(played.diaries[0].orders[played.fate.frame].lead.step, 0);
+        EXPECT_EQ(played.diaries[0].orders[played.fate.frame].lead.seed, played.fate.frame + 1);
         expectAllFrames(played);
         break;
     case Fate::ALWAYS_DISAGREES:

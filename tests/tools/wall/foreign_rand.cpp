@@ -1,6 +1,8 @@
 /// To be preloaded into the ranks of a wall: rank 1 draws a random number that the others do not,
-/// in the frames from FOREIGN_FROM to FOREIGN_TO. Each frame ends with a call of glFlush.
+/// in the frames from FOREIGN_FROM to FOREIGN_TO; or it ends in frame FOREIGN_EXIT, as the scene's
+/// readers end a process. Each frame ends with a call of glFlush.
 
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <dlfcn.h>
@@ -30,6 +32,10 @@ extern "C" void glFlush()
     ++frame;
     if (isRankOne() && frame >= numberOf("FOREIGN_FROM") && frame <= numberOf("FOREIGN_TO")) {
         static_cast<void>(std::rand());
+    }
+    if (isRankOne() && frame == numberOf("FOREIGN_EXIT")) {
+        std::puts("data/nothing.bmp cannot be read");
+        std::exit(0);
     }
     next();
 }

@@ -8,6 +8,7 @@ Needs an X server without a window manager, Open MPI's mpirun, xdotool and Image
 import os
 import pathlib
 import re
+import shutil
 import signal
 import socket
 import subprocess
@@ -183,12 +184,20 @@ class Input(Walls):
 
 
 class Disagreement(Walls):
-    """One rank draws a random number that the others do not."""
+    """One rank draws a random number that the others do not, or ends."""
 
     def play_with_foreign_numbers(self, first, last):
         return self.finish(self.start(
             TWO, "--virtual", "--seed", SEED, "--frames", "40", "--hash", "states", "--log", "show.log",
             LD_PRELOAD=FOREIGN_RAND, FOREIGN_FROM=str(first), FOREIGN_TO=str(last)))
+
+    def test_a_reader_that_ends_a_rank_is_quoted_and_a_full_file_ends_nothing(self):
+        process = self.start(TWO, "--virtual", "--frames", "40", "--hash", "/dev/full",
+                             LD_PRELOAD=FOREIGN_RAND, FOREIGN_EXIT="20")
+        self.assertEqual(self.finish(process), (
+            1, "kelpix-wall: cannot write /dev/full: No space left on device; the show goes on "
+               f"without it\nkelpix-wall: {HOST}: the media cannot be played: data/nothing.bmp "
+               "cannot be read\n"))
 
     def line(self, frame, end):
         return f"kelpix-wall: frame {frame}: {HOST} (rank 1) differs in random; the wall {end}\n"
@@ -282,7 +291,17 @@ class Start(Walls):
 
     def test_a_hash_file_that_cannot_be_written(self):
         self.expect_line(self.start(TWO, "--virtual", "--hash", "/dev/full/hash"),
-                         f"{HOST}: cannot write /dev/full/hash")
+                         f"{HOST}: cannot write /dev/full/hash: Not a directory")
+
+    def test_a_medium_that_cannot_be_played(self):
+        media = pathlib.Path(self.path("media"))
+        shutil.copytree(MEDIA, media, copy_function=os.symlink)
+        voice = media / "sound" / "magpie_vocal.ogg"
+        voice.unlink()
+        voice.write_bytes(b"no voice")
+        self.expect_line(self.start(TWO, "--virtual", media=str(media)),
+                         f"{HOST}: the media cannot be played: Error opening "
+                         "sound/magpie_vocal.ogg for decoding...")
 
     def test_a_display_that_is_not_there(self):
         self.expect_line(self.start(TWO, "--virtual", DISPLAY=":9999"),

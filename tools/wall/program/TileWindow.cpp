@@ -1,13 +1,15 @@
 #include "TileWindow.h"
 
 #include <FL/Fl.H>
+#include <cstdio>
 #include <stdexcept>
 
 namespace wall {
 
 TileWindow::TileWindow(int x, int y, int w, int h, int left, int top)
-    : Fl_Gl_Window(x, y, w, h, "kelpix"), wallX(left), wallY(top)
+    : Fl_Gl_Window(x, y, w, h), wallX(left), wallY(top)
 {
+    label(title);
     end();
     border(0);
     mode(FL_DOUBLE | FL_ACCUM | FL_ALPHA | FL_DEPTH);
@@ -37,6 +39,23 @@ void TileWindow::takeInput(FrameRecord& record)
 {
     Fl::check();
     queue.fill(record);
+}
+
+void TileWindow::swap()
+{
+    using Seconds = std::chrono::duration<float>;
+
+    swap_buffers();
+    const auto now = std::chrono::steady_clock::now();
+    const float passed = Seconds(now - since).count();
+    ++frames;
+    if (passed >= 1) {
+        rate = static_cast<float>(frames) / passed;
+        since = now;
+        frames = 0;
+    }
+    std::snprintf(title, sizeof title, "kelpix (%3.1f fps)", static_cast<double>(rate));
+    label(title);
 }
 
 int TileWindow::handle(int event)

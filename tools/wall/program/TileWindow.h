@@ -3,6 +3,7 @@
 #include "Inputs.h"
 
 #include <FL/Fl_Gl_Window.H>
+#include <chrono>
 
 namespace wall {
 
@@ -22,8 +23,9 @@ public:
     /// The events since the last call go into the record.
     void takeInput(FrameRecord& record);
 
-    /// Shows what has been drawn.
-    void swap() { swap_buffers(); }
+    /// Shows what has been drawn, and tells the rate in the title, as the scene's own window does:
+    /// who conducts it from outside counts these titles.
+    void swap();
 
     int handle(int event) override;
 
@@ -38,6 +40,10 @@ private:
     int wallX;
     int wallY;
     bool exposed = false;
+    char title[32] = "kelpix"; ///< FLTK keeps a pointer to it
+    int frames = 0;            ///< since the rate was taken
+    float rate = 0;            ///< frames per second
+    std::chrono::steady_clock::time_point since;
     InputQueue queue;
 
     static void onClose(Fl_Widget* window, void*);

@@ -23,17 +23,26 @@ using State = std::array<std::uint64_t, 6>;
 inline constexpr std::array<const char*, 6> STATE_PARTS = {"random", "boids", "figures",
                                                            "bodies", "view",  "counts"};
 
+/// What rank 0 decides for a frame, for all ranks. It travels in its record, and reaches them as it
+/// is, in Orders.
+struct Lead {
+    static constexpr std::uint32_t QUIT = 1; ///< there is no further frame
+    static constexpr std::uint32_t ANEW = 2; ///< the scene begins again
+
+    std::uint32_t flags = 0;
+    std::int32_t step = 0;  ///< of the recording
+    std::uint32_t seed = 0; ///< of the scene, should it begin again
+
+    bool operator==(const Lead&) const = default;
+};
+
 /// What each rank tells all others before a frame. Its bytes travel as they are: all ranks have the
 /// same kind of processor.
 struct FrameRecord {
-    static constexpr std::uint32_t QUIT = 1; ///< of rank 0: there is no further frame
-    static constexpr std::uint32_t ANEW = 2; ///< of rank 0: the scene begins again
     static constexpr std::size_t EVENTS = 8;
 
-    std::uint32_t frame = 0; ///< the one to come, counted from 1
-    std::uint32_t flags = 0;
-    std::int32_t step = 0;    ///< of rank 0: the step of the recording
-    std::uint32_t seed = 0;   ///< of rank 0: of the scene, should it begin again
+    std::uint32_t frame = 0;  ///< the one to come, counted from 1
+    Lead lead;                ///< of rank 0; that of the others counts for nothing
     State state{};            ///< after the frame before; zeros before the first one
     std::int64_t left = 0;    ///< when the barrier of the frame before was left, ns of the clock of
                               ///< this machine; 0: there was none
@@ -42,6 +51,8 @@ struct FrameRecord {
     std::uint32_t events = 0; ///< how many there are, at most EVENTS
     std::uint32_t unused = 0;
     std::array<InputEvent, EVENTS> event{};
+
+    bool operator==(const FrameRecord&) const = default;
 };
 static_assert(std::is_trivially_copyable_v<FrameRecord>);
 static_assert(sizeof(FrameRecord) <= 256, "docs/performance.md says so");

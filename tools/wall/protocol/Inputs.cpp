@@ -52,18 +52,24 @@ void InputGate::take(int rank, const InputEvent& event, std::vector<InputEvent>&
         joined.push_back(event);
         return;
     }
+    const std::uint32_t button = 1U << (static_cast<std::uint32_t>(event.key) % 32);
     if (holder == -1 && event.kind == FL_PUSH) {
         holder = rank;
+        held = 0;
         // The pointer was last seen at another tile, perhaps: a drag starts where the button is
         // pressed.
         joined.push_back({FL_MOVE, event.x, event.y, event.key, 0});
+    }
+    if (holder == rank && event.kind == FL_PUSH) {
+        held |= button;
     }
     const bool passes = holder == rank || (holder == -1 && event.kind == FL_MOVE);
     if (passes) {
         joined.push_back(event);
     }
     if (holder == rank && event.kind == FL_RELEASE) {
-        holder = -1;
+        held &= ~button;
+        holder = held == 0 ? -1 : rank;
     }
 }
 

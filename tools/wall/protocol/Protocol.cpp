@@ -161,10 +161,9 @@ Orders Protocol::exchange(const FrameRecord& own)
                  net.rank() == 0);
         }
     }
-    orders.step = first.step;
-    orders.seed = first.seed;
-    orders.quit = (first.flags & FrameRecord::QUIT) != 0;
-    orders.anew = (first.flags & FrameRecord::ANEW) != 0;
+    orders.lead = first.lead;
+    orders.quit = (first.lead.flags & Lead::QUIT) != 0;
+    orders.anew = (first.lead.flags & Lead::ANEW) != 0;
     orders.inputs = gate.join(orders.records);
     orders.quit |= std::any_of(orders.inputs.begin(), orders.inputs.end(), isQuit);
     orders.mismatch = differenceIn(orders.records);
@@ -178,7 +177,7 @@ Orders Protocol::exchange(const FrameRecord& own)
         orders.anew = !orders.quit;
     }
     if (orders.anew) {
-        orders.step = 0; // after a difference the voice has not begun anew yet
+        orders.lead.step = 0; // after a difference the voice has not begun anew yet
     }
     return orders;
 }

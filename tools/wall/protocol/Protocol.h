@@ -23,14 +23,15 @@ struct Mismatch {
     std::uint32_t frame;
     int rank;         ///< the first one that does not have what most ranks have
     const char* part; ///< the first part in which it differs, of STATE_PARTS
+
+    bool operator==(const Mismatch&) const = default;
 };
 
 /// What all ranks do in the next frame.
 struct Orders {
     bool quit = false; ///< the frame is not to be played
-    bool anew = false; ///< the scene begins again with \p seed, before this frame is played
-    std::uint32_t seed = 0;
-    int step = 0;                     ///< of the recording; 0 when the scene begins again
+    bool anew = false; ///< the scene begins again with the lead's seed, before this frame is played
+    Lead lead;         ///< that of rank 0; its step is 0 when the scene begins again
     std::vector<InputEvent> inputs;   ///< to be handed to the scene before its update
     std::optional<Mismatch> mismatch; ///< of the frame before; then anew is set, or quit
     std::vector<FrameRecord> records; ///< of all ranks, for what is measured

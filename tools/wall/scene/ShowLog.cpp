@@ -14,8 +14,8 @@ namespace wall {
 namespace {
 
 constexpr const char* MAGIC = "kelpix-wall log 1";
-constexpr std::size_t LONGEST_LINE = 1 << 16;
-constexpr int LONGEST_FILE = 1 << 20; // of the wall's two
+constexpr std::size_t LONGEST_LINE = 1 << 20; // 1,024 ranks with 8 events of 61 characters
+constexpr int LONGEST_FILE = 1 << 20;         // of the wall's two
 
 /// Pixels from a wall's corner: a pointer can be on a desktop beside the largest one. The scene
 /// takes differences of two places.
@@ -86,44 +86,42 @@ bool readFrame(const std::string& line, ShowFrame& frame)
 
 } // namespace
 
-ShowWriter::ShowWriter(const std::filesystem::path& path, const ShowHead& head)
-    : file(Files::create(path.c_str()))
+ShowWriter::ShowWriter(const std::filesystem::path& path, const ShowHead& head) : file(path)
 {
-    if (file == nullptr) {
+    const WallFiles& files = head.files;
+    char numbers[160];
+    std::snprintf(numbers, sizeof numbers,
+                  "\nmedia %016" PRIx64 "\nsimulated %.17g\nfit %s\nseed %u\n", head.media,
+                  head.simulated, head.fit == Fit::cover ? "cover" : "contain", head.seed);
+    std::string text = std::string(MAGIC) + "\nversion " + head.version + numbers;
+    text += "description " + std::to_string(files.description.size()) + " " +
+            Files::printable(files.name) + "\n" + files.description + "\n";
+    text +=
+        "more " + std::to_string(files.hasMore ? static_cast<int>(files.more.size()) : -1) + "\n";
+    if (files.hasMore) {
+        text += files.more + "\n";
+    }
+    if (!file.add(text + "frames\n")) {
         throw std::runtime_error("cannot write " + path.string() + ": " + std::strerror(errno));
     }
-    std::fprintf(file.get(),
-                 "%s\nversion %s\nmedia %016" PRIx64 "\nsimulated %.17g\nfit %s\nseed %u\n", MAGIC,
-                 head.version.c_str(), head.media, head.simulated,
-                 head.fit == Fit::cover ? "cover" : "contain", head.seed);
-    const WallFiles& files = head.files;
-    std::setvbuf(file.get(), nullptr, _IOLBF,
-                 BUFSIZ); // whoever is killed has written what it played
-    const auto put = [this](const std::string& bytes) {
-        std::fwrite(bytes.data(), 1, bytes.size(), file.get());
-        std::fputc('\n', file.get());
-    };
-    std::fprintf(file.get(), "description %zu %s\n", files.description.size(),
-                 Files::printable(files.name).c_str());
-    put(files.description);
-    std::fprintf(file.get(), "more %d\n", files.hasMore ? static_cast<int>(files.more.size()) : -1);
-    if (files.hasMore) {
-        put(files.more);
-    }
-    put("frames");
 }
 
-void ShowWriter::add(const ShowFrame& frame)
+bool ShowWriter::add(const ShowFrame& frame)
 {
-    std::fprintf(file.get(), "%" PRIu32 " %d %016" PRIx64, frame.frame, frame.step, frame.state);
+    char numbers[64];
+    std::snprintf(numbers, sizeof numbers, "%" PRIu32 " %d %016" PRIx64, frame.frame, frame.step,
+                  frame.state);
+    std::string line = numbers;
     if (frame.anew) {
-        std::fprintf(file.get(), " anew %u", *frame.anew);
+        line += " anew " + std::to_string(*frame.anew);
     }
     for (const InputEvent& event : frame.inputs) {
-        std::fprintf(file.get(), " event %d %d %d %d %d", event.kind, event.x, event.y, event.key,
-                     event.wheel);
+        line += " event";
+        for (const int number : {event.kind, event.x, event.y, event.key, event.wheel}) {
+            line += " " + std::to_string(number);
+        }
     }
-    std::fputc('\n', file.get());
+    return file.add(line + "\n");
 }
 
 ShowReader::ShowReader(const std::filesystem::path& path)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "FrameRecord.h"
+#include "LineFile.h"
 #include "OpenFile.h"
 #include "WallLayout.h"
 
@@ -51,11 +52,12 @@ class ShowWriter {
 public:
     ShowWriter(const std::filesystem::path& path, const ShowHead& head);
 
-    /// A file that is full later ends the log, not the show.
-    void add(const ShowFrame& frame);
+    /// \return false when the file does not take the frame; errno says why. The log then ends with
+    ///         the frames before, and nothing more should be added.
+    bool add(const ShowFrame& frame);
 
 private:
-    Files::Handle file;
+    LineFile file;
 };
 
 /// A file that is no log, or is damaged. The text says where.

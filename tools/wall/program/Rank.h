@@ -1,0 +1,43 @@
+#pragma once
+
+#include "HeldMessages.h"
+#include "Plan.h"
+#include "TilePattern.h"
+#include "TileWindow.h"
+#include "WallScene.h"
+#include "WallSound.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace wall {
+
+/// What one rank of a wall plays with, from the first step of its preparation to its last frame. It
+/// stays where it is: the scene borrows from the plan.
+struct Rank {
+    int number = 0;
+    std::vector<std::string> hosts; ///< of all ranks
+    Plan plan;
+    std::uint64_t media = 0;            ///< hashOfMedia
+    HeldMessages messages;              ///< what the scene prints
+    std::optional<TileWindow> window;   ///< made before what is drawn in it
+    std::optional<WallScene> scene;     ///< none for a test pattern
+    std::optional<TilePattern> pattern; ///< instead of the scene, if it is asked for
+    std::optional<WallSound> sound;     ///< of rank 0, unless the clock is virtual
+
+    /// Captures standard output from then on. Throws std::runtime_error when that fails.
+    Rank() = default;
+    Rank(const Rank&) = delete;
+    Rank& operator=(const Rank&) = delete;
+
+    bool isFirst() const { return number == 0; }
+    const WallTile& tile() const { return plan.layout.tiles[static_cast<std::size_t>(number)]; }
+
+    /// What to say when the scene's readers end the process: the last line that they have printed.
+    /// \param errors  what they have printed to standard error
+    std::string readersComplaint(const std::string& errors = "") const;
+};
+
+} // namespace wall
