@@ -79,7 +79,6 @@ Show::Show(const Options& options, Programme programme)
     }
     if (!this->programme.media.empty()) {
         watch.emplace(this->programme.media, own);
-        sayWhatIsWatched();
     }
     conductor.setPeriod(period());
 }
@@ -104,6 +103,7 @@ std::optional<Seconds> Show::period() const
 void Show::run()
 {
     service.notify("READY=1");
+    sayWhatIsWatched();
     while (!conductor.isOver()) {
         conductor.pass(clockNow());
         reportStatus(clockNow());
@@ -236,7 +236,7 @@ void Show::onCheckEnd(bool isGood)
 
 void Show::sayWhatIsWatched()
 {
-    if (!watch->isWhole()) {
+    if (watch && !watch->isWhole()) {
         say("the kernel cannot watch all of the media: changes may go unseen (inotify(7) names its "
             "limits)");
     }

@@ -63,14 +63,14 @@ def marked(mark):
 class Shots:
     """Pictures of the screen, ten a second, as bytes: red, green, blue. Use it in a with statement."""
 
-    def __init__(self, size=SIZE):
-        self.size = size
+    def __init__(self, pointer=True):
+        self.pointer = str(int(pointer))
         self.taken = []
 
     def __enter__(self):
         self.ffmpeg = subprocess.Popen(
-            ["ffmpeg", "-nostdin", "-loglevel", "error", "-f", "x11grab", "-draw_mouse", "1",
-             "-framerate", "10", "-video_size", "{}x{}".format(*self.size), "-i",
+            ["ffmpeg", "-nostdin", "-loglevel", "error", "-f", "x11grab", "-draw_mouse", self.pointer,
+             "-framerate", "10", "-video_size", "{}x{}".format(*SIZE), "-i",
              os.environ["DISPLAY"], "-f", "rawvideo", "-pix_fmt", "rgb24", "-"],
             stdout=subprocess.PIPE)
         self.thread = threading.Thread(target=self.read)
@@ -78,7 +78,7 @@ class Shots:
         return self
 
     def read(self):
-        length = 3 * self.size[0] * self.size[1]
+        length = 3 * SIZE[0] * SIZE[1]
         for shot in iter(lambda: self.ffmpeg.stdout.read(length), b""):
             if len(shot) == length and (not self.taken or self.taken[-1] != shot):
                 self.taken.append(shot)
@@ -456,38 +456,92 @@ exec sleep 600
 class Managed(Look):
     """Under window managers: one that stacks windows, and one that tiles them."""
 
-    def check(self, *manager):
+    @contextlib.contextmanager
+    def manager(self, *command):
         with tempfile.TemporaryDirectory() as folder, \
                 open(f"{folder}/log", "w", encoding="utf-8") as log:
             config = pathlib.Path(folder, "config")
             config.write_text("# i3 config file (v4)\nfont pango:monospace 8\n", encoding="utf-8")
-            manager = [str(config) if word == "CONFIG" else word for word in manager]
-            process = subprocess.Popen(manager, stdout=log, stderr=log,
+            command = [str(config) if word == "CONFIG" else word for word in command]
+            process = subprocess.Popen(command, stdout=log, stderr=log,
                                        env=dict(os.environ, HOME=folder))
             try:
                 await_value(lambda: "window id" in subprocess.run(
                     ["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"], check=True,
                     stdout=subprocess.PIPE, text=True).stdout, "the window manager")
-                with Shots() as shots, Running("--every", "5", "--fullscreen", "--", FAKE) as show:
-                    show.await_showing(1)
-                    # From here on: the manager shows the first window as it likes.
-                    await_value(lambda: shots.taken and shots.colors()[-1] not in (None, bytes(3)),
-                                "a full screen")
-                    first = len(shots.taken) - 1
-                    await_value(lambda: len(set(shots.colors()[first:])) >= 4, shots.colors)
-                    colors = shots.colors()[first:]
-                self.assertEqual(len(colors), len(set(colors)), colors)
-                self.assertNotIn(None, colors)
-                self.assertNotIn(bytes(3), colors)
+                yield
             finally:
                 process.terminate()
                 process.wait()
 
+    def check_fullscreen(self, *manager):
+        with self.manager(*manager):
+            with Shots() as shots, Running("--every", "5", "--fullscreen", "--", FAKE) as show:
+                show.await_showing(1)
+                # From here on: the manager shows the first window as it likes.
+                await_value(lambda: shots.taken and shots.colors()[-1] not in (None, bytes(3)),
+                            "a full screen")
+                first = len(shots.taken) - 1
+                await_value(lambda: len(set(shots.colors()[first:])) >= 4, shots.colors)
+                colors = shots.colors()[first:]
+            self.keep(manager[0], shots.taken)
+            self.assertEqual(len(colors), len(set(colors)), colors)
+            self.assertNotIn(None, colors)
+            self.assertNotIn(bytes(3), colors)
+
+    @staticmethod
+    def keep(name, shots):
+        if "KELPIX_PICTURES" in os.environ:
+            for number, shot in enumerate(shots):
+                pathlib.Path(os.environ["KELPIX_PICTURES"], f"{name}{number:03}.ppm").write_bytes(
+                    "P6 {} {} 255\n".format(*SIZE).encode() + shot)
+
+    @staticmethod
+    def places():
+        """Of the visible windows of the scene: where they are, and how large."""
+        found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", "^kelpix"], check=False,
+                               stdout=subprocess.PIPE, text=True).stdout.split()
+        places = []
+        for window in found:
+            text = subprocess.run(["xwininfo", "-id", window], check=False, stdout=subprocess.PIPE,
+                                  stderr=subprocess.DEVNULL, text=True).stdout
+            places.append(tuple(re.findall(r"(?:Absolute.*|Width|Height): +(\d+)$", text, re.M)))
+        return found, places
+
     def test_openbox(self):
-        self.check("openbox", "--config-file", "/etc/xdg/openbox/rc.xml")
+        self.check_fullscreen("openbox", "--config-file", "/etc/xdg/openbox/rc.xml")
 
     def test_i3(self):
-        self.check("i3", "-c", "CONFIG")
+        self.check_fullscreen("i3", "-c", "CONFIG")
+
+    def test_a_window_follows_in_the_place_of_the_one_before(self):
+        with self.manager("openbox", "--config-file", "/etc/xdg/openbox/rc.xml"):
+            with Running("--every", "5", "--", FAKE) as show:
+                show.await_showing(1)
+                window = self.places()[0][0]
+                subprocess.run(["xdotool", "windowsize", "--sync", window, "220", "120"], check=True)
+                subprocess.run(["xdotool", "windowmove", window, "60", "70"], check=True)
+                await_value(lambda: self.places()[1][0][2:] == ("220", "120"), self.places)
+                place = self.places()[1][0]
+                # The manager shows its pointer for a moment when a window opens.
+                with Shots(pointer=False) as shots:
+                    show.await_showing(4)
+                    show.scene()
+                    await_value(lambda: self.places()[1] == [place], self.places)
+                self.assertEqual(show.status()["faults"], "0")
+        self.keep("window", shots.taken)
+        # What can be seen within that place is of one showing after the other.
+        left, top, width, height = map(int, place)
+        colors = []
+        for shot in shots.taken:
+            rows = [shot[3 * (y * SIZE[0] + left):3 * (y * SIZE[0] + left + width)]
+                    for y in range(top, top + height)]
+            self.assertTrue(rows == [rows[0][:3] * width] * height)
+            if rows[0][:3] not in colors[-1:]:
+                colors.append(rows[0][:3])
+        self.assertEqual(len(colors), len(set(colors)), colors)
+        self.assertGreaterEqual(len(colors), 3)
+        self.assertNotIn(bytes(3), colors)
 
 
 class Scene(unittest.TestCase):
