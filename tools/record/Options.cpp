@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <limits>
 
 namespace record {
@@ -189,6 +190,20 @@ void checkReplay(const std::vector<std::string>& given)
     }
 }
 
+/// A word alone is the film, or the picture, that --out or --png would name.
+void takeWord(commandline::Arguments& arguments, Options& options)
+{
+    if (arguments.rest.size() > 1) {
+        throw UsageError("\"" + arguments.rest[1] + "\" is one word too many");
+    }
+    for (const std::string& word : arguments.rest) {
+        const bool isPicture = std::filesystem::path(word).extension() == ".png";
+        const std::string option = isPicture ? "--png" : "--out";
+        commandline::parse({option, word}, tableOf(options));
+        arguments.given.push_back(option);
+    }
+}
+
 /// Checks the options together.
 /// \param given  their names
 void check(const Options& options, const std::vector<std::string>& given)
@@ -228,11 +243,15 @@ void check(const Options& options, const std::vector<std::string>& given)
 Options parseOptions(const std::vector<std::string>& arguments)
 {
     Options options;
-    const commandline::Arguments parsed =
-        commandline::parse(arguments, tableOf(options), commandline::Rest::allowed);
+    const auto end = std::find(arguments.begin(), arguments.end(), "--");
+    commandline::Arguments parsed =
+        commandline::parse({arguments.begin(), end}, tableOf(options), commandline::Rest::anywhere);
     options.action = parsed.action;
-    options.encoderOptions = parsed.rest;
     if (options.action == commandline::Action::work) {
+        if (end != arguments.end()) {
+            options.encoderOptions.assign(std::next(end), arguments.end());
+        }
+        takeWord(parsed, options);
         check(options, parsed.given);
         options.sizeGiven = isOneOf(parsed.given, "--size");
         if (!options.replay.empty() && !isOneOf(parsed.given, "--seconds")) {
@@ -249,9 +268,9 @@ Options parseOptions(const std::vector<std::string>& arguments)
 std::string usage()
 {
     Options unused;
-    return "usage: kelpix-record --out FILM [option ...] [-- FFMPEG-OPTION ...]\n"
+    return "usage: kelpix-record [--out] FILM [option ...] [-- FFMPEG-OPTION ...]\n"
+           "       kelpix-record [--png] PICTURE [option ...]\n"
            "       kelpix-record --live y4m|raw [option ...] | COMMAND\n"
-           "       kelpix-record --png PICTURE [option ...]\n"
            "       kelpix-record --sheet PICTURE [option ...]\n"
            "       kelpix-record --hash [option ...]\n"
            "       kelpix-record --flashes [option ...]\n"

@@ -59,6 +59,7 @@ public:
     std::string makeFilm(const Schedule& schedule);
     Outcome countFlashes(const Schedule& schedule);
     std::string stream(Schedule schedule, int output);
+    void sayWhenTheDanceIsOver() const;
 
 private:
     const Options& options;
@@ -98,6 +99,15 @@ void Recorder::playUntil(std::int64_t last, bool seen)
     for (std::int64_t step = 0; step <= last; ++step) {
         playStep(seen && step == last);
         progress.show(step + 1, elapsed());
+    }
+}
+
+/// Of a film or a picture of the time after the voice, which not everybody means who asks for it.
+void Recorder::sayWhenTheDanceIsOver() const
+{
+    if (stage && voiceSamples > 0 && options.at >= voiceSamples * SECOND / voice.rate) {
+        std::fprintf(stderr, "kelpix-record: the dance is over by then: the voice lasts %.4g s\n",
+                     static_cast<double>(voiceSamples) / voice.rate);
     }
 }
 
@@ -378,6 +388,7 @@ Outcome runRecorder(const Options& given, const Script& script)
     if (!options.sheet.empty()) {
         return {recorder.makeSheet(), true};
     }
+    recorder.sayWhenTheDanceIsOver();
     return {options.out.empty() ? recorder.makePicture() : recorder.makeFilm(schedule), true};
 }
 

@@ -52,6 +52,14 @@ TEST(RecordOptionsTest, AHashNeedsNoFile)
     EXPECT_FALSE(parseOptions({"--png", "a.png"}).hash);
 }
 
+TEST(RecordOptionsTest, AWordAloneIsTheFilmOrThePicture)
+{
+    const Options film = parseOptions({"--at", "10", "x/film.mp4", "--", "-crf", "1"});
+    EXPECT_EQ(film.out, "x/film.mp4");
+    EXPECT_THAT(film.encoderOptions, testing::ElementsAre("-crf", "1"));
+    EXPECT_EQ(parseOptions({"picture.png", "--at", "10"}).png, "picture.png");
+}
+
 TEST(RecordOptionsTest, FlashesAreThoseOfAFilmWithoutAFile)
 {
     const Options options = parseOptions({"--flashes", "--seconds", "5"});
@@ -116,6 +124,11 @@ INSTANTIATE_TEST_SUITE_P(
         BadLine{{"--flashes", "--", "-crf", "1"}, "options after -- are for films"},
         BadLine{{"--out", "a.mp4", "--png", "b.png"}, "--out and --png do not go together"},
         BadLine{{"--png", "b.png", "--", "-crf", "1"}, "options after -- are for films"},
+        BadLine{{"a.mp4", "b.png"}, "\"b.png\" is one word too many"},
+        BadLine{{"a.mp4", "--hash"}, "--hash and --out do not go together"},
+        BadLine{{"film"},
+                "--out takes a name whose extension tells the kind of film, such as film.mp4, "
+                "not \"film\""},
         BadLine{{"--out", "film"},
                 "--out takes a name whose extension tells the kind of film, such as film.mp4, "
                 "not \"film\""},

@@ -275,7 +275,7 @@ TEST_F(RecordProgramTest, AScriptThatMakesNoSenseIsRefusedBeforeAnythingIsDone)
 TEST_F(RecordProgramTest, ExplainsItself)
 {
     EXPECT_EQ(runCommand({KELPIX_RECORD, "-h"}), 0);
-    EXPECT_THAT(out, testing::StartsWith("usage: kelpix-record --out FILM"));
+    EXPECT_THAT(out, testing::StartsWith("usage: kelpix-record [--out] FILM"));
     EXPECT_EQ(runCommand({KELPIX_RECORD, "--version"}), 0);
     EXPECT_THAT(out, MatchesRegex("kelpix-record [0-9]+\\.[0-9]+\\.[0-9]+\n"));
     EXPECT_EQ(err, "");
@@ -353,7 +353,11 @@ TEST_F(RecordProgramTest, ASheetShowsTheScenesPicturesOfFiveMoments)
     for (const auto& [at, left] : moments) {
         ASSERT_EQ(run("--force --png picture.png --size 64x48 --at " + at), 0) << err;
         EXPECT_TRUE(pixelsOf("sheet.png", left) == pixelsOf("picture.png", "0")) << at;
+        EXPECT_THAT(err, Not(HasSubstr("the dance is over")));
     }
+    ASSERT_EQ(run("late.png --size 64x48 --at 2"), 0) << err;
+    EXPECT_THAT(err, HasSubstr("kelpix-record: the dance is over by then: the voice lasts 2 s\n"));
+    EXPECT_EQ(out, "late.png: 64 x 48\n");
 }
 
 TEST_F(RecordProgramTest, ReplacesAFileOnlyWhenItIsForced)
