@@ -31,17 +31,17 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("address", nargs="?", default="127.0.0.1")
     parser.add_argument("port", nargs="?", type=int, default=9000)
-    to = parser.parse_args()
-    scene = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
-    scene.connect((to.address, to.port))
+    options = parser.parse_args()
+    scene = options.address, options.port
+    sender = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
     try:
         while True:
             for figure in (1, 2, 3):
-                scene.send(message(f"/figure/{figure}", *place(figure, time.monotonic())))
+                sender.sendto(message(f"/figure/{figure}", *place(figure, time.monotonic())), scene)
             time.sleep(1 / RATE)
     except KeyboardInterrupt:
         for figure in (1, 2, 3):
-            scene.send(message(f"/figure/{figure}/release"))
+            sender.sendto(message(f"/figure/{figure}/release"), scene)
 
 
 main()

@@ -23,6 +23,8 @@ tests="
     src-cluster/TileConfigTest
     src-cluster/TileDescriptionTest
     kelpix/MoCapTest
+    tools/osc/OscPacketTest
+    tools/osc/OscRequestTest
     src-core/ObjAPI/ObjTextTest
     src-core/ObjAPI/ObjReaderTest
     src-core/ObjAPI/ObjLibraryTest
