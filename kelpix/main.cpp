@@ -15,6 +15,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <exception>
+#include <future>
 #include <stdexcept>
 
 namespace {
@@ -33,15 +34,6 @@ void closeSound()
     }
 }
 
-OggSound* loadSound(const char* path)
-{
-    auto* sound = new OggSound;
-    std::puts("loading ogg file...");
-    sound->load(path);
-    std::puts("done.");
-    return sound;
-}
-
 /// What desktops and window managers are told of the window before it is shown: a name until the
 /// first frame gives it a title, its class, by which they find the desktop entry, its icon, and
 /// that it may have any size from the smallest on.
@@ -54,10 +46,28 @@ void introduceToDesktop(Window& window)
     window.size_range(SMALLEST, SMALLEST);
 }
 
+/// Decodes a track on another thread from now on; where none can be started, when it is asked for.
+std::future<OggTrack> decodeAhead(const char* path)
+{
+    return std::async([path] { return OggTrack::decode(path); });
+}
+
+OggSound* loadSound(std::future<OggTrack>& track)
+{
+    auto* sound = new OggSound;
+    std::puts("loading ogg file...");
+    sound->load(track.get());
+    std::puts("done.");
+    return sound;
+}
+
 /// Builds the scene, shows it, and returns when its window has been closed.
 int runScene(int argc, char** argv)
 {
     std::srand(static_cast<unsigned>(std::time(nullptr)));
+    // Static: however the process ends, their destructors wait until the decoders have ended.
+    static std::future<OggTrack> voiceTrack = decodeAhead("sound/magpie_vocal.ogg");
+    static std::future<OggTrack> bubblesTrack = decodeAhead("sound/bubbles_sound.ogg");
     OggSound::initAL(&argc, argv);
     std::atexit(closeSound);
     if (alcGetCurrentContext() == nullptr) {
@@ -67,8 +77,8 @@ int runScene(int argc, char** argv)
 
     UnderwaterScene scene; // so far its graph, root and pivot
 
-    OggSound* voice = loadSound("sound/magpie_vocal.ogg");
-    OggSound* bubbles = loadSound("sound/bubbles_sound.ogg");
+    OggSound* voice = loadSound(voiceTrack);
+    OggSound* bubbles = loadSound(bubblesTrack);
     voice->setVolume(1.5f);
     bubbles->setVolume(0.2f);
 

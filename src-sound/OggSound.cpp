@@ -1,12 +1,10 @@
 #include "OggSound.h"
 
-#include "OggFile.h"
-
 #include <AL/alut.h>
 #include <cstdlib>
 #include <iostream>
-#include <new>
 #include <string_view>
+#include <utility>
 
 namespace {
 
@@ -16,28 +14,19 @@ namespace {
     std::exit(-1);
 }
 
-/// Decodes a file and sets what it says of itself.
-/// \return whole, or what is wrong with the file
-OggFile::State decode(const char* path, std::vector<char>& out, int& format, unsigned& freq,
-                      ogg_int64_t& numSamples)
+/// Ends the process with a message of what is wrong with a track, unless it is whole.
+void requireWhole(const OggTrack& track)
 {
-    OggFile file(path);
-    if (file.state() != OggFile::State::open) {
-        return file.state();
+    switch (track.state) {
+    case OggFile::State::noFile:
+        fail("Cannot open ", track.path, " for reading...");
+    case OggFile::State::noVorbis:
+        fail("Error opening ", track.path, " for decoding...");
+    case OggFile::State::whole:
+        break;
+    default:
+        fail("Error decoding ", track.path, "...");
     }
-    numSamples = file.samples();
-    format = file.channels() == 1 ? AL_FORMAT_MONO16 : AL_FORMAT_STEREO16;
-    freq = static_cast<unsigned>(file.rate());
-    try {
-        out.reserve(out.size() + file.expectedBytes());
-        for (auto block = file.read(); !block.empty(); block = file.read()) {
-            out.insert(out.end(), block.begin(), block.end());
-        }
-    } catch (const std::bad_alloc&) {
-        // A track that does not fit into memory counts as damaged.
-        return OggFile::State::damaged;
-    }
-    return file.state();
 }
 
 /// \p bytes, rounded down to whole frames; at most OggFile::MAX_BYTES.
@@ -68,6 +57,18 @@ void OggSound::exitAL()
 
 void OggSound::load(const char* path)
 {
+    makeSource();
+    fill(OggTrack::decode(path));
+}
+
+void OggSound::load(OggTrack track)
+{
+    makeSource();
+    fill(std::move(track));
+}
+
+void OggSound::makeSource()
+{
     if (sourceID != 0) {
         // Here the source is deleted first, so that OpenAL can delete the buffer that it holds.
         alDeleteSources(1, &sourceID);
@@ -80,9 +81,12 @@ void OggSound::load(const char* path)
     alGenSources(1, &sourceID);
     alListener3f(AL_POSITION, 0, 0, 0);
     alSource3f(sourceID, AL_POSITION, 0, 0, 0);
+}
 
+void OggSound::fill(OggTrack track)
+{
     unsigned rate = 0;
-    loadOGG(path, bufferData, format, rate);
+    take(std::move(track), bufferData, format, rate);
     freq = static_cast<ALsizei>(rate);
 
     alBufferData(bufferID, format, bufferData.data(), wholeFrames(bufferData.size(), format), freq);
@@ -91,17 +95,16 @@ void OggSound::load(const char* path)
 
 void OggSound::loadOGG(const char* path, std::vector<char>& out, int& format, unsigned& freq)
 {
-    path = path == nullptr ? "" : path;
-    switch (decode(path, out, format, freq, numSamples)) {
-    case OggFile::State::noFile:
-        fail("Cannot open ", path, " for reading...");
-    case OggFile::State::noVorbis:
-        fail("Error opening ", path, " for decoding...");
-    case OggFile::State::whole:
-        break;
-    default:
-        fail("Error decoding ", path, "...");
-    }
+    take(OggTrack::decode(path, std::move(out)), out, format, freq);
+}
+
+void OggSound::take(OggTrack track, std::vector<char>& out, int& format, unsigned& freq)
+{
+    requireWhole(track);
+    numSamples = track.samples;
+    format = track.channels == 1 ? AL_FORMAT_MONO16 : AL_FORMAT_STEREO16;
+    freq = static_cast<unsigned>(track.rate);
+    out = std::move(track.data);
 }
 
 void OggSound::play()

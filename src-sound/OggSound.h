@@ -1,5 +1,7 @@
 #pragma once
 
+#include "OggTrack.h"
+
 #include <AL/al.h>
 #include <ogg/ogg.h>
 #include <vector>
@@ -48,6 +50,10 @@ public:
     /// be decoded ends the process as in loadOGG.
     void load(const char* path);
 
+    /// The same with a track that has been decoded before. One that is not whole ends the process
+    /// here, as in loadOGG.
+    void load(OggTrack track);
+
     /// Decodes the file at \p path. Needs no OpenAL. Sets numSamples.
     ///
     /// Writes one line to standard error and ends the process with status -1 when the file cannot
@@ -89,4 +95,12 @@ public:
     /// delete a buffer that a source holds, so that the buffer of a loaded sound stays until
     /// exitAL. Pinned by OggSoundCallsTest.CleanUpDeletesTheBufferThenTheSource; do not correct.
     void cleanUp();
+
+private:
+    /// What load does before it needs the track.
+    void makeSource();
+    /// The rest of load.
+    void fill(OggTrack track);
+    /// Sets what loadOGG sets.
+    void take(OggTrack track, std::vector<char>& out, int& format, unsigned& freq);
 };

@@ -5,6 +5,7 @@
 #include "TempDirectory.h"
 
 #include <algorithm>
+#include <future>
 #include <gmock/gmock.h>
 #include <limits>
 #include <sys/resource.h>
@@ -177,6 +178,24 @@ TEST_F(OggDecodingTest, TheTrackIsAppendedToWhatIsThere)
     EXPECT_EQ(std::string(out.data(), 2), "ab");
     EXPECT_TRUE(sound.bufferData.empty());
     EXPECT_EQ(sound.format, 0) << "the outputs are the caller's";
+}
+
+TEST_F(OggDecodingTest, TracksCanBeDecodedAtOnce)
+{
+    const std::string files[] = {vorbis({.channels = 2, .samples = 200000, .pitch = 300}),
+                                 vorbis({.channels = 1, .samples = 100000, .pitch = 1000})};
+    TempDirectory::write("long.ogg", files[0]);
+    TempDirectory::write("short.ogg", files[1]);
+    const auto decodeOn = [](const char* path) {
+        return std::async(std::launch::async, [path] { return OggTrack::decode(path); });
+    };
+    std::future<OggTrack> tracks[] = {decodeOn("long.ogg"), decodeOn("short.ogg")};
+    for (int i = 0; i < 2; ++i) {
+        const OggTrack track = tracks[i].get();
+        EXPECT_EQ(track.state, OggFile::State::whole);
+        EXPECT_EQ(track.channels, 2 - i);
+        expectEqual(samplesOf(track.data), OggFiles::decode(files[i]));
+    }
 }
 
 TEST_F(OggDecodingTest, ATrackWithoutSamplesIsEmpty)

@@ -7,6 +7,7 @@
 #include "TempDirectory.h"
 
 #include <AL/alut.h>
+#include <cstdlib>
 #include <gmock/gmock.h>
 #include <sstream>
 
@@ -178,6 +179,43 @@ TEST_F(OggSoundCallsTest, LoadMakesPlacesFillsAndBinds)
                             "alListener3f AL_POSITION 0 0 0", "alSource3f 42 AL_POSITION 0 0 0",
                             bufferDataCall(41, "AL_FORMAT_MONO16", sound, 2000, 22050),
                             "alSourcei 42 AL_BUFFER 41"));
+}
+
+TEST_F(OggSoundCallsTest, ATrackThatIsDecodedAlreadyIsLoadedByTheSameCalls)
+{
+    TempDirectory::write("tone.ogg",
+                         OggFiles::vorbis({.channels = 2, .rate = 22050, .samples = 1000}));
+    OggTrack track = OggTrack::decode("tone.ogg");
+    EXPECT_THAT(takeCalls(), IsEmpty());
+    OggSound sound;
+    sound.load(std::move(track));
+    EXPECT_EQ(sound.bufferData, OggTrack::decode("tone.ogg").data);
+    EXPECT_EQ(sound.numSamples, 1000);
+    EXPECT_THAT(takeCalls(),
+                ElementsAre("alGenBuffers 1 41", "alGenSources 1 42",
+                            "alListener3f AL_POSITION 0 0 0", "alSource3f 42 AL_POSITION 0 0 0",
+                            bufferDataCall(41, "AL_FORMAT_STEREO16", sound, 4000, 22050),
+                            "alSourcei 42 AL_BUFFER 41"));
+}
+
+TEST_F(OggSoundCallsTest, ATrackThatFailedEndsTheProcessWhenItIsLoadedAfterTheSourceIsMade)
+{
+    TempDirectory::write("text.ogg", "no track");
+    const auto loadAndTell = [] {
+        std::atexit([] {
+            for (const std::string& call : calls) {
+                std::fprintf(stderr, "%s\n", call.c_str());
+            }
+        });
+        OggTrack track = OggTrack::decode("text.ogg");
+        std::fputs("decoded\n", stderr);
+        OggSound sound;
+        sound.load(std::move(track));
+    };
+    EXPECT_EXIT(loadAndTell(), testing::ExitedWithCode(255),
+                "^decoded\nError opening text\\.ogg for decoding\\.\\.\\.\n"
+                "alGenBuffers 1 41\nalGenSources 1 42\nalListener3f AL_POSITION 0 0 0\n"
+                "alSource3f 42 AL_POSITION 0 0 0\n$");
 }
 
 TEST_F(OggSoundCallsTest, PlayingAndVolumeAreOneCallEach)
