@@ -10,6 +10,7 @@
 #include <FL/Fl.H>
 #include <FL/Fl_Gl_Window.H>
 #include <cstring>
+#include <future>
 
 namespace {
 
@@ -49,9 +50,11 @@ int main(int argc, char** argv)
 {
     bench::ReadyBody body;
     if (argc > 1) {
+        const auto voice = std::async([] { return bench::decodeOgg("sound/magpie_vocal.ogg"); });
+        const auto bubbles = std::async([] { return bench::decodeOgg("sound/bubbles_sound.ogg"); });
         body = readBody(argv[1]);
-        bench::decodeOgg("sound/magpie_vocal.ogg");
-        bench::decodeOgg("sound/bubbles_sound.ogg");
+        voice.wait();
+        bubbles.wait();
         bench::decodeNumbers("data/dance.txt");
         bench::decodeNumbers("data/rehearsal.txt");
         bench::decodeJpeg("data/underwater.jpg");
