@@ -22,6 +22,7 @@ echo "arguments $#"
 echo "folder $(pwd -P)"
 echo "conf ${ALSOFT_CONF-unset}"
 echo "drivers ${ALSOFT_DRIVERS-unset}"
+echo "tunables ${GLIBC_TUNABLES-unset}"
 exit 42
 """
 
@@ -75,7 +76,8 @@ mv "$HOME/new" "$HOME/setups"
         return subprocess.run([command or self.launcher, *arguments], cwd=folder or self.root,
                               env=environment, capture_output=True, text=True)
 
-    def assert_plays(self, result, folder, conf=None, drivers="unset"):
+    def assert_plays(self, result, folder, conf=None, drivers="unset",
+                     tunables="glibc.malloc.tcache_count=1000"):
         self.assertEqual(result.returncode, 42, result.stderr)
         lines = dict(line.split(" ", 1) for line in result.stdout.splitlines())
         self.assertEqual(lines["arguments"], "0")
@@ -87,6 +89,7 @@ mv "$HOME/new" "$HOME/setups"
         else:
             self.assertEqual(os.path.realpath(lines["conf"]), os.path.realpath(conf))
         self.assertEqual(lines["drivers"], drivers)
+        self.assertEqual(lines["tunables"], tunables)
 
     def assert_refuses(self, result, status, *words):
         self.assertEqual(result.returncode, status)
@@ -205,6 +208,11 @@ mv "$HOME/new" "$HOME/setups"
         # kelpix-show starts it again and again.
         self.assertEqual(self.start(KELPIX_SHOWING="1").stderr, result.stderr)
         self.assertEqual(self.start(KELPIX_SHOWING="2").stderr, "")
+
+    def test_leaves_the_users_settings_of_malloc_the_last_word(self):
+        mine = "glibc.malloc.tcache_count=7:glibc.malloc.perturb=1"
+        self.assert_plays(self.start(GLIBC_TUNABLES=mine), self.installed,
+                          tunables="glibc.malloc.tcache_count=1000:" + mine)
 
     # The sound.
 
