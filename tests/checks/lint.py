@@ -10,7 +10,9 @@ out until they, a header of the project or the rules change: BUILD_FOLDER/lint h
 """
 import collections
 import concurrent.futures
+import functools
 import hashlib
+import itertools
 import json
 import pathlib
 import re
@@ -27,21 +29,62 @@ UNREADABLE = re.compile(r"^ *- key: (.*\n *value: *'-1'|.*HungarianPrefix\n *val
                         re.MULTILINE)
 
 
-def compiled_alike(build, wanted):
-    """The sources as lists by their folder and the flags that they are compiled with, each source
-    once, even where several targets share it."""
+def flags_of(command):
+    """The flags that matter to what a source means, those of two words as one."""
+    arguments = shlex.split(command)
+    words = iter(arguments[1 : arguments.index("-o")])
+    flags = []
+    for word in words:
+        if word == "-isystem":
+            flags.append((word, next(words)))
+        # Which of the compiler's warnings count is for .clang-tidy to say.
+        elif word.startswith(("-I", "-D", "-std=", "-f", "-W")) and word != "-Werror":
+            flags.append((word,))
+    return flags
+
+
+def macros(flags):
+    return {word.partition("=")[0]: word for (word, *_) in flags if word.startswith("-D")}
+
+
+# A definition at the beginning of a line: its name stands before the first of these.
+DEFINITION = re.compile(r"^(?!namespace|extern)\w(?:[^\n(={;]*[ *&])?([\w:~]+)(?:\[\w*\])? ?[(={;]", re.MULTILINE)
+
+
+class Batch:
+    """Sources of one folder whose flags, and names of their own, do not contradict each other."""
+
+    def __init__(self):
+        self.sources = []
+        self.macros = {}
+        self.names = set()
+
+    def take(self, source, flags):
+        """Takes a source, unless it does not go with the others."""
+        defined = macros(flags)
+        names = set(DEFINITION.findall(source.read_text()))
+        if (len(self.sources) == SOURCES_AT_ONCE or names & self.names
+                or any(self.macros.get(name, macro) != macro for name, macro in defined.items())):
+            return False
+        self.sources.append((source, flags))
+        self.macros |= defined
+        self.names |= names
+        return True
+
+
+def batches(build, wanted):
+    """The sources, each once, with its flags, as lists of what goes together."""
     commands = json.loads((build / "compile_commands.json").read_text())
-    once = {command["file"]: command["command"] for command in commands}
-    alike = collections.defaultdict(list)
-    for file, command in once.items():
-        if re.search(wanted, file):
-            arguments = shlex.split(command)
-            first = next(i for i, argument in enumerate(arguments) if argument.startswith("-"))
-            # Which of the compiler's warnings count is for .clang-tidy to say.
-            flags = tuple(flag for flag in arguments[first : arguments.index("-o")]
-                          if flag != "-Werror")
-            alike[pathlib.Path(file).parent, flags].append(pathlib.Path(file))
-    return alike
+    once = {pathlib.Path(command["file"]): command["command"] for command in commands
+            if re.search(wanted, command["file"])}
+    folders = collections.defaultdict(list)
+    for source, command in once.items():
+        flags = flags_of(command)
+        batches = folders[source.parent]
+        if not any(batch.take(source, flags) for batch in batches):
+            batches.append(Batch())
+            batches[-1].take(source, flags)
+    return [batch.sources for batches in folders.values() for batch in batches]
 
 
 def joined(sources):
@@ -51,17 +94,26 @@ def joined(sources):
                    for number, source in enumerate(sources))
 
 
-def joined_complaints(command, folder, flags, sources):
+@functools.cache
+def rules_of(command, folder):
+    rules = subprocess.run([*command, "--dump-config", folder / "any.cpp", "--"], check=True,
+                           stdout=subprocess.PIPE, text=True).stdout
+    return UNREADABLE.sub("", rules)
+
+
+def joined_complaints(command, sources):
+    """What clang-tidy complains about in sources, each with its flags."""
+    files = [source for source, _ in sources]
+    # In the order in which they come, each once.
+    flags = list(dict.fromkeys(flag for _, given in sources for flag in given))
     with tempfile.TemporaryDirectory() as place:
-        file = sources[0]
-        if len(sources) > 1:
-            rules = subprocess.run([*command, "--dump-config", file, "--"], check=True,
-                                   stdout=subprocess.PIPE, text=True).stdout
-            (pathlib.Path(place) / ".clang-tidy").write_text(UNREADABLE.sub("", rules))
+        file = files[0]
+        if len(files) > 1:
+            (pathlib.Path(place) / ".clang-tidy").write_text(rules_of(tuple(command), file.parent))
             file = pathlib.Path(place) / "joined.cpp"
-            file.write_text(joined(sources))
+            file.write_text(joined(files))
         result = subprocess.run(
-            [*command, "--quiet", file, "--", *flags, "-iquote", folder],
+            [*command, "--quiet", file, "--", *itertools.chain(*flags), "-iquote", files[0].parent],
             stdout=subprocess.PIPE,
             stderr=subprocess.STDOUT,
             text=True,
@@ -70,7 +122,7 @@ def joined_complaints(command, folder, flags, sources):
     found = {line for line in lines if " error: " in line or line.startswith("error: ")}
     if len(sources) > 1 and (found or result.returncode != 0):
         halves = (sources[::2], sources[1::2])
-        return set().union(*(joined_complaints(command, folder, flags, half) for half in halves))
+        return set().union(*(joined_complaints(command, half) for half in halves))
     if result.returncode != 0 and not found:
         found.add(result.stdout)
     return found
@@ -90,10 +142,10 @@ class Stamps:
                      *sorted(ROOT.glob("[!b]*/**/*.h"))]:
             self.common.update(path.read_bytes())
 
-    def of(self, folder, flags, sources):
+    def of(self, sources):
         name = self.common.copy()
-        name.update(repr((str(folder), flags, [str(source) for source in sources])).encode())
-        for source in sources:
+        for source, flags in sources:
+            name.update(repr((str(source), flags)).encode())
             name.update(source.read_bytes())
         stamp = self.folder / name.hexdigest()
         self.used.add(stamp)
@@ -104,11 +156,11 @@ class Stamps:
             stamp.unlink()
 
 
-def complaints(stamps, command, folder, flags, sources):
-    stamp = stamps.of(folder, flags, sources)
+def complaints(stamps, command, sources):
+    stamp = stamps.of(sources)
     if stamp.exists():
         return set()
-    found = joined_complaints(command, folder, flags, sources)
+    found = joined_complaints(command, sources)
     if not found:
         stamp.touch()
     return found
@@ -120,15 +172,10 @@ def main(clang_tidy, build, jobs, wanted, checks=""):
     stamps = Stamps(build, command, checks)
     found = set()
     with concurrent.futures.ThreadPoolExecutor(int(jobs)) as workers:
-        running = []
-        for (folder, flags), sources in compiled_alike(build, wanted).items():
-            count = -(-len(sources) // SOURCES_AT_ONCE)
-            running += [
-                workers.submit(complaints, stamps, command, folder, flags, sources[first::count])
-                for first in range(count)
-            ]
-        for batch in running:
-            found |= batch.result()
+        running = [workers.submit(complaints, stamps, command, sources)
+                   for sources in batches(build, wanted)]
+        for one in running:
+            found |= one.result()
     stamps.forget_others()
     print("\n".join(sorted(found)))
     return 1 if found else 0
