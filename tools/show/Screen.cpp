@@ -278,11 +278,12 @@ void Screen::readTitle(Window window, const Listener& listener)
     Scene* const scene =
         find(window) != nullptr || desktop.isMapped(window) ? recognize(window, listener) : nullptr;
     const std::optional<double> rate = scene != nullptr ? desktop.rate(window) : std::nullopt;
-    if (!rate) {
+    if (scene == nullptr || (!rate && !scene->rate)) {
         return;
     }
+    // One that has told its rate may go on to another title in the same frame.
     scene->tellsRate = true;
-    scene->rate = rate;
+    scene->rate = rate ? rate : scene->rate;
     const int before = framesOf(scene->showing);
     ++scene->frames;
     if (framesOf(scene->showing) > before) {

@@ -10,7 +10,7 @@ namespace status {
 /// A file that holds the latest of a program's lines, and never a part of one: whoever opens it
 /// reads how things are now. It does not grow.
 ///
-/// A link or a terminal, such as /dev/stdout, gets each line after the other instead, and keeps
+/// A link or a terminal, such as /dev/stderr, gets each line after the other instead, and keeps
 /// them all.
 class LatestLine {
 public:
