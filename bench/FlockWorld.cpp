@@ -153,7 +153,7 @@ Snapshot::Snapshot(Environment& environment)
             auto& boid = *static_cast<::Boid*>(node);
             fish.push_back({&boid, matrixOf(&boid), matrixOf(boid.boider), boid.pos, boid.vel,
                             boid.orientation, boid.flockCenter, boid.myBucket, boid.outOfBound,
-                            boid.alive});
+                            boid.alive, boid.slot});
             continue;
         }
         auto& sensor = *static_cast<::Sensor*>(node);
@@ -192,6 +192,7 @@ void Snapshot::restore() const
         boid.myBucket = one.bucket;
         boid.outOfBound = one.outOfBound;
         boid.alive = one.alive;
+        boid.slot = one.slot;
     }
     for (const Figure& one : figures) {
         ::Sensor& sensor = *one.sensor;

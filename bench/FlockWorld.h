@@ -42,6 +42,7 @@ private:
         Vec3 pos, vel, orientation, flockCenter;
         Bucket* bucket;
         bool outOfBound, alive;
+        std::size_t slot;
     };
     struct Figure {
         ::Sensor* sensor;

@@ -5,7 +5,9 @@
 #include "Environment.h"
 #include "Frustum.h"
 #include "Neighborhood.h"
+#include "Prefetch.h"
 #include "Sensor.h"
+#include "UpdateRun.h"
 
 #include <GL/glew.h>
 #include <array>
@@ -187,6 +189,8 @@ void Boid::doupdate()
     if (environment == nullptr) {
         return;
     }
+    prefetch(boider, sizeof(Boider));
+    const std::uint64_t run = UpdateRun::of(*this);
     BucketIndex* grid = environment->getBucketIndex();
     pos.set(transformmat[12], transformmat[13], transformmat[14]);
     const float x = pos.x * 10;
@@ -201,10 +205,11 @@ void Boid::doupdate()
     // cell, the cell before it, and the cell after it if the boid is in the upper half of its own.
     cellsAround.clear();
     grid->query(&cellsAround, x - 1.0f, y - 1.0f, x + 1.5f, y + 1.5f);
-    const Neighborhood neighbors = Neighborhood::inCells(cellsAround, *this);
-    // All neighbors are flockmates, so one search finds both the sums and the closest boid
-    // to avoid.
+    const Neighborhood neighbors = Neighborhood::inCells(cellsAround, *this, AVOIDANCE_RADIUS, run);
+    // All neighbors are flockmates, so one search finds both the sums and the closest boid to
+    // avoid. Others need not be avoided.
     steer(neighbors, neighbors.closest);
+    myBucket->repack(*this);
 }
 
 void Boid::enterGrid(Bucket* bucket)

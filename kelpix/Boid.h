@@ -45,6 +45,7 @@ public:
     bool outOfBound = false;      ///< it has left the grid
     Texture* bubbleTex = nullptr; ///< borrows; the texture of the sprite, of a fish too
     int counter = 0;              ///< phase of the bubble's outline, advanced by draw
+    std::size_t slot = 0;         ///< where the list of its cell holds it; set by Bucket::add
 
     /// A boid without a sprite that does not move.
     Boid() = default;
@@ -122,8 +123,9 @@ public:
 private:
     void enterGrid(Bucket* bucket);
     /// One step of steering and moving.
-    /// \param closest  the closest of all boids, null for none. Found before the velocity changes:
-    ///                 no position changes during the steering, so it stays the closest.
+    /// \param closest  the closest of all boids, null for none, and may be null when it is too far
+    ///                 away to be avoided. Found before the velocity changes: no position changes
+    ///                 during the steering, so it stays the closest.
     void steer(const Neighborhood& flockmates, Boid* closest);
     void flock(const Neighborhood& flockmates);
     void avoidWalls();

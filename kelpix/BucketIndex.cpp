@@ -16,10 +16,11 @@ int idOf(Node* node)
 /// clamped, so that the result fits into an int.
 int truncate(float value)
 {
-    if (std::isnan(value)) {
-        return 0;
+    constexpr float LIMIT = 1e6f;
+    if (value > -LIMIT) {
+        return static_cast<int>(std::min(value, LIMIT));
     }
-    return static_cast<int>(std::clamp(value, -1e6f, 1e6f));
+    return std::isnan(value) ? 0 : static_cast<int>(-LIMIT);
 }
 
 } // namespace
@@ -27,9 +28,10 @@ int truncate(float value)
 void Bucket::add(Node* node)
 {
     if (nullboids.size() > 0) {
-        boidList[static_cast<std::size_t>(nullboids.pop())] = node;
+        put(static_cast<std::size_t>(nullboids.pop()), node);
     } else {
-        boidList.push_back(node);
+        boidList.push_back(nullptr);
+        put(boidList.size() - 1, node);
     }
 }
 
@@ -39,7 +41,7 @@ void Bucket::remove(Node* node)
     for (std::size_t i = 0; i < boidList.size(); ++i) {
         if (boidList[i] != nullptr && idOf(boidList[i]) == id) {
             nullboids.push(static_cast<int>(i));
-            boidList[i] = nullptr;
+            put(i, nullptr);
         }
     }
 }
@@ -49,8 +51,34 @@ void Bucket::forget(const Node* node)
     for (std::size_t i = 0; i < boidList.size(); ++i) {
         if (boidList[i] == node) {
             nullboids.push(static_cast<int>(i));
-            boidList[i] = nullptr;
+            put(i, nullptr);
         }
+    }
+}
+
+void Bucket::put(std::size_t slot, Node* node)
+{
+    auto* boid = static_cast<Boid*>(node);
+    boidList[slot] = boid;
+    if (boid != nullptr) {
+        boid->slot = slot;
+    }
+    packed.put(slot, boid);
+    if (4 * packed.all().size() < boidList.size()) {
+        packedRun = 0;
+    }
+}
+
+void Bucket::pack(std::uint64_t run)
+{
+    packedRun = 0; // should memory run out
+    packedRun = packed.fill(boidList, this) ? run : 0;
+}
+
+void Bucket::repack(const Boid& boid)
+{
+    if (boid.slot < boidList.size() && boidList[boid.slot] == &boid) {
+        packed.put(boid.slot, &boid);
     }
 }
 
@@ -105,11 +133,13 @@ void BucketIndex::query(std::vector<Bucket*>* blist, float x0, float y0, float x
     const int r0 = std::max(truncate(y0), 0);
     const int c1 = std::min(truncate(x1), static_cast<int>(extents[2]));
     const int r1 = std::min(truncate(y1), static_cast<int>(extents[3]));
+    const int rows = static_cast<int>(extents[3]);
+    const int cells = static_cast<int>(extents[2]) * rows;
     for (int i = c0; i < c1; ++i) {
-        for (int j = r0; j < r1; ++j) {
-            if (Bucket* bucket = cell(i, j)) {
-                blist->push_back(bucket);
-            }
+        int number = rows * r0 + i;
+        for (int j = r0; j < r1 && number < cells; ++j) {
+            blist->push_back(index[number]);
+            number += rows;
         }
     }
 }

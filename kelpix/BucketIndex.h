@@ -1,9 +1,11 @@
 #pragma once
 
 #include "NodeStack.h"
+#include "PackedBoids.h"
 
 #include <vector>
 
+class Boid;
 class Environment;
 class Node;
 
@@ -37,6 +39,26 @@ public:
     /// Vacates the slots that hold \p node itself, whatever its id. For a boid that is about to
     /// be deleted.
     void forget(const Node* node);
+
+    /// \param run  see UpdateRun
+    /// \return packed copies of the boids, made in this run and up to date
+    const PackedBoids& packedIn(std::uint64_t run)
+    {
+        if (packedRun != run) {
+            pack(run);
+        }
+        return packed;
+    }
+
+    /// Copies a boid of this cell again, if it is in the list. For a boid that has moved.
+    void repack(const Boid& boid);
+
+private:
+    void put(std::size_t slot, Node* node);
+    void pack(std::uint64_t run);
+
+    PackedBoids packed;
+    std::uint64_t packedRun = 0; ///< the run in which packed was made; 0 when it may be outdated
 };
 
 /// A uniform grid of cells for finding neighbors. Grid coordinates count cells: in the environment

@@ -3,6 +3,7 @@
 #include "Vector.h"
 
 #include <cmath>
+#include <cstdint>
 #include <limits>
 #include <vector>
 
@@ -33,6 +34,9 @@ public:
     /// \return the smallest distance; 100000 for none
     float distance() const { return least; }
 
+    /// \return a square from which on nothing is nearer
+    double square() const { return leastSquare; }
+
 private:
     double leastSquare = std::numeric_limits<double>::infinity();
     float least = 100000.0f;
@@ -51,7 +55,11 @@ struct Neighborhood {
     /// Finds the boids in \p cells that are within the search radius of \p boid and have another
     /// id: cell by cell, in the order of their slots. Empty slots are skipped. A boid whose
     /// distance is NaN is not within any radius.
-    static Neighborhood inCells(const std::vector<Bucket*>& cells, const Boid& boid);
+    /// \param closeBy  how close the closest has to be, world units; when none of them is within
+    ///                 this distance, closest is one of them or null
+    /// \param run      the run of updates, see UpdateRun
+    static Neighborhood inCells(const std::vector<Bucket*>& cells, const Boid& boid, float closeBy,
+                                std::uint64_t run);
 };
 
 /// \return the largest double whose root, rounded to single precision, is at most \p radius; -1

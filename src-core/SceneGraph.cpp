@@ -1,6 +1,7 @@
 #include "SceneGraph.h"
 
 #include "Node.h"
+#include "Prefetch.h"
 #include "UserEvent.h"
 
 #include <GL/glew.h>
@@ -22,6 +23,9 @@ void drawAlone(Node* node)
     node->cull();
     glPopMatrix();
 }
+
+/// Bytes of a derived node that are worth a prefetch.
+constexpr std::size_t DERIVED = 128;
 
 bool isDead(Node* node)
 {
@@ -94,9 +98,23 @@ void SceneGraph::updateScene(Node* node)
     if (node == nullptr) {
         return;
     }
+    ++currentStep.number;
+    updateTree(node);
+}
+
+void SceneGraph::updateTree(Node* node)
+{
+    currentStep.node = node;
+    ++currentStep.number;
     node->update();
-    for (Node* child : *node->getChildList()) {
-        updateScene(child);
+    std::list<Node*>& children = *node->getChildList();
+    for (auto child = children.begin(); child != children.end(); ++child) {
+        if (const auto next = std::next(child); next != children.end()) {
+            prefetch(*next, sizeof(Node) + DERIVED);
+        }
+        if (*child != nullptr) {
+            updateTree(*child);
+        }
     }
 }
 

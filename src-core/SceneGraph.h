@@ -1,9 +1,16 @@
 #pragma once
 
+#include <cstdint>
 #include <vector>
 
 class Node;
 class UserEvent;
+
+/// A moment of the update traversals, of all scene graphs together.
+struct UpdateStep {
+    const Node* node = nullptr; ///< being updated, or updated last; only to be compared
+    std::uint64_t number = 0;   ///< goes up by 1 for each node, and for each traversal
+};
 
 /// The entry points of a scene and the three traversals of its tree: drawing, updating, events.
 /// Owns no node. All traversals run on one thread, never one within another.
@@ -42,4 +49,14 @@ public:
     void drawScene(Node* node);
     void updateScene(Node* node);
     void eventScene(Node* node, UserEvent* ev);
+
+    /// Where the update traversals are. A node whose results another node may use can tell from
+    /// this which nodes have been updated in between: a traversal calls the code of no others.
+    /// \return the current step, which changes with the traversal
+    static const UpdateStep& updateStep() { return currentStep; }
+
+private:
+    static void updateTree(Node* node);
+
+    static inline UpdateStep currentStep;
 };

@@ -86,6 +86,8 @@ TEST(BucketTest, AddFillsAVacatedSlotBeforeItAppends)
     EXPECT_THAT(cell.boidList, ElementsAre(p.get(), nullptr, r.get()));
     cell.add(s.get());
     EXPECT_THAT(cell.boidList, ElementsAre(p.get(), s.get(), r.get()));
+    EXPECT_EQ(s->slot, 1u);
+    EXPECT_EQ(r->slot, 2u);
     EXPECT_EQ(cell.nullboids.size(), 0);
     cell.add(t.get());
     EXPECT_THAT(cell.boidList, ElementsAre(p.get(), s.get(), r.get(), t.get()));

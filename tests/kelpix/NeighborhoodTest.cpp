@@ -7,6 +7,7 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <functional>
 #include <gtest/gtest.h>
 #include <limits>
 #include <memory>
@@ -35,9 +36,19 @@ protected:
         boid->setId(id);
         boid->pos = pos;
         boid->vel = vel;
+        boid->myBucket = &cell;
         cell.add(boid);
         return boid;
     }
+
+    /// Finds the neighbors in a run of its own.
+    Neighborhood find(const std::vector<Bucket*>& cells, const Boid& boid,
+                      float closeBy = FLOAT_INF)
+    {
+        return Neighborhood::inCells(cells, boid, closeBy, ++run);
+    }
+
+    std::uint64_t run = 0;
 
     std::vector<std::unique_ptr<Boid>> boids;
 };
@@ -102,9 +113,9 @@ TEST_F(NeighborhoodTest, ABoidAtTheLargestSquareIsWithinReach)
     Boid* const boid = add(cell, 1, {});
     boid->searchRadius = 0.1f;
     Boid* const other = add(cell, 2, edge);
-    EXPECT_EQ(Neighborhood::inCells({&cell}, *boid).closest, other);
+    EXPECT_EQ(find({&cell}, *boid).closest, other);
     other->pos.y = std::nextafter(edge.y, 1.0f);
-    EXPECT_EQ(Neighborhood::inCells({&cell}, *boid).count, 0);
+    EXPECT_EQ(find({&cell}, *boid).count, 0);
 }
 
 TEST_F(NeighborhoodTest, AnInfiniteRadiusReachesEverything)
@@ -170,17 +181,24 @@ TEST_F(NeighborhoodTest, FindsWhatAListOfAllWithinReachHolds)
     const float radii[] = {0.1f, 0.03f, 0,         -0.0f,        -1,
                            1,    1e30f, FLOAT_INF, NOT_A_NUMBER, -FLOAT_INF};
     int found = 0;
+    int close = 0;
     for (const auto& boid : boids) {
         boid->searchRadius = pick(2) == 0 ? 0.1f : radii[pick(10)];
-        const Neighborhood neighbors = Neighborhood::inCells(cells, *boid);
+        const float closeBy = pick(2) == 0 ? FLOAT_INF : radii[pick(10)];
+        const Neighborhood neighbors = find(cells, *boid, closeBy);
         const Neighborhood expected = plainly(cells, *boid);
         ASSERT_EQ(neighbors.count, expected.count) << boid->searchRadius;
-        ASSERT_EQ(neighbors.closest, expected.closest) << boid->searchRadius;
+        if (expected.closest != nullptr &&
+            Vec3::EuclDistance(expected.closest->pos, boid->pos) <= closeBy) {
+            ASSERT_EQ(neighbors.closest, expected.closest) << boid->searchRadius;
+            ++close;
+        }
         ASSERT_TRUE(isSame(neighbors.pos, expected.pos)) << boid->searchRadius;
         ASSERT_TRUE(isSame(neighbors.vel, expected.vel)) << boid->searchRadius;
         found += neighbors.count;
     }
     EXPECT_GT(found, 1000);
+    EXPECT_GT(close, 50);
 }
 
 TEST_F(NeighborhoodTest, FindsAllWhenMemoryHasEndedBefore)
@@ -189,16 +207,69 @@ TEST_F(NeighborhoodTest, FindsAllWhenMemoryHasEndedBefore)
     std::vector<Bucket*> cells = {&cell};
     Boid* const boid = add(cell, 0, {0.5f, 0.5f, 0});
     boid->searchRadius = 0.1f;
-    for (long succeed = 0; succeed < 2; ++succeed) {
-        for (int i = 0; i < 20000; ++i) { // more than there has been room for
-            add(cell, 1, {0.5f, 0.5f, 0});
-        }
-        {
-            const FailingMemory memory(succeed, FailingMemory::ONCE);
-            EXPECT_THROW(Neighborhood::inCells(cells, *boid), std::bad_alloc);
-        }
-        EXPECT_EQ(Neighborhood::inCells(cells, *boid).count,
-                  static_cast<int>(cell.boidList.size()) - 1);
+    for (int i = 0; i < 20000; ++i) { // more than there has been room for
+        add(cell, 1, {0.5f, 0.5f, 0});
+    }
+    {
+        const FailingMemory memory(0, FailingMemory::ONCE);
+        EXPECT_THROW(find(cells, *boid), std::bad_alloc);
+    }
+    EXPECT_EQ(find(cells, *boid).count, 20000);
+}
+
+/// What a search finds in the same run as one before, after changes by Bucket's own operations.
+TEST_F(NeighborhoodTest, InARunACellKeepsUpWithItsBoids)
+{
+    Bucket cell;
+    Boid* const boid = add(cell, 1, {0.5f, 0.5f, 0});
+    Boid* const other = add(cell, 2, {0.52f, 0.5f, 0});
+    boid->searchRadius = 0.1f;
+    const auto found = [&] { return Neighborhood::inCells({&cell}, *boid, FLOAT_INF, 1); };
+    EXPECT_EQ(found().closest, other);
+    other->pos.x = 0.53f;
+    other->vel.y = 2;
+    EXPECT_EQ(found().pos.x, 0.52f) << "not copied again";
+    cell.repack(*other);
+    EXPECT_EQ(found().pos.x, 0.53f);
+    EXPECT_EQ(found().vel.y, 2);
+    Boid* third = nullptr;
+    for (int id = 3; id < 20; ++id) {
+        third = add(cell, id, {0.54f, 0.5f, 0});
+        EXPECT_EQ(found().count, id - 1);
+    }
+    cell.remove(other);
+    EXPECT_EQ(found().count, 17);
+    cell.repack(*other);
+    EXPECT_EQ(found().count, 17) << "it is no longer in the list";
+    cell.forget(third);
+    EXPECT_EQ(found().count, 16);
+}
+
+TEST_F(NeighborhoodTest, ACellWithBoidsThatAreNotItsOwnIsCopiedForEverySearch)
+{
+    const auto addStranger = [this](Bucket& cell, Boid* other) {
+        other->myBucket = nullptr;
+        return &cell;
+    };
+    const auto addTwice = [](Bucket& cell, Boid* other) {
+        cell.boidList.push_back(other);
+        return &cell;
+    };
+    const auto moveTo = [](Bucket& cell, Boid* other) {
+        cell.boidList = {nullptr, cell.boidList.front(), other};
+        return &cell;
+    };
+    const std::vector<std::function<Bucket*(Bucket&, Boid*)>> ways = {addStranger, addTwice,
+                                                                      moveTo};
+    for (const auto& change : ways) {
+        Bucket cell;
+        Boid* const boid = add(cell, 1, {0.5f, 0.5f, 0});
+        Boid* const other = add(cell, 2, {0.52f, 0.5f, 0});
+        boid->searchRadius = 0.1f;
+        change(cell, other);
+        EXPECT_EQ(find({&cell}, *boid).closest, other);
+        other->vel.y = 2;
+        EXPECT_GE(Neighborhood::inCells({&cell}, *boid, 1, run).vel.y, 2);
     }
 }
 

@@ -105,6 +105,29 @@ TEST_F(SceneGraphTest, AllWalksVisitParentsFirstAndSiblingsInOrder)
                                      "a2.userEvent", "b.userEvent"));
 }
 
+TEST_F(SceneGraphTest, TheUpdateStepTellsWhichNodeIsUpdatedAndCountsThemAll)
+{
+    static std::vector<UpdateStep> steps;
+    steps.clear();
+    ProbeNode a("a", journal);
+    ProbeNode b("b", journal);
+    root.children = {&a, nullptr, &b};
+    const auto note = [](ProbeNode&) { steps.push_back(SceneGraph::updateStep()); };
+    root.onUpdate = a.onUpdate = b.onUpdate = note;
+    const std::uint64_t before = SceneGraph::updateStep().number;
+    graph.update();
+    graph.updateScene(nullptr);
+    graph.updateScene(&a);
+    const std::vector<const Node*> nodes = {&root, &a, &b, &a};
+    const std::uint64_t numbers[] = {2, 3, 4, 6};
+    ASSERT_EQ(steps.size(), 4u);
+    for (std::size_t i = 0; i < 4; ++i) {
+        EXPECT_EQ(steps[i].node, nodes[i]);
+        EXPECT_EQ(steps[i].number, before + numbers[i]) << "one more for each traversal";
+    }
+    EXPECT_EQ(SceneGraph::updateStep().number, before + 6);
+}
+
 TEST_F(SceneGraphTest, UpdateCallsAnUpdateFunctionInPlaceOfTheStep)
 {
     ProbeNode a("a", journal);
