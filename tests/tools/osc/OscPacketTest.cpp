@@ -1,6 +1,10 @@
 #include "Packet.h"
 #include "PacketBytes.h"
 
+#include <cstdlib>
+#include <lo/lo.h>
+#include <memory>
+
 namespace {
 
 using osc::IMMEDIATELY;
@@ -156,6 +160,23 @@ TEST(OscPacketTest, ABundleInABundleIsNotDueBeforeIt)
     EXPECT_EQ(dueOf(0, 0), "/restart  1");
     // Seconds begin anew at 0 in 2036.
     EXPECT_EQ(dueOf(0xFFFFFFFFFFFFFFFF, 2000), "/restart  2000");
+}
+
+TEST(OscPacketTest, ReadsWhatLibloWrites)
+{
+    const lo_bundle outer = lo_bundle_new({5, 0x80000000});
+    const lo_bundle inner = lo_bundle_new({6, 0});
+    const lo_message mixed = lo_message_new();
+    lo_message_add(mixed, "isdhT", 7, "three", 0.5, std::int64_t{9});
+    lo_bundle_add_message(outer, "/mixed", mixed);
+    lo_bundle_add_bundle(outer, inner);
+    lo_bundle_add_message(inner, "/restart", lo_message_new());
+    std::size_t size = 0;
+    const std::unique_ptr<void, decltype(&std::free)> packet(
+        lo_bundle_serialise(outer, nullptr, &size), std::free);
+    lo_bundle_free_recursive(outer);
+    EXPECT_THAT(messagesOf({static_cast<const char*>(packet.get()), size}),
+                ElementsAre("/mixed isdhT 23622320128", "/restart  25769803776"));
 }
 
 TEST(OscPacketTest, SizesInABundleAreWithinIt)
