@@ -1,7 +1,9 @@
 // Reading OBJ models, from the file to the finished model.
 
+#include "Child.h"
 #include "Data.h"
 #include "Job.h"
+#include "MemoryStream.h"
 #include "Peers.h"
 
 #include "ObjAPI.h"
@@ -11,6 +13,7 @@
 #include <cstdio>
 #include <memory>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -192,11 +195,31 @@ bench::Job patchwork(const char* name, int triangles)
     return job;
 }
 
+/// The same, each in turn, while another process streams memory.
+bench::Job underPressure(bench::Job job)
+{
+    job.name += ", memory busy";
+    const auto stream = std::make_shared<bench::MemoryStream>();
+    for (bench::Contender& contender : job.contenders) {
+        contender.measure = [stream, run = std::move(contender.run)] {
+            constexpr int TIMES = 5;
+            const double start = bench::wallClock();
+            for (int i = 0; i < TIMES; ++i) {
+                run();
+            }
+            return (bench::wallClock() - start) / TIMES;
+        };
+        contender.run = nullptr;
+    }
+    return job;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
     return bench::run(argc, argv,
                       {sheet, [] { return patchwork("OBJ, 2,000 usemtl", 2000); },
-                       [] { return patchwork("OBJ, 20,000 usemtl", 20000); }});
+                       [] { return patchwork("OBJ, 20,000 usemtl", 20000); },
+                       [] { return underPressure(patchwork("OBJ, 20,000 usemtl", 20000)); }});
 }
