@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <string_view>
 
 namespace obj {
@@ -72,7 +73,65 @@ void read_property(Material& material, std::string_view word, const char* text)
     }
 }
 
+std::uint32_t hash_of(std::string_view name)
+{
+    return static_cast<std::uint32_t>(std::hash<std::string_view>()(name));
+}
+
 } // namespace
+
+/// The slot of this name, or the empty one where it belongs. There must be slots.
+std::size_t Library::slot_of(std::string_view name, std::uint32_t hash) const
+{
+    const std::size_t mask = slots_.size() - 1;
+    std::size_t at = hash & mask;
+    while (slots_[at].place != 0 &&
+           (slots_[at].hash != hash || materials_[slots_[at].place - 1].name != name)) {
+        at = (at + 1) & mask;
+    }
+    return at;
+}
+
+const Material* Library::find(std::string_view name) const
+{
+    if (slots_.empty()) {
+        return nullptr;
+    }
+    const std::uint32_t place = slots_[slot_of(name, hash_of(name))].place;
+    return place == 0 ? nullptr : &materials_[place - 1];
+}
+
+Material* Library::add(std::string_view name)
+{
+    if (2 * (materials_.size() + 1) >= slots_.size()) {
+        enlarge();
+    }
+    const std::uint32_t hash = hash_of(name);
+    Slot& slot = slots_[slot_of(name, hash)];
+    if (slot.place != 0) {
+        return nullptr;
+    }
+    materials_.emplace_back().name = name;
+    slot = {hash, static_cast<std::uint32_t>(materials_.size())};
+    return &materials_.back();
+}
+
+void Library::enlarge()
+{
+    constexpr std::size_t FEWEST = 16;
+    std::vector<Slot> old(std::max(FEWEST, 2 * slots_.size()));
+    old.swap(slots_);
+    const std::size_t mask = slots_.size() - 1;
+    for (const Slot& slot : old) {
+        if (slot.place != 0) {
+            std::size_t at = slot.hash & mask;
+            while (slots_[at].place != 0) {
+                at = (at + 1) & mask;
+            }
+            slots_[at] = slot;
+        }
+    }
+}
 
 Library read_library(const std::string& path)
 {
@@ -82,8 +141,7 @@ Library read_library(const std::string& path)
     while (const char* text = reader.next()) {
         const std::string_view word = take_word(text);
         if (word == "newmtl") {
-            const auto [place, is_new] = library.try_emplace(std::string(take_word(text)));
-            material = is_new ? &place->second : nullptr;
+            material = library.add(take_word(text));
             if (material != nullptr) {
                 std::memcpy(material->c, DEFAULT_COLORS, sizeof DEFAULT_COLORS);
             }

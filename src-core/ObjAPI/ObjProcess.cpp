@@ -4,6 +4,7 @@
 #include <cmath>
 #include <functional>
 #include <iterator>
+#include <limits>
 #include <new>
 #include <numeric>
 #include <vector>
@@ -144,13 +145,34 @@ std::vector<std::size_t> exchange_order(const std::vector<float>& keys)
     return order;
 }
 
+float alpha_of(const obj_file& f, const obj_surf& s)
+{
+    return 0 <= s.mi && s.mi < f.mc ? f.mv[s.mi].kv[0].c[3] : 1.0f;
+}
+
+/// Whether no surface has a larger alpha than one before it: nothing is exchanged then. NaN is
+/// neither larger nor smaller.
+bool is_ordered(const obj_file& f)
+{
+    float least = std::numeric_limits<float>::infinity();
+    for (int si = 0; si < f.sc; ++si) {
+        const float alpha = alpha_of(f, f.sv[si]);
+        if (alpha > least) {
+            return false;
+        }
+        least = alpha < least ? alpha : least;
+    }
+    return true;
+}
+
 void order_surfaces(obj_file& f)
 {
-    std::vector<float> alpha;
-    for (int si = 0; si < f.sc; ++si) {
-        const int mi = f.sv[si].mi;
-        alpha.push_back(0 <= mi && mi < f.mc ? f.mv[mi].kv[0].c[3] : 1.0f);
+    if (is_ordered(f)) {
+        return;
     }
+    std::vector<float> alpha(static_cast<std::size_t>(f.sc));
+    std::transform(f.sv, f.sv + f.sc, alpha.begin(),
+                   [&f](const obj_surf& s) { return alpha_of(f, s); });
     const std::vector<obj_surf> surfaces(f.sv, f.sv + f.sc);
     const std::vector<std::size_t> order = exchange_order(alpha);
     for (std::size_t i = 0; i < order.size(); ++i) {

@@ -82,28 +82,25 @@ bool is_position(int _vi)
 
 void read_v(const char* text)
 {
-    vec3 position = {{0, 0, 0}, -1};
-    take_floats(text, position.v, 3);
     if (const int i = add_v(); i >= 0) {
-        _vv[i] = position;
+        _vv[i] = {{0, 0, 0}, -1};
+        take_floats(text, _vv[i].v, 3);
     }
 }
 
 void read_vt(const char* text)
 {
-    vec2 coordinate = {{0, 0}, -1};
-    take_floats(text, coordinate.v, 2);
     if (const int i = add_t(); i >= 0) {
-        _tv[i] = coordinate;
+        _tv[i] = {{0, 0}, -1};
+        take_floats(text, _tv[i].v, 2);
     }
 }
 
 void read_vn(const char* text)
 {
-    vec3 normal = {{0, 0, 0}, -1};
-    take_floats(text, normal.v, 3);
     if (const int i = add_n(); i >= 0) {
-        _nv[i] = normal;
+        _nv[i] = {{0, 0, 0}, -1};
+        take_floats(text, _nv[i].v, 3);
     }
 }
 
@@ -163,20 +160,23 @@ bool read_line_indices(const char*& text, iset& corner)
     return true;
 }
 
-/// Adds a store vertex for a corner.
-int add_vertex(int fi, const iset& corner)
+/// Adds a store vertex for a corner with these indices.
+int add_vertex(int fi, int _vi, int _ti, int _ni)
 {
-    const int vi = obj_add_vert(fi);
+    // Not by obj_add_vert: a file that is being read has no vertex buffer to invalidate.
+    obj_file& f = *file(fi);
+    const int vi = grow(f.vv, f.vc, f.vm);
     if (vi >= 0) {
-        obj_vert& vertex = *vert(fi, vi);
-        if (is_position(corner._vi)) {
-            std::copy_n(_vv[corner._vi].v, 3, vertex.v);
+        obj_vert& vertex = f.vv[vi];
+        vertex = {};
+        if (is_position(_vi)) {
+            std::copy_n(_vv[_vi].v, 3, vertex.v);
         }
-        if (0 <= corner._ni && corner._ni < _nc) {
-            std::copy_n(_nv[corner._ni].v, 3, vertex.n);
+        if (0 <= _ni && _ni < _nc) {
+            std::copy_n(_nv[_ni].v, 3, vertex.n);
         }
-        if (0 <= corner._ti && corner._ti < _tc) {
-            std::copy_n(_tv[corner._ti].v, 2, vertex.t);
+        if (0 <= _ti && _ti < _tc) {
+            std::copy_n(_tv[_ti].v, 2, vertex.t);
         }
     }
     return vi;
@@ -222,13 +222,12 @@ bool resolve(int fi, iset& corner, Same same)
         if (ii < 0) {
             return false;
         }
-        _iv[ii] = corner;
-        _iv[ii]._ii = ij;
-        _iv[ii].vi = ij < 0 ? add_vertex(fi, corner) : _iv[ij].vi;
-        if (_iv[ii].vi < 0) {
+        const int vi = ij < 0 ? add_vertex(fi, corner._vi, corner._ti, corner._ni) : _iv[ij].vi;
+        if (vi < 0) {
             --_ic;
             return false;
         }
+        _iv[ii] = {vi, corner.gi, corner._vi, corner._ti, corner._ni, ij};
     }
     corner.vi = _iv[ii].vi;
     if (head != nullptr) {
@@ -237,8 +236,15 @@ bool resolve(int fi, iset& corner, Same same)
     return true;
 }
 
+/// What the triangles and lines need of a corner.
+struct Corner {
+    int vi;  ///< as in iset
+    int _vi; ///< likewise
+    int _ni; ///< likewise
+};
+
 /// The corners of one line. A corner takes at least two characters, which bounds their number.
-using Corners = std::array<iset, (LineReader::LONGEST + 1) / 2>;
+using Corners = std::array<Corner, (LineReader::LONGEST + 1) / 2>;
 
 /// Reads the corners of a face.
 /// \return their number
@@ -249,7 +255,7 @@ int read_poly_vertices(const char* text, int fi, int gi, Corners& corners)
     corner.gi = gi;
     while (read_poly_indices(text, corner)) {
         if (resolve(fi, corner, same_in_face)) {
-            corners[static_cast<std::size_t>(count++)] = corner;
+            corners[static_cast<std::size_t>(count++)] = {corner.vi, corner._vi, corner._ni};
         }
     }
     return count;
@@ -263,7 +269,7 @@ int read_line_vertices(const char* text, int fi, Corners& corners)
     iset corner = {};
     while (read_line_indices(text, corner)) {
         if (resolve(fi, corner, same_in_line)) {
-            corners[static_cast<std::size_t>(count++)] = corner;
+            corners[static_cast<std::size_t>(count++)] = {corner.vi, corner._vi, corner._ni};
         }
     }
     return count;
@@ -278,7 +284,7 @@ int read_line_vertices(const char* text, int fi, Corners& corners)
 /// tells whether the face has normals. Pinned by
 /// ObjReaderTest.TheFaceNormalGoesToTheVerticesWithTheNumbersOfThePositions,
 /// ObjReaderTest.OnlyTheFirstCornerTellsWhetherAFaceHasNormals; do not correct.
-void smooth(int fi, const iset* corners, int n)
+void smooth(int fi, const Corner* corners, int n)
 {
     if (n < 3 || corners[0]._ni != -1 || !is_position(corners[0]._vi) ||
         !is_position(corners[1]._vi) || !is_position(corners[2]._vi)) {
@@ -302,14 +308,17 @@ void read_f(const char* text, int fi, int si, int gi)
 {
     Corners room;
     const int n = read_poly_vertices(text, fi, gi, room);
-    const iset* const corners = room.data();
+    const Corner* const corners = room.data();
     if (gi != 0) {
         smooth(fi, corners, n);
     }
-    for (int k = 0; k < n - 2 && si < obj_num_surf(fi); ++k) {
-        const int vi[3] = {corners[0].vi, corners[k + 1].vi, corners[k + 2].vi};
-        if (const int pi = obj_add_poly(fi, si); pi >= 0) {
-            obj_set_poly(fi, si, pi, vi);
+    if (si >= file(fi)->sc) {
+        return;
+    }
+    obj_surf& s = *surf(fi, si);
+    for (int k = 0; k < n - 2; ++k) {
+        if (const int pi = grow(s.pv, s.pc, s.pm); pi >= 0) {
+            s.pv[pi] = {{corners[0].vi, corners[k + 1].vi, corners[k + 2].vi}};
         }
     }
 }
@@ -318,7 +327,7 @@ void read_l(const char* text, int fi, int si)
 {
     Corners room;
     const int n = read_line_vertices(text, fi, room);
-    const iset* const corners = room.data();
+    const Corner* const corners = room.data();
     for (int k = 0; k < n - 1 && si < obj_num_surf(fi); ++k) {
         const int vi[2] = {corners[k].vi, corners[k + 1].vi};
         if (const int li = obj_add_line(fi, si); li >= 0) {
@@ -378,19 +387,19 @@ private:
 
 /// Copies the name and properties of a material in the library to a new material. A name that is
 /// empty or not in the library changes nothing.
-void read_mtl(Libraries& libraries, const std::string& library, const std::string& name, int fi,
+void read_mtl(Libraries& libraries, const std::string& library, std::string_view name, int fi,
               int mi)
 {
-    const Library& materials = libraries.get(library);
-    const auto found = materials.find(name);
-    if (found == materials.end() || name.empty()) {
+    const Material* const found = libraries.get(library).find(name);
+    if (found == nullptr || name.empty()) {
         return;
     }
-    obj_set_mtrl_name(fi, mi, name.c_str());
+    obj_set_mtrl_name(fi, mi, found->name.c_str());
+    obj_mtrl& material = *mtrl(fi, mi);
     for (int ki = 0; ki < 5; ++ki) {
-        obj_set_mtrl_c(fi, mi, ki, found->second.c[ki]);
+        std::copy_n(found->c[ki], 4, material.kv[ki].c);
     }
-    for (const Map& map : found->second.maps) {
+    for (const Map& map : found->maps) {
         obj_set_mtrl_opt(fi, mi, map.ki, map.clamp ? 1 : 0);
         set_map(prop(fi, mi, map.ki), map.name.empty() ? nullptr : map.name.c_str(),
                 join(libraries.directory(), map.name).c_str());
@@ -403,7 +412,7 @@ void read_mtl(Libraries& libraries, const std::string& library, const std::strin
 /// \return the surface; surface 0 when memory runs out
 int usemtl(Libraries& libraries, const std::string& library, const char* text, int fi)
 {
-    const std::string name(take_word(text));
+    const std::string_view name = take_word(text);
     const int mi = obj_add_mtrl(fi);
     const int si = obj_add_surf(fi);
     if (mi < 0 || si < 0) {

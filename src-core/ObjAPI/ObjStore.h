@@ -5,6 +5,7 @@
 
 #include "ObjAPI.h"
 
+#include <algorithm>
 #include <climits>
 #include <cstddef>
 #include <cstdint>
@@ -132,11 +133,20 @@ template<typename T, typename Drop>
 void drop_if(T* array, int& count, Drop drop)
 {
     int kept = 0;
+    int run = 0; // the first of the elements that are kept, but not moved yet
+    const auto move_run = [&](int end) {
+        if (kept != run) {
+            std::copy(array + run, array + end, array + kept);
+        }
+        kept += end - run;
+    };
     for (int i = 0; i < count; ++i) {
-        if (!drop(array[i])) {
-            array[kept++] = array[i];
+        if (drop(array[i])) {
+            move_run(i);
+            run = i + 1;
         }
     }
+    move_run(count);
     count = kept;
 }
 
