@@ -131,6 +131,7 @@ private:
     double pitch = 0;
     double drift = 0;
     double waver = 0;
+    double push = 0; ///< of the lungs, which the level follows
 };
 
 void Throat::advance(double now)
@@ -160,7 +161,9 @@ void Throat::advance(double now)
             mouth.level[i] = follow(mouth.level[i], goal.level[i], 0.055);
         }
     }
-    level = follow(level, target, target > level ? 0.055 : 0.11);
+    // Two stages in a row: a note swells up from nothing without a sudden start.
+    push = follow(push, target, target > push ? 0.04 : 0.11);
+    level = follow(level, push, 0.025);
     effort = follow(effort, target, 0.15);
     const double air = sounding ? 0.012 + 0.05 * std::max(target - level, 0.0) : 0.0;
     breath = follow(breath, air * (target + 0.2), 0.05);

@@ -119,8 +119,8 @@ std::vector<File> makeVoice(const Request& request)
     sing(sound, {seed + 3, 0.30f, 0.42f, -6, 0.027, 0.97f}, lines.lead);
     sing(sound, {seed + 4, 0.72f, 0.55f, 3, 0.012, 0.98f}, lines.second);
     sing(sound, {seed + 5, 0.80f, 0.35f, -5, 0.030, 1.02f}, lines.second);
-    sing(sound, {seed + 6, 0.26f, 0.60f, -3, 0.010, 0.86f}, lines.low);
-    sing(sound, {seed + 7, 0.18f, 0.40f, 5, 0.026, 0.89f}, lines.low);
+    sing(sound, {seed + 6, 0.26f, 0.60f, -3, 0.010, 0.92f}, lines.low);
+    sing(sound, {seed + 7, 0.18f, 0.40f, 5, 0.026, 0.94f}, lines.low);
 
     Random random(request.seed, 70);
     const float bird = 0.10f * sound.peak();

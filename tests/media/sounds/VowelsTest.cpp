@@ -156,8 +156,8 @@ Formants fit(const Samples& samples, Formants around)
          first += 0.02 * around.first) {
         for (double second = 0.75 * around.second; second < around.second / 0.75;
              second += 0.02 * around.second) {
-            for (double lower = 0; lower <= 16; lower += 2) {
-                for (double slope = 0.5; slope < 1.2; slope += 0.2) {
+            for (double lower = 0; lower <= 16; lower += 1) {
+                for (double slope = 0.5; slope < 1.2; slope += 0.1) {
                     double error = 0;
                     for (const auto& [pitch, voiced] : samples) {
                         std::vector<double> differences;
@@ -186,9 +186,8 @@ Formants fit(const Samples& samples, Formants around)
     return best;
 }
 
-/// The fit finds the table's resonances to within a tenth. A step of its grid more or less is left
-/// to the processor's rounding.
-constexpr double TOLERANCE = 0.14;
+/// Most of it is the fit's: a voice that sings these pitches shows few harmonics in a resonance.
+constexpr double TOLERANCE = 0.1;
 
 void expectFormants(const std::vector<Held>& notes, double highest, Formants expected)
 {
@@ -202,8 +201,7 @@ TEST(VowelsTest, SingsAnOpenA)
     expectFormants({{0, 1, 1.5, 69, 65, 50},
                     {1, 1, 1.75, 69, 65, 53},
                     {2, 0, 1, 72, 69, 48},
-                    {4, 1.5, 1.5, 74, 71, 55},
-                    {6, 1, 1, 72, 69, 53}},
+                    {4, 1.5, 1.5, 74, 71, 55}},
                    1700, {800, 1180});
 }
 
@@ -219,7 +217,6 @@ TEST(VowelsTest, SingsARoundO)
                     {1, 0, 0.75, 65, 62, 53},
                     {2, 2, 1, 67, 64, 48},
                     {3, 0.5, 0.5, 65, 62, 50},
-                    {5, 2, 0.75, 69, 65, 57},
                     {6, 2, 1, 69, 65, 53}},
                    1250, {470, 850});
 }
