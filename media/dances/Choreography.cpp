@@ -31,9 +31,6 @@ constexpr double EARLIER = 0.08; // seconds
 /// A figure at this height is not seen, neither its body nor its tentacles.
 constexpr double OUT_OF_SIGHT = 1.2;
 
-/// Fish swim 0.007 an update, of which there are 40 a second.
-constexpr double LEAVING_SPEED = 0.018 * Rates::UPDATES;
-
 /// An update of the scene passes over three records at most: so long a figure is out of sight
 /// before it goes home, or its way down would be seen.
 constexpr double UNSEEN = 3.0 / Rates::RECORDS; // seconds
@@ -64,28 +61,24 @@ std::vector<Beat> beatsOf(std::span<const Note> melody, double beat, std::size_t
 /// The times of the coda.
 struct Coda {
     double beat;  ///< length in seconds
-    double leave; ///< when the last breath begins
+    double leave; ///< when the figures do
     double home;  ///< from when on the figures are at home
 };
 
-Coda codaOf(const Score& score)
+Coda codaOf(const Score& score, const Ending& ending)
 {
     const double beat = score.edges * BEAT;
-    double before = 0;
-    for (std::size_t i = 0; i < LAST_BREATH; ++i) {
-        before += FAREWELL[i].beats;
-    }
     // There is no time to rise in a shortened coda.
-    return {beat, score.coda + (score.edges < 1 ? 0 : before * beat),
+    return {beat, score.coda + (score.edges < 1 ? 0 : ending.beats * beat),
             score.seconds - std::max(score.edges * AT_HOME, SHORTLY_AT_HOME)};
 }
 
 /// One figure throughout the piece.
 class Path {
 public:
-    Path(const Score& of, const Region& on, std::size_t number)
-        : score(of), stage(on), figure(number), coda(codaOf(of)),
-          dancer(homeOf(static_cast<int>(number)))
+    Path(const Score& of, const Region& view, std::size_t number)
+        : score(of), stage(stageIn(view)), ending(endingIn(view)), figure(number),
+          coda(codaOf(of, ending)), dancer(homeOf(static_cast<int>(number)))
     {
     }
 
@@ -99,7 +92,8 @@ private:
     void startCoda();
 
     const Score& score;
-    const Region& stage;
+    Region stage;
+    Ending ending;
     std::size_t figure;
     Coda coda;
     Dancer dancer;
@@ -118,7 +112,7 @@ void Path::startPhrase()
     const std::size_t leader = begun % FIGURES;
     const std::size_t role = begun == 0 ? 0 : (figure + FIGURES - leader) % FIGURES;
     // In a short piece there is no time to rise later.
-    const auto goals = score.edges < 1 ? farewellPlaces(stage) : placesAfter(begun, stage);
+    const auto goals = score.edges < 1 ? ending.places : placesAfter(begun, stage);
     const Point goal = goals[figure];
     double aside = ASIDE;
     for (std::size_t k = 0; k < FIGURES; ++k) {
@@ -136,9 +130,9 @@ void Path::startPhrase()
 
 void Path::startCoda()
 {
-    const std::span<const Note> rising(FAREWELL.data(), LAST_BREATH);
-    dancer.begin(beatsOf(rising, coda.beat, 0), farewellPlaces(stage)[figure],
-                 coda.leave - startOf(begun), stage, 0);
+    const std::span<const Note> rising(FAREWELL.data(), ending.strokes);
+    dancer.begin(beatsOf(rising, coda.beat, 0), ending.places[figure], coda.leave - startOf(begun),
+                 stage, 0);
 }
 
 Point Path::at(double now)
@@ -156,7 +150,7 @@ Point Path::at(double now)
     } else if (!leaves && now >= coda.leave) {
         const double way = OUT_OF_SIGHT - static_cast<double>(dancer.place().y);
         const double left = coda.home - UNSEEN - now - Dancer::TURNING / 2;
-        dancer.leave(std::max(LEAVING_SPEED, way / left));
+        dancer.leave(std::max(ending.speed, way / left));
         leaves = true;
     }
     const Point place = dancer.place();
@@ -168,11 +162,11 @@ Point Path::at(double now)
 
 } // namespace
 
-std::vector<Pose> choreograph(const Score& score, const Region& stage)
+std::vector<Pose> choreograph(const Score& score, const Region& view)
 {
     std::vector<Pose> poses(recordsOf(score.seconds));
     for (std::size_t k = 0; k < FIGURES; ++k) {
-        Path path(score, stage, k);
+        Path path(score, view, k);
         for (std::size_t i = 0; i < poses.size(); ++i) {
             poses[i][k] = path.at(static_cast<double>(i) / Rates::RECORDS);
         }
@@ -180,8 +174,10 @@ std::vector<Pose> choreograph(const Score& score, const Region& stage)
     return poses;
 }
 
-std::vector<Pose> rehearse(const Score& score, const Region& stage)
+std::vector<Pose> rehearse(const Score& score, const Region& view)
 {
+    const Region stage = stageIn(view);
+    const Coda coda = codaOf(score, endingIn(view));
     Stations stations;
     for (std::size_t k = 0; k < FIGURES; ++k) {
         const Point home = homeOf(static_cast<int>(k));
@@ -189,7 +185,7 @@ std::vector<Pose> rehearse(const Score& score, const Region& stage)
         for (std::size_t i = 0; i < score.cues.size(); ++i) {
             stations[k].push_back({score.cues[i].start + PHRASE, placesAfter(i, stage)[k]});
         }
-        stations[k].push_back({codaOf(score).home, home});
+        stations[k].push_back({coda.home, home});
     }
     return posesThrough(stations, score.seconds);
 }

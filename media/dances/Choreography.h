@@ -10,16 +10,16 @@ namespace media {
 /// first note of a phrase, the leader of the phrase on all its notes, the others on some. In rests
 /// they glide and sink.
 ///
-/// In the coda they come together and rise, and with the last breath of the voice they leave
-/// through the top of the picture, faster than a fish can swim: fish that followed them down to
-/// their places of rest would be lost. Unseen, above the picture, they go home from one record to
-/// the next.
+/// In the coda they come together and rise, and in the last breath of the voice they leave through
+/// the top of the picture, faster than a fish can swim: fish that followed them down to their
+/// places of rest would be lost. Unseen, above the picture, they go home from one record to the
+/// next.
 ///
 /// In a piece that is too short for a whole prelude and coda they come up and leave.
-/// \param stage  the part of the world in which they dance, between entrance and exit
-std::vector<Pose> choreograph(const Score& score, const Region& stage);
+/// \param view  the part of the world that is seen; between entrance and exit they dance in it
+std::vector<Pose> choreograph(const Score& score, const Region& view);
 
 /// The same places at the same times as in a rehearsal: straight lines from place to place.
-std::vector<Pose> rehearse(const Score& score, const Region& stage);
+std::vector<Pose> rehearse(const Score& score, const Region& view);
 
 } // namespace media

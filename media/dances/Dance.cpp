@@ -1,7 +1,6 @@
 #include "Dance.h"
 
 #include "Choreography.h"
-#include "Places.h"
 #include "PoseTable.h"
 #include "Rates.h"
 
@@ -88,11 +87,11 @@ std::vector<File> makeDance(const Request& request)
     // recording. A figure whose own recording has no record there ends the scene. The rehearsal is
     // one record shorter, so that the dance has one there.
     const Score score = makeScore(request.seconds);
-    const Region stage = stageIn(request.wide ? WIDE_VIEW : SQUARE_VIEW);
+    const Region view = request.wide ? WIDE_VIEW : SQUARE_VIEW;
     const bool fromTable = !request.table.empty();
     const std::vector<Pose> dance =
-        fromTable ? danceOf(request.table, request.seconds) : choreograph(score, stage);
-    const std::vector<Pose> rehearsal = fromTable ? dance : rehearse(score, stage);
+        fromTable ? danceOf(request.table, request.seconds) : choreograph(score, view);
+    const std::vector<Pose> rehearsal = fromTable ? dance : rehearse(score, view);
     const std::size_t records = dance.size();
     return {{"data/mocap.txt", "MOCAP\n2 3\ndata/dance.txt\ndata/rehearsal.txt\n", "2 recordings"},
             {"data/dance.txt", writeRecords(dance, records), std::to_string(records) + " records"},

@@ -1,5 +1,7 @@
 #include "Places.h"
 
+#include "Rates.h"
+
 namespace media {
 
 namespace {
@@ -34,6 +36,15 @@ constexpr std::array<Places, VERSES* PHRASES_PER_VERSE> PLACES = {{
 }};
 
 constexpr Places FAREWELL_PLACES = {{{0.14f, 0.05f}, {0.0f, 0.20f}, {-0.14f, 0.05f}}};
+constexpr Places LATE_FAREWELL_PLACES = {{{0.31f, 0.29f}, {0.0f, 0.73f}, {-0.31f, 0.29f}}};
+
+/// Fish turn round below this height.
+constexpr float CEILING = 0.95f;
+
+/// Fish swim 0.007 an update.
+constexpr double LEAVING_SPEED = 0.018 * Rates::UPDATES;
+constexpr double LATE_LEAVING_SPEED = 0.031 * Rates::UPDATES;
+constexpr double LATE_BEATS = 7.6;
 
 Point on(const Region& stage, Point place)
 {
@@ -81,9 +92,17 @@ Places placesAfter(std::size_t phrase, const Region& stage)
     return on(stage, verse % 2 == 1 ? mirrored(places) : places);
 }
 
-Places farewellPlaces(const Region& stage)
+Ending endingIn(const Region& view)
 {
-    return on(stage, FAREWELL_PLACES);
+    const Region stage = stageIn(view);
+    if (view.top < CEILING) {
+        return {on(stage, LATE_FAREWELL_PLACES), FAREWELL.size(), LATE_BEATS, LATE_LEAVING_SPEED};
+    }
+    double beats = 0;
+    for (std::size_t i = 0; i < LAST_BREATH; ++i) {
+        beats += FAREWELL[i].beats;
+    }
+    return {on(stage, FAREWELL_PLACES), LAST_BREATH, beats, LEAVING_SPEED};
 }
 
 } // namespace media

@@ -8,10 +8,10 @@ namespace {
 
 // The scene draws the fish at half opacity, 31 pixels wide: bright pure colors, few shapes, and no
 // dark lines, which would turn brown over blue water.
-constexpr Color RIDGE = rgb(255, 172, 0);
-constexpr Color ORANGE = rgb(255, 138, 0);
-constexpr Color FLANK = rgb(255, 112, 0);
-constexpr Color WHITE = rgb(255, 255, 255);
+constexpr Color RIDGE = rgb(255, 206, 0);
+constexpr Color ORANGE = rgb(255, 132, 0);
+constexpr Color FLANK = rgb(255, 16, 0);
+constexpr Color WHITE = rgb(255, 255, 240);
 constexpr Color YELLOW = rgb(255, 200, 30);
 constexpr Color FIN_TIP = rgb(255, 240, 140);
 constexpr Color EYE = rgb(16, 30, 110);
@@ -62,11 +62,11 @@ float onTail(float x, float y)
 Color body(float x, float y, float half)
 {
     const float across = x / half;
-    Color c = mix(RIDGE, ORANGE, smoothstep(0.05f, 0.5f, across));
-    c = mix(c, FLANK, smoothstep(0.60f, 1.0f, across));
+    Color c = mix(RIDGE, ORANGE, smoothstep(0.12f, 0.54f, across));
+    c = mix(c, FLANK, smoothstep(0.46f, 1.0f, across));
     // The band bends back a little at the flanks, as it does around a round body.
     const float bent = y - 0.10f * across * across;
-    c = mix(c, WHITE, smoothstep(0.15f, 0.115f, std::abs(bent + 0.13f)));
+    c = mix(c, WHITE, smoothstep(0.108f, 0.072f, std::abs(bent + 0.13f)));
     const float eye = length({x - 0.34f, y + 0.54f});
     return mix(c, EYE, smoothstep(0.080f, 0.050f, eye));
 }

@@ -17,8 +17,8 @@ namespace {
 
 // Two forests stand far off in the haze, blurred, so that no fish is lost before them; two stand in
 // front of the dunes, at the sides.
-constexpr KelpForest FAR_KELP[] = {{8, 0.36f, 0.070f, 0.86f, 0.18f, 0.88f, 0.0060f},
-                                   {5, 0.25f, 0.085f, 0.89f, 0.12f, 0.72f, 0.0032f}};
+constexpr KelpForest FAR_KELP[] = {{6, 0.34f, 0.070f, 0.86f, -0.06f, 0.60f, 0.0040f},
+                                   {5, 0.27f, 0.085f, 0.89f, 0.02f, 0.54f, 0.0028f}};
 constexpr KelpForest NEAR_KELP[] = {{3, 0.21f, 0.100f, 0.93f, 0.08f, 0.50f, 0.0014f},
                                     {3, 0.17f, 0.130f, 1.02f, -0.04f, 0.08f, 0}};
 
@@ -157,7 +157,7 @@ void frame(Canvas& canvas, const Panel& panel, std::uint32_t seed)
             // The haze begins further in. Then through the blue of the deep, so that the end looks
             // like far water, not like a frame.
             const Color far = mix(SURROUND, DEEP, smoothstep(0, 0.8f, shown));
-            const float haze = 0.25f * smoothstep(0.16f, 0.03f, column);
+            const float haze = 0.36f * smoothstep(0.18f, 0.03f, column);
             canvas.at(x, y) = mix(far, mix(canvas.at(x, y), DEEP, haze), shown);
         }
     }

@@ -23,7 +23,7 @@ class ChoreographyTest : public testing::TestWithParam<Piece> {
 protected:
     const Region stage = media::stageIn(GetParam().view);
     const media::Score score = media::makeScore(GetParam().seconds);
-    const std::vector<Pose> poses = media::choreograph(score, stage);
+    const std::vector<Pose> poses = media::choreograph(score, GetParam().view);
 
     double secondsAt(std::size_t record) const { return static_cast<double>(record) / RECORDS; }
 };
@@ -108,8 +108,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(ChoreographyShortTest, TheFiguresComeIntoThePicture)
 {
     for (const double seconds : {5.0, 8.0, 15.0}) {
-        const auto poses =
-            media::choreograph(media::makeScore(seconds), media::stageIn(media::SQUARE_VIEW));
+        const auto poses = media::choreograph(media::makeScore(seconds), media::SQUARE_VIEW);
         for (const Point place : poses[poses.size() / 2]) {
             EXPECT_GT(place.y, 0.2f) << seconds;
         }
@@ -120,7 +119,7 @@ TEST(RehearsalTest, MarksThePlacesOfEachPhrase)
 {
     const media::Score score = media::makeScore(60);
     const Region stage = media::stageIn(media::SQUARE_VIEW);
-    const auto poses = media::rehearse(score, stage);
+    const auto poses = media::rehearse(score, media::SQUARE_VIEW);
     for (std::size_t i = 0; i < score.cues.size(); ++i) {
         const auto end = static_cast<std::size_t>((score.cues[i].start + media::PHRASE) * RECORDS);
         for (std::size_t k = 0; k < media::FIGURES; ++k) {

@@ -1,6 +1,7 @@
 #include "ReadPicture.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdlib>
 #include <gtest/gtest.h>
@@ -311,12 +312,15 @@ TEST(FishSpriteTest, HasABodyOfThirtyFourTexelsAndATailHalfAsWide)
     int body = 0;
     for (int y = 0; y < 40; ++y) {
         for (const auto& [first, last] : opaqueRuns(fish, y)) {
-            int orange = 0;
+            int inner = 0;
             for (int x = first; x <= last; ++x) {
-                // Fins are yellow.
-                orange += fish.at(x, y, 1) < 195 || fish.at(x, y, 2) > 200 ? 1 : 0;
+                // Fins are pale yellow: only theirs is a little blue, beside that of the band and
+                // of the eyes, which are not green.
+                const bool fin =
+                    fish.at(x, y, 1) > 150 && fish.at(x, y, 2) >= 25 && fish.at(x, y, 2) <= 200;
+                inner += fin ? 0 : 1;
             }
-            body = std::max(body, orange);
+            body = std::max(body, inner);
         }
     }
     EXPECT_GE(body, 34);
@@ -326,7 +330,7 @@ TEST(FishSpriteTest, HasABodyOfThirtyFourTexelsAndATailHalfAsWide)
     EXPECT_LT(root[0].second - root[0].first, body / 2);
 }
 
-TEST(FishSpriteTest, IsOrangeWithOneWhiteBandAndYellowFins)
+TEST(FishSpriteTest, IsGoldAndOrangeWithOneWhiteBandAndYellowFins)
 {
     const Picture fish = readPng(path("fish0.png"));
     int bands = 0;
@@ -337,6 +341,7 @@ TEST(FishSpriteTest, IsOrangeWithOneWhiteBandAndYellowFins)
         before = white;
     }
     EXPECT_EQ(bands, 1);
+    int gold = 0;
     int orange = 0;
     int yellow = 0;
     int dark = 0;
@@ -347,52 +352,79 @@ TEST(FishSpriteTest, IsOrangeWithOneWhiteBandAndYellowFins)
                 const int r = fish.at(x, y, 0);
                 const int g = fish.at(x, y, 1);
                 const int b = fish.at(x, y, 2);
-                orange += r > 230 && g > 80 && g < 195 && b < 70 ? 1 : 0;
-                yellow += r > 230 && g >= 195 && b < 170 ? 1 : 0;
+                gold += r > 230 && g >= 170 && b < 25 ? 1 : 0;
+                orange += r > 230 && g < 170 && b < 25 ? 1 : 0;
+                yellow += r > 230 && g >= 170 && b >= 25 && b < 170 ? 1 : 0;
                 dark += std::max({r, g, b}) < 150 ? 1 : 0;
                 ++opaque;
             }
         }
     }
-    EXPECT_GT(orange, opaque / 2);
+    EXPECT_GT(gold, opaque / 5);
+    EXPECT_GT(orange, opaque / 4);
     EXPECT_GT(yellow, opaque / 10);
     EXPECT_LT(dark, opaque * 3 / 100)
         << "dark lines turn brown over the water; only the eyes are dark";
 }
 
-/// CIE 1976 L* of an sRGB color.
-double lightness(const Rgb& c)
+/// An sRGB color as the eye compares colors: CIE 1976 L*, a*, b*, under daylight (D65).
+std::array<double, 3> lab(const Rgb& c)
 {
     const auto linear = [](double v) {
         return v <= 0.04045 * 255 ? v / 255 / 12.92 : std::pow((v / 255 + 0.055) / 1.055, 2.4);
     };
-    const double y = 0.2126 * linear(c.r) + 0.7152 * linear(c.g) + 0.0722 * linear(c.b);
-    return 116 * std::cbrt(y) - 16;
+    const auto root = [](double v) { return v > 0.008856 ? std::cbrt(v) : 7.787 * v + 16.0 / 116; };
+    const double r = linear(c.r);
+    const double g = linear(c.g);
+    const double b = linear(c.b);
+    const double x = root((0.4124 * r + 0.3576 * g + 0.1805 * b) / 0.9505);
+    const double y = root(0.2126 * r + 0.7152 * g + 0.0722 * b);
+    const double z = root((0.0193 * r + 0.1192 * g + 0.9505 * b) / 1.089);
+    return {116 * y - 16, 500 * (x - y), 200 * (y - z)};
 }
 
-TEST(FishSpriteTest, IsLighterThanTheWaterWhereverItSwims)
+/// A place in the water, in parts of its width and height from the upper left corner, and how far
+/// the body's colors are at least from its color. They mix with it, so that a bright place is
+/// closer.
+struct Swum {
+    double x;
+    double y;
+    double distance;
+};
+
+TEST(FishSpriteTest, StandsOutFromTheWaterWhereverItSwims)
 {
     const Picture fish = readPng(path("fish0.png"));
-    Rgb body;
-    int count = 0;
-    for (int y = 4; y < 46; ++y) {
-        for (int x = 22; x < 42; ++x) {
-            body.r += fish.at(x, y, 0);
-            body.g += fish.at(x, y, 1);
-            body.b += fish.at(x, y, 2);
-            ++count;
-        }
-    }
     const Picture water = readJpeg(path("underwater.jpg"));
     // The surface, the middle, the deep, the ground, and the kelp.
-    for (const auto& [x, y] : {std::pair(0.45, 0.10), std::pair(0.50, 0.42), std::pair(0.55, 0.70),
-                               std::pair(0.42, 0.92), std::pair(0.17, 0.50)}) {
+    for (const auto& [x, y, distance] :
+         {Swum{0.45, 0.10, 46}, Swum{0.50, 0.42, 47}, Swum{0.55, 0.70, 54}, Swum{0.42, 0.92, 48},
+          Swum{0.17, 0.50, 46}}) {
         const Rgb behind = mean(water, x - 0.03, y - 0.03, x + 0.03, y + 0.03);
         const Rgb shown{behind.r / 2, behind.g / 2, behind.b / 2};
-        const Rgb both{(shown.r + body.r / count) / 2, (shown.g + body.g / count) / 2,
-                       (shown.b + body.b / count) / 2};
-        EXPECT_GT(lightness(both) - lightness(shown), 11) << x << ", " << y;
-        EXPECT_GT(both.r - both.b, 25) << "orange; " << x << ", " << y;
+        const auto here = lab(shown);
+        double lighter = 0;
+        double apart = 0;
+        double redder = 0;
+        int count = 0;
+        for (int row = 4; row < 46; ++row) {
+            for (int column = 22; column < 42; ++column) {
+                if (fish.at(column, row, 3) < 255) {
+                    continue;
+                }
+                const Rgb both{(shown.r + fish.at(column, row, 0)) / 2,
+                               (shown.g + fish.at(column, row, 1)) / 2,
+                               (shown.b + fish.at(column, row, 2)) / 2};
+                const auto there = lab(both);
+                lighter += there[0] - here[0];
+                apart += std::hypot(there[0] - here[0], there[1] - here[1], there[2] - here[2]);
+                redder += both.r - both.b;
+                ++count;
+            }
+        }
+        EXPECT_GT(lighter / count, 11) << x << ", " << y;
+        EXPECT_GT(apart / count, distance) << x << ", " << y;
+        EXPECT_GT(redder / count, 25) << "orange; " << x << ", " << y;
         EXPECT_GT(shown.b - shown.r, 25) << "blue or green; " << x << ", " << y;
     }
 }

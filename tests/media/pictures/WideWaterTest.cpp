@@ -97,7 +97,7 @@ TEST(WideWaterTest, HasKelpAtBothEndsOfTheBandAndNoneBeyond)
     };
     EXPECT_EQ(leaves(0, 0.055), 0);
     EXPECT_GT(leaves(0.06, 0.18), 300);
-    EXPECT_EQ(leaves(0.3, 0.7), 0);
+    EXPECT_EQ(leaves(0.4, 0.6), 0);
     EXPECT_GT(leaves(0.82, 0.94), 300);
     EXPECT_EQ(leaves(0.945, 1), 0);
 }
