@@ -139,6 +139,19 @@ std::vector<commandline::Option> tableOf(Options& options)
     };
 }
 
+/// A folder alone may be meant either way, and to make media is not to look at them.
+void refuseWords(const Options& options, const std::vector<std::string>& words)
+{
+    if (words.empty()) {
+        return;
+    }
+    const std::string& word = words.front();
+    throw UsageError(options.check.empty() && options.out.empty()
+                         ? "--out " + word + " makes media there, --check " + word +
+                               " looks at them"
+                         : "\"" + word + "\" is one word too many");
+}
+
 } // namespace
 
 Options parseOptions(const std::vector<std::string>& arguments)
@@ -146,11 +159,13 @@ Options parseOptions(const std::vector<std::string>& arguments)
     Options options;
     options.request.font = KELPIX_FONT;
     options.request.fontLicense = KELPIX_FONT_LICENSE;
-    const commandline::Arguments parsed = commandline::parse(arguments, tableOf(options));
+    const commandline::Arguments parsed =
+        commandline::parse(arguments, tableOf(options), commandline::Rest::anywhere);
     options.action = parsed.action;
     if (options.action != commandline::Action::work) {
         return options;
     }
+    refuseWords(options, parsed.rest);
     checkTogether(options, parsed.given);
     if (options.check.empty() && options.out.empty()) {
         throw UsageError("--out DIR is missing");

@@ -73,6 +73,15 @@ class FirstHour(unittest.TestCase):
         self.assertLessEqual({"kelpix", "kelpix-media", "convert", "toy.cpp", "CMakeLists.txt",
                               "cmake"}, set(done))
         self.play(folder)
+        self.change_title(folder)
+
+    def change_title(self, folder):
+        toy = (folder / "toy.cpp").read_text()
+        (folder / "toy.cpp").write_text('#include "ToyWindow.h"\n' + toy.replace(
+            "SceneWindow window(740, 740);", "ToyWindow window(740, 740);"))
+        self.sh("cmake --build build", folder)
+        with Program(folder / "build/toy", cwd=folder, env=self.environment, title="^Toy$") as toy:
+            toy.quit()
 
     def play(self, folder):
         """The cube turns in the middle, and goes where the right button clicks."""

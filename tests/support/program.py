@@ -31,7 +31,8 @@ class Picture:
 class Program:
     """A running program with one window. Use it in a with statement, which ends it at the latest."""
 
-    def __init__(self, *command, cwd=None, env=None):
+    def __init__(self, *command, cwd=None, env=None, title="^kelpix \\("):
+        self.title = title
         self.output = tempfile.NamedTemporaryFile()
         self.errors = tempfile.NamedTemporaryFile()
         self.process = subprocess.Popen(command, cwd=cwd, env=env, stdout=self.output,
@@ -53,7 +54,7 @@ class Program:
         self.errors.close()
 
     def find_window(self):
-        search = ["xdotool", "search", "--onlyvisible", "--name", "^kelpix \\("]
+        search = ["xdotool", "search", "--onlyvisible", "--name", self.title]
         return subprocess.run(search, capture_output=True, text=True).stdout.split("\n")[0]
 
     def await_value(self, ask, what):

@@ -252,7 +252,8 @@ TEST_F(MediaProgramTest, SaysWhatIsWrongWithTheCommandLine)
     const std::vector<std::pair<std::string, std::string>> lines = {
         {"", "--out DIR is missing"},
         {"--color red", "unknown option \"--color\""},
-        {"set", "\"set\" is one word too many"},
+        {"set", "--out set makes media there, --check set looks at them"},
+        {"--out set reef", "\"reef\" is one word too many"},
         {"--out", "--out needs a value"},
         {"--out set --seed x",
          "--seed takes a whole number from 0 to 18446744073709551615, not \"x\""},
