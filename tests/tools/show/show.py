@@ -185,6 +185,9 @@ class Show(Look):
             # Each has left something behind: that of the one that plays is still there, alone.
             show.scene()
             await_value(lambda: len(marked(show.mark)) == 3, lambda: marked(show.mark))
+            time.sleep(1)
+            self.assertEqual(sorted(map(name_of, marked(show.mark))),
+                             ["FakeScene", "kelpix-show", "sleep"])
             # The last frame of that which is stopped stays until the next one is in front.
             os.kill(show.scene(), signal.SIGSTOP)
             show.await_showing(4)
