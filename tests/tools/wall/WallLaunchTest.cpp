@@ -56,6 +56,15 @@ TEST(WallLaunchTest, OtherMachinesAreReachedInTheOrderOfTheirTiles)
     EXPECT_EQ(words.back(), "w");
 }
 
+TEST(WallLaunchTest, AFileOfAnyNameStaysAnArgument)
+{
+    const auto words =
+        wall::launchCommand(wallOf({"here"}), "here", "hosts", {"/bin/wall", "--log", ":", "a:b"});
+    EXPECT_THAT(words, Not(Contains(":")));
+    EXPECT_EQ(after(words, "--log"), "./:");
+    EXPECT_EQ(words.back(), "a:b");
+}
+
 TEST(WallLaunchTest, TheListOfHostsOutlivesTheStartOfTheLauncher)
 {
     const std::string path = wall::fileInMemory("reef-b\nreef-a\n");

@@ -93,6 +93,10 @@ TEST_F(WallSceneTest, ABeginningIsThatOfANewProcessAndLeavesNoGLObjects)
     const auto first = statesOf(scene, SEED);
     const std::size_t lists = nullgl::lists();
     const std::size_t textures = nullgl::textures();
+    // Their names are free again, and given before higher ones.
+    glDeleteLists(3, 1);
+    const GLuint third = 3;
+    glDeleteTextures(1, &third);
     EXPECT_NE(statesOf(scene, SEED + 1), first);
     EXPECT_EQ(statesOf(scene, SEED), first);
     EXPECT_EQ(nullgl::lists(), lists);

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <stdexcept>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -75,7 +76,9 @@ std::vector<std::string> launchCommand(const WallLayout& layout, const std::stri
         // Open MPI, told to be quiet, does not say where the program is missing.
         words.insert(words.end(), {"sh", "-c", START});
     }
-    words.insert(words.end(), command.begin(), command.end());
+    // A word that is ":" ends a command of mpirun's. It can only be a path here.
+    std::transform(command.begin(), command.end(), std::back_inserter(words),
+                   [](const std::string& word) { return word == ":" ? "./:" : word; });
     return words;
 }
 

@@ -16,7 +16,8 @@ bool isFirstRank();
 /// The command that starts a program once for each tile of the wall, on the tile's host.
 /// \param thisHost  the name of this machine: a wall of its own needs no network
 /// \param hostFile  a file with the hosts of all ranks, one a line (hosts::sequence)
-/// \param command   the program, by its full path, and its arguments
+/// \param command   the program, by its full path, and its arguments, all of which the ranks get;
+///                  a path ":" becomes "./:"
 std::vector<std::string> launchCommand(const WallLayout& layout, const std::string& thisHost,
                                        const std::string& hostFile,
                                        const std::vector<std::string>& command);

@@ -6,8 +6,10 @@
 #include "FitProjection.h"
 #include "MoCap.h"
 #include "SceneInput.h"
+#include "Texture.h"
 
 #include <FL/Fl.H>
+#include <algorithm>
 #include <stdexcept>
 #include <string>
 
@@ -47,15 +49,43 @@ private:
     int originalKey = Fl::e_original_keysym;
 };
 
+/// Calls \p work for each object of a kind, of which GL keeps no list: names are given from 1
+/// upwards, with gaps where objects were deleted.
+/// \param newest  the name that was given last, which may fill a gap
+template<typename Is, typename Work>
+void forEachName(GLuint newest, Is is, Work work)
+{
+    constexpr GLuint GAP = 4096; // longer than any between the scene's objects
+    GLuint last = newest + GAP;
+    for (GLuint name = 1; name <= last; ++name) {
+        if (is(name) != GL_FALSE) {
+            work(name);
+            last = std::max(last, name + GAP);
+        }
+    }
+}
+
 /// Deletes all display lists and textures of the current GL context.
 void deleteGLObjects()
 {
-    const GLuint lists = glGenLists(1); // names are given from 1 upwards
-    glDeleteLists(1, static_cast<GLsizei>(lists));
-    GLuint textures = 0;
-    glGenTextures(1, &textures);
-    for (GLuint name = 1; name <= textures; ++name) {
-        glDeleteTextures(1, &name);
+    forEachName(
+        glGenLists(1), [](GLuint name) { return glIsList(name); },
+        [](GLuint name) { glDeleteLists(name, 1); });
+    GLuint newest = 0;
+    glGenTextures(1, &newest);
+    forEachName(
+        newest, [](GLuint name) { return glIsTexture(name); },
+        [](GLuint name) { glDeleteTextures(1, &name); });
+    glDeleteTextures(1, &newest); // which is none before it is bound
+}
+
+/// Frees the pixels of a scene that is not drawn any more. Its nodes live until the process ends.
+void freePixels(const Environment& water)
+{
+    for (Texture* const texture : {water.tex, water.fishTex, water.bubbleTex}) {
+        if (texture->getSource() != nullptr) {
+            texture->getSource()->freeBuffer();
+        }
     }
 }
 
@@ -92,8 +122,10 @@ void WallScene::end()
         return;
     }
     const MoCap* const recording = stage->recording;
+    const Environment& water = *stage->water;
     stage.reset();
     delete recording;
+    freePixels(water);
     ramps.clean();
     deleteGLObjects();
 }
