@@ -46,6 +46,17 @@ class Kiosk(unittest.TestCase):
             stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
         self.assertEqual((result.returncode, result.stdout), (0, ""))
 
+    def test_the_unit_of_a_wall_is_valid(self):
+        unit_of_a_wall = USR / "share/doc/kelpix-wall/kelpix-wall.service"
+        if not unit_of_a_wall.exists():
+            self.skipTest("kelpix-wall is built where there is Open MPI")
+        copy = self.folder / "kelpix-wall.service"
+        copy.write_text(unit_of_a_wall.read_text().replace("/usr/bin", f"{USR}/bin"))
+        result = subprocess.run(["systemd-analyze", "--user", "verify", "--man=no", copy],
+                                stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
+                                env=dict(os.environ, XDG_RUNTIME_DIR=str(self.folder)))
+        self.assertEqual((result.returncode, result.stdout), (0, ""))
+
     def wait_for(self, condition, process):
         for _ in range(3000):
             value = condition()

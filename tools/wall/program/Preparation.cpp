@@ -112,6 +112,7 @@ void Preparation::enter()
 void Preparation::make()
 {
     step([this] {
+        rank.messages.emplace();
         HeldErrors errors;
         const record::ExitGuard guard([&] { endAll(rank.readersComplaint(errors.take())); });
         if (options.pattern) {

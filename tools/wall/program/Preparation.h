@@ -29,8 +29,8 @@ public:
     void enter();
 
     /// Makes the scene or the pattern, as it is before the first frame, and opens the sound of
-    /// rank 0. The scene's readers end the process when they cannot use a medium: all ranks then
-    /// end with it, with a line as above and status 1.
+    /// rank 0. Standard output is held from then on. The scene's readers end the process when they
+    /// cannot use a medium: all ranks then end with it, with a line as above and status 1.
     void make();
 
     /// A further step.

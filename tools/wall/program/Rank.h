@@ -20,14 +20,13 @@ struct Rank {
     int number = 0;
     std::vector<std::string> hosts; ///< of all ranks
     Plan plan;
-    std::uint64_t media = 0;            ///< hashOfMedia
-    HeldMessages messages;              ///< what the scene prints
-    std::optional<TileWindow> window;   ///< made before what is drawn in it
-    std::optional<WallScene> scene;     ///< none for a test pattern
-    std::optional<TilePattern> pattern; ///< instead of the scene, if it is asked for
-    std::optional<WallSound> sound;     ///< of rank 0, unless the clock is virtual
+    std::uint64_t media = 0;              ///< hashOfMedia
+    std::optional<HeldMessages> messages; ///< what the scene prints, from its beginning on
+    std::optional<TileWindow> window;     ///< made before what is drawn in it
+    std::optional<WallScene> scene;       ///< none for a test pattern
+    std::optional<TilePattern> pattern;   ///< instead of the scene, if it is asked for
+    std::optional<WallSound> sound;       ///< of rank 0, unless the clock is virtual
 
-    /// Captures standard output from then on. Throws std::runtime_error when that fails.
     Rank() = default;
     Rank(const Rank&) = delete;
     Rank& operator=(const Rank&) = delete;
@@ -36,6 +35,7 @@ struct Rank {
     const WallTile& tile() const { return plan.layout.tiles[static_cast<std::size_t>(number)]; }
 
     /// What to say when the scene's readers end the process: the last line that they have printed.
+    /// To be called once messages are held.
     /// \param errors  what they have printed to standard error
     std::string readersComplaint(const std::string& errors = "") const;
 };
