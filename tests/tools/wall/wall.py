@@ -174,8 +174,9 @@ class Input(Walls):
         self.await_lines(process, "show.log", lambda lines: any(
             re.search(rf" event 5 60 80 {ord('v')} 0", line) for line in lines), "a drag")
         self.xdotool("keyup", "v", "mouseup", 1)
-        window = subprocess.run(["xdotool", "search", "--class", "kelpix"], check=True,
-                                capture_output=True, text=True).stdout.split()[-1]
+        # Both windows tell their rate in their titles.
+        window = subprocess.run(["xdotool", "search", "--name", r"^kelpix \([0-9.]+ fps\)$"],
+                                check=True, capture_output=True, text=True).stdout.split()[1]
         self.xdotool("windowfocus", "--sync", window, "key", "q")
         self.assertEqual(self.finish(process), (0, ""))
         # All frames are as they were, with this input.
