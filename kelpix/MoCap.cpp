@@ -1,5 +1,6 @@
 #include "MoCap.h"
 
+#include "MemoryWords.h"
 #include "OpenFile.h"
 #include "Rates.h"
 #include "TextWords.h"
@@ -35,10 +36,15 @@ bool readWord(std::FILE* file, Word& word)
     return true;
 }
 
+/// Reads a word as atof does, plain decimal numbers faster.
 float readNumber(std::FILE* file, Word& word)
 {
     readWord(file, word);
-    return static_cast<float>(std::atof(word.data()));
+    double number = 0;
+    if (!Files::numberOf(word.data(), number)) {
+        number = std::atof(word.data());
+    }
+    return static_cast<float>(number);
 }
 
 Vec3 readVector(std::FILE* file, Word& word)
