@@ -1,17 +1,24 @@
 #include "Job.h"
 
+#include "Child.h"
+#include "HardwareCounter.h"
+
 #include <algorithm>
 #include <benchmark/benchmark.h>
 #include <cstdio>
 #include <cstring>
+#include <linux/perf_event.h>
 #include <map>
+#include <optional>
 #include <valgrind/callgrind.h>
 
 namespace bench {
 namespace {
 
 constexpr int ROUNDS = 15;
-constexpr double SECONDS = 0.02; // at least, of one contender in one round
+constexpr int LEAST_ROUNDS = 5;
+constexpr double SECONDS = 0.02;      // at least, of one contender in one round
+constexpr double SECONDS_OF_JOB = 10; // after that no round begins, but for the least
 
 /// Of each contender the cost per item in nanoseconds, or in the job's unit; one number a round.
 using Samples = std::map<std::string, std::vector<double>>;
@@ -72,7 +79,11 @@ Samples timed(const Job& job)
     }
     Samples samples;
     Collector collector(samples, job.items);
+    const double start = wallClock();
     for (int round = 0; round < ROUNDS; ++round) {
+        if (round >= LEAST_ROUNDS && wallClock() - start > SECONDS_OF_JOB) {
+            break;
+        }
         benchmark::RunSpecifiedBenchmarks(&collector, ".");
     }
     return samples;
@@ -84,6 +95,28 @@ Samples quantities(const Job& job)
     Samples samples;
     for (const Contender& contender : job.contenders) {
         samples[contender.name] = {contender.measure() / job.items};
+    }
+    return samples;
+}
+
+/// Lets the processor count the misses of its last cache in one more operation of each contender.
+/// \return nothing where it does not
+Samples missesOf(const Job& job)
+{
+    HardwareCounter counter(PERF_TYPE_HARDWARE, PERF_COUNT_HW_CACHE_MISSES);
+    Samples samples;
+    for (const Contender& contender : job.contenders) {
+        if (!contender.run) {
+            continue;
+        }
+        if (contender.reset) {
+            contender.reset();
+        }
+        counter.start();
+        contender.run();
+        if (const std::optional<std::uint64_t> misses = counter.stop()) {
+            samples[contender.name] = {static_cast<double>(*misses) / job.items};
+        }
     }
     return samples;
 }
@@ -135,13 +168,17 @@ void printTable(const Job& job, const Samples& samples)
     }
 }
 
-void printSamples(const Job& job, const Samples& samples)
+void printSamples(const Job& job, const Samples& samples, const char* unit)
 {
     for (const Contender& contender : job.contenders) {
-        std::printf("%s\t%s\t%s\t%s", job.name.c_str(), job.item.c_str(), unitOf(job),
+        const auto found = samples.find(contender.name);
+        if (found == samples.end()) {
+            continue;
+        }
+        std::printf("%s\t%s\t%s\t%s", job.name.c_str(), job.item.c_str(), unit,
                     contender.name.c_str());
-        for (const double time : samples.at(contender.name)) {
-            std::printf("\t%.3f", time);
+        for (const double number : found->second) {
+            std::printf("\t%.3f", number);
         }
         std::printf("\n");
     }
@@ -198,7 +235,12 @@ int run(int argc, char** argv, const std::vector<JobMaker>& makers)
             continue;
         }
         const Samples samples = job.unit.empty() ? timed(job) : quantities(job);
-        samplesOnly ? printSamples(job, samples) : printTable(job, samples);
+        if (samplesOnly) {
+            printSamples(job, samples, unitOf(job));
+            printSamples(job, missesOf(job), "misses");
+        } else {
+            printTable(job, samples);
+        }
         std::fflush(stdout);
     }
     return 0;

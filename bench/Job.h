@@ -44,10 +44,11 @@ using JobMaker = std::function<Job()>;
 /// What main of a benchmark program returns. For each job: checks that the contenders agree, then
 ///   - without options: times all contenders in turn, round after round, and prints a table;
 ///   - with --samples: prints a line for each contender instead, which judge.py reads: job, item,
-///     unit ("ns" for time), contender, and the cost per item of each round, separated by tabs;
-///   - with --count, under callgrind: counts the instructions of one operation of each contender,
-///     which callgrind writes into one file each, with job, item, contender and items per operation
-///     in it.
+///     unit ("ns" for time), contender, and the cost per item of each round, separated by tabs; and
+///     with the unit "misses" those of the last cache, where the processor counts them;
+///   - with --count, under callgrind: counts the instructions and misses of one operation of each
+///     contender, which callgrind writes into one file each, with job, item, contender and items
+///     per operation in it.
 /// A further argument is the name of the only job to do.
 int run(int argc, char** argv, const std::vector<JobMaker>& makers);
 
