@@ -71,7 +71,7 @@ void Sensor::doupdate()
     if (recorded == nullptr) {
         std::exit(1);
     }
-    *recorded = *recorded * 0.45f;
+    *recorded = *recorded * SCALE;
     const float prevX = transformmat[12];
     const float prevY = transformmat[13];
     place(*recorded);
@@ -95,20 +95,26 @@ Vec3* Sensor::recordedPosition()
     return series[static_cast<std::size_t>(step)];
 }
 
+Vec3 Sensor::placeOf(const Vec3& scaled, int id)
+{
+    Vec3 at(scaled.x, scaled.y, 0);
+    if (id == 0) {
+        shift(at.x, 0.05);
+    }
+    if (id == 2) {
+        shift(at.x, -0.05);
+    }
+    shift(at.y, -0.1);
+    shift(at.x, 0.55);
+    return at;
+}
+
 void Sensor::place(const Vec3& recorded)
 {
-    transformmat[12] = recorded.x;
-    transformmat[13] = recorded.y;
-    transformmat[14] = 0;
-    if (sensorId == 0) {
-        shift(transformmat[12], 0.05);
-    }
-    if (sensorId == 2) {
-        shift(transformmat[12], -0.05);
-    }
-    shift(transformmat[13], -0.1);
-    shift(transformmat[12], 0.55);
-    pos.set(transformmat[12], transformmat[13], transformmat[14]);
+    pos = placeOf(recorded, sensorId);
+    transformmat[12] = pos.x;
+    transformmat[13] = pos.y;
+    transformmat[14] = pos.z;
 }
 
 void Sensor::limitSpeed(float prevX, float prevY)

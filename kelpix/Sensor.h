@@ -17,6 +17,9 @@ class SensorRep;
 /// \snippet creature.cpp sensors
 class Sensor : public Node {
 public:
+    /// World units of a unit of the recording.
+    static constexpr float SCALE = 0.45f;
+
     Vec3 pos;               ///< position of this update, before the speed limit
     Vec3 pos_old;           ///< pos of the last update
     Vec3 vel;               ///< movement in the last update, each component limited to 0.15
@@ -33,6 +36,12 @@ public:
 
     /// Only sets initialized.
     void initialize();
+
+    /// Where a sensor places itself.
+    /// \param scaled  the recorded position times SCALE, each component in single precision
+    /// \param id      of the sensor
+    /// \return the place in the parent's frame, z is 0
+    static Vec3 placeOf(const Vec3& scaled, int id);
 
     /// Returns 1: it is never culled.
     int cull() override;

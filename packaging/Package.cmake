@@ -81,6 +81,16 @@ Shows the scene of kelpix on screens or projectors that several machines drive:
 each computes the same scene and draws its own part, and all show a frame
 together. Open MPI starts the machines and keeps them in step.")
 
+set(CPACK_DEBIAN_KELPIX-LIVE_PACKAGE_NAME kelpix-live)
+set(CPACK_DEBIAN_KELPIX-LIVE_PACKAGE_SECTION graphics)
+set(CPACK_DEBIAN_KELPIX-LIVE_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_KELPIX-LIVE_PACKAGE_DEPENDS "kelpix (= ${PROJECT_VERSION})") # the media
+set(CPACK_DEBIAN_KELPIX-LIVE_PACKAGE_SUGGESTS liblo-tools) # sends messages to try it
+set(CPACK_DEBIAN_KELPIX-LIVE_DESCRIPTION "underwater scene whose figures follow a person
+Plays the scene of kelpix while other programs move its figures and its view
+with OSC messages: trackers, controllers, lighting and sound desks. The fish
+follow the figures. What was danced can be kept as a recording.")
+
 set(CPACK_DEBIAN_LIBKELPIX-DEV_PACKAGE_NAME libkelpix-dev)
 set(CPACK_DEBIAN_LIBKELPIX-DEV_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_LIBKELPIX-DEV_PACKAGE_DEPENDS "${dev_depends}")

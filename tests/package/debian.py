@@ -16,7 +16,10 @@ import unittest
 FOLDER = pathlib.Path(sys.argv.pop())
 ROOT = pathlib.Path(sys.argv.pop())
 PACKAGES = sorted((FOLDER / "packages").glob("*.deb"))
-*WALL, KELPIX, DEV = PACKAGES  # kelpix-wall is built where there is Open MPI
+*FURTHER, KELPIX, DEV = PACKAGES
+# Built where there are Open MPI and liblo.
+WALL = [package for package in FURTHER if package.name.startswith("kelpix-wall")]
+LIVE = [package for package in FURTHER if package.name.startswith("kelpix-live")]
 USR = FOLDER / "root/usr"
 BUILD = FOLDER.parents[2]
 sys.path.insert(0, str(ROOT / "tests/checks"))
@@ -91,6 +94,15 @@ class Packages(unittest.TestCase):
             self.assertLessEqual({"libc6", "libfltk-gl1.3", "libopenmpi3", "openmpi-bin"}, names)
             self.assertFalse([name for name in names if name.endswith("-dev")])
 
+    def test_the_live_scene_needs_the_scene_and_liblo(self):
+        version = output("dpkg-deb", "--field", KELPIX, "Version").strip()
+        for package in LIVE:
+            entries = depends(package)
+            self.assertIn(f"kelpix (= {version})", entries)
+            self.assertIn("liblo7", {entry.split(" ")[0] for entry in entries})
+        for package in set(PACKAGES) - set(LIVE) - set(WALL):
+            self.assertNotIn("liblo", " ".join(depends(package)))
+
     def test_the_framework_needs_what_its_build_needs(self):
         lines = (ROOT / "cmake/packages.txt").read_text().splitlines()
         wanted = [line.split()[1] for line in lines if line.startswith("build ")]
@@ -117,12 +129,14 @@ class Packages(unittest.TestCase):
     def test_every_program_has_a_man_page(self):
         programs = {path.name for path in (USR / "bin").iterdir()}
         self.assertEqual(programs, {"kelpix", "kelpix-media", "kelpix-record", "kelpix-show",
-                                    "kelpix-soak", *["kelpix-wall" for _ in WALL]})
+                                    "kelpix-soak", *["kelpix-live" for _ in LIVE],
+                                    *["kelpix-wall" for _ in WALL]})
         self.assertEqual({path.name for path in (USR / "share/man/man1").iterdir()},
                          {f"{name}.1.gz" for name in programs})
 
     def test_the_documents_are_in_and_what_they_show_and_link_to(self):
-        for package, names in [("kelpix", "faults live media recording running scene"),
+        for package, names in [("kelpix", "faults media recording running scene"),
+                               *[("kelpix-live", "live") for _ in LIVE],
                                *[("kelpix-wall", "wall") for _ in WALL],
                                ("libkelpix-dev", "architecture first-hour framework limits")]:
             count = 0
@@ -135,7 +149,7 @@ class Packages(unittest.TestCase):
                 self.assertEqual(prose.count("\n"), re.sub(
                     r"^```.*?^```$", "", (ROOT / "docs" / path.name).read_text(),
                     flags=re.M | re.S).count("\n"), "nothing of it is lost")
-            self.assertGreater(count, 0 if package == "kelpix-wall" else 6)
+            self.assertGreater(count, 6 if package in ("kelpix", "libkelpix-dev") else 0)
 
     def test_the_licenses_are_in(self):
         for package in [path.name.split("_")[0] for path in PACKAGES]:

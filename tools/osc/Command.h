@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 
 namespace osc {
@@ -24,6 +25,8 @@ struct Command {
     float x = 0;
     float y = 0;
     std::uint32_t seed = 0; ///< SEED
+    /// When it came due, of std::chrono::steady_clock: when it arrived, or the time of its bundle.
+    std::chrono::nanoseconds due{0};
 };
 
 } // namespace osc

@@ -119,6 +119,7 @@ std::vector<Command> Inbox::take(nanoseconds steady)
     std::ranges::sort(queue, isBefore);
     for (const Item& item : queue) {
         commands.push_back(item.command);
+        commands.back().due = item.due;
     }
     queue.clear();
     return commands;

@@ -2,6 +2,7 @@
 
 #include "Command.h"
 #include "Counts.h"
+#include "PortTaken.h"
 
 #include <cstdint>
 #include <memory>
@@ -26,7 +27,8 @@ public:
     /// senders of this
     ///                 machine alone, 0.0.0.0 for those of all networks
     /// \param port     0: any that is free
-    /// Throws std::runtime_error with a line for people when it cannot.
+    /// Throws std::runtime_error with a line for people when it cannot, PortTaken when another
+    /// program listens there.
     OscInput(const std::string& address, std::uint16_t port);
     OscInput(const OscInput&) = delete;
     OscInput& operator=(const OscInput&) = delete;
@@ -39,8 +41,8 @@ public:
 
     /// \return what is due now, oldest first: for each figure at most one FIGURE or RELEASE, the
     /// newest; at most
-    ///         one SEED or RESTART, and none for a second after it; of all others at most 256.
-    ///         Messages of one bundle come together. It never waits for the network.
+    ///         one SEED or RESTART, and none for Inbox::RENEWAL_PAUSE after it; of all others at
+    ///         most 256. Messages of one bundle come together. It never waits for the network.
     std::vector<Command> take();
 
     /// \param line  what /status is answered with; at most 400 bytes of it

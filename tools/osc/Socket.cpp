@@ -1,5 +1,7 @@
 #include "Socket.h"
 
+#include "PortTaken.h"
+
 #include <cerrno>
 #include <cstring>
 #include <memory>
@@ -58,19 +60,25 @@ std::string textOf(int error)
 Socket::Socket(const std::string& address, std::uint16_t port)
 {
     std::string why;
+    bool taken = false;
     const Addresses addresses = find(address, port, why);
     // Senders know IPv4 best, and a name such as localhost may be both.
     for (const int family : {AF_INET, AF_INET6}) {
         for (const addrinfo* next = addresses.get(); next != nullptr; next = next->ai_next) {
             if (file == -1 && next->ai_family == family) {
                 file = open(*next);
+                taken = errno == EADDRINUSE;
                 why = textOf(errno);
             }
         }
     }
     if (file == -1) {
-        throw std::runtime_error("OSC: cannot listen at " + address + ", port " +
-                                 std::to_string(port) + ": " + why);
+        const std::string line =
+            "OSC: cannot listen at " + address + ", port " + std::to_string(port) + ": " + why;
+        if (taken) {
+            throw PortTaken(line);
+        }
+        throw std::runtime_error(line);
     }
 }
 

@@ -19,7 +19,8 @@ class Socket {
 public:
     /// \param address  of this machine, as a number or a name, of IPv4 or IPv6
     /// \param port     0: any that is free
-    /// Throws std::runtime_error with a line for people when it cannot be bound.
+    /// Throws std::runtime_error with a line for people when it cannot be bound, PortTaken when
+    /// another program has the port.
     Socket(const std::string& address, std::uint16_t port);
     Socket(const Socket&) = delete;
     Socket& operator=(const Socket&) = delete;

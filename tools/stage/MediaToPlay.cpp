@@ -2,6 +2,13 @@
 
 namespace fs = std::filesystem;
 
+fs::path fromProgram(const fs::path& path)
+{
+    std::error_code error;
+    const fs::path program = fs::read_symlink("/proc/self/exe", error);
+    return (program.parent_path() / path).lexically_normal();
+}
+
 fs::path mediaToPlay(const fs::path& named, const fs::path& installed)
 {
     if (!named.empty()) {
@@ -11,6 +18,5 @@ fs::path mediaToPlay(const fs::path& named, const fs::path& installed)
     if (fs::exists("data/mocap.txt", error)) {
         return ".";
     }
-    const fs::path program = fs::read_symlink("/proc/self/exe", error);
-    return (program.parent_path() / installed).lexically_normal();
+    return fromProgram(installed);
 }

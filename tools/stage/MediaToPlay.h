@@ -2,6 +2,9 @@
 
 #include <filesystem>
 
+/// \return a path that is given as seen from the folder of this process's program
+std::filesystem::path fromProgram(const std::filesystem::path& path);
+
 /// The folder whose media a program plays.
 /// \param named      what the user has named, may be empty
 /// \param installed  where the installed media are, as seen from the program's own folder

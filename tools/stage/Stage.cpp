@@ -1,24 +1,75 @@
 #include "Stage.h"
 
+#include "Boid.h"
 #include "Environment.h"
+#include "ImageJPEG.h"
+#include "ImagePNG.h"
 #include "MoCap.h"
+#include "PivotNode.h"
+#include "RootNode.h"
 #include "Sensor.h"
+#include "SensorRep.h"
+#include "Shapes.h"
+#include "Texture.h"
 
 #include <cstdlib>
+#include <memory>
 #include <vector>
 
 namespace {
+
+/// Of all stages whose nodes live: these stay reachable.
+std::vector<Environment*>& environments()
+{
+    static auto* const all = new std::vector<Environment*>;
+    return *all;
+}
 
 /// Adds the water as a process does that has just started: its random numbers are those after
 /// srand(\p seed), and no frame has been drawn yet.
 Environment* addWater(UnderwaterScene& scene, unsigned seed)
 {
-    static auto* const all = new std::vector<Environment*>; // they stay reachable
     emitt = 0;
     std::srand(seed);
     scene.addWater(nullptr);
-    all->push_back(scene.water);
+    environments().push_back(scene.water);
     return scene.water;
+}
+
+/// Frees an object, which is of this class and not of a derived one: destructors are not virtual.
+template<typename Class>
+void free(Class* object)
+{
+    if (object != nullptr) {
+        std::destroy_at(object);
+        ::operator delete(static_cast<void*>(object));
+    }
+}
+
+void freeTexture(Texture* texture)
+{
+    switch (texture->imageFormat) {
+    case IMAGE_JPEG:
+        free(static_cast<ImageJPEG*>(texture->data));
+        break;
+    case IMAGE_PNG:
+        free(static_cast<ImagePNG*>(texture->data));
+        break;
+    }
+    delete texture;
+}
+
+/// Frees a boid or a sensor, with its body.
+void freeChild(Node* child)
+{
+    if (child->getType() == RTTI_PARTICLE) {
+        child->cleanup();
+        free(static_cast<Boid*>(child));
+    } else {
+        auto* sensor = static_cast<Sensor*>(child);
+        delete sensor->rep;
+        free(sensor);
+    }
 }
 
 } // namespace
@@ -35,6 +86,23 @@ Stage::~Stage()
 {
     // Not by font_data::clean, which needs the GL context: it may be gone by now.
     delete[] font.textures;
+}
+
+void Stage::freeNodes()
+{
+    for (Node* child : water->children) {
+        freeChild(child);
+    }
+    delete water->geom;
+    for (Texture* texture : {water->tex, water->fishTex, water->bubbleTex}) {
+        freeTexture(texture);
+    }
+    delete recording;
+    std::erase(environments(), water);
+    free(water);
+    free(scene.pivot);
+    free(scene.root);
+    scene.graph = SceneGraph();
 }
 
 void Stage::update(int step)

@@ -35,7 +35,7 @@ public:
     };
 
     UnderwaterScene scene;
-    Environment* water; ///< the scene's; lives until the process ends
+    Environment* water; ///< the scene's
     MoCap* recording;   ///< borrows; the environment's
     Window window;      ///< never shown: it holds the camera, and takes input by Window::handle
 
@@ -43,8 +43,8 @@ public:
     /// \param width,height  of what is drawn, pixels
     Stage(int width, int height, unsigned seed, Voice voice);
 
-    /// Frees neither nodes nor GL objects: nodes live until the process ends, display lists and
-    /// textures as long as their GL context.
+    /// Frees neither nodes nor GL objects: nodes live until the process ends unless freeNodes was
+    /// called, display lists and textures as long as their GL context.
     ~Stage();
     Stage(const Stage&) = delete;
     Stage& operator=(const Stage&) = delete;
@@ -66,6 +66,10 @@ public:
     /// before its first update and once after each. Needs: current GL context, the same one at each
     /// call; the first call sets it up.
     void draw() { window.draw(); }
+
+    /// Frees the nodes, the recording, and the pixels of the textures. Afterwards the stage can
+    /// only be destroyed. Needs: the GL context, if a frame was drawn.
+    void freeNodes();
 
     /// The state of the scene in numbers; see StateHash.
     StateHash hash() const { return hashOf(*water, window); }

@@ -275,6 +275,7 @@ TEST(OscInputTest, SaysWhyItCannotListen)
     EXPECT_EQ(errorOf([&] { OscInput("127.0.0.1", first.port()); }),
               "OSC: cannot listen at 127.0.0.1, port " + std::to_string(first.port()) +
                   ": another program listens there");
+    EXPECT_THROW(OscInput("127.0.0.1", first.port()), osc::PortTaken);
     EXPECT_EQ(errorOf([] { OscInput("192.0.2.1", 9000); }), // an address of documents
               "OSC: cannot listen at 192.0.2.1, port 9000: that is no address of this machine");
     EXPECT_THAT(errorOf([] { OscInput("", 9000); }),

@@ -2,10 +2,10 @@
 
 #include "HeldMessages.h"
 #include "Plan.h"
+#include "SceneSound.h"
 #include "TilePattern.h"
 #include "TileWindow.h"
 #include "WallScene.h"
-#include "WallSound.h"
 
 #include <cstdint>
 #include <optional>
@@ -25,7 +25,7 @@ struct Rank {
     std::optional<TileWindow> window;     ///< made before what is drawn in it
     std::optional<WallScene> scene;       ///< none for a test pattern
     std::optional<TilePattern> pattern;   ///< instead of the scene, if it is asked for
-    std::optional<WallSound> sound;       ///< of rank 0, unless the clock is virtual
+    std::optional<SceneSound> sound;      ///< of rank 0, unless the clock is virtual
 
     Rank() = default;
     Rank(const Rank&) = delete;

@@ -11,6 +11,7 @@
 #include "Rank.h"
 #include "RollCall.h"
 #include "Say.h"
+#include "SceneSound.h"
 
 #include <chrono>
 #include <optional>
@@ -25,14 +26,6 @@ namespace fs = std::filesystem;
 
 constexpr int INCOMPLETE = 1;
 constexpr int CANNOT_GO_ON = 3;
-
-/// \return the path of a file that is installed beside the folder of the media
-fs::path installed(const char* name)
-{
-    std::error_code error;
-    const fs::path program = fs::read_symlink("/proc/self/exe", error);
-    return (program.parent_path() / KELPIX_MEDIA_FROM_PROGRAM / ".." / name).lexically_normal();
-}
 
 /// The same options once the working directory is another one.
 Options anywhere(Options options)
@@ -80,7 +73,7 @@ int play(const Options& given, MpiTransport& net)
 int playTile(const Options& options)
 {
     if (isFirstRank() && !options.isVirtual && !options.pattern &&
-        !WallSound::chooseDevice(installed("alsoft.conf").c_str())) {
+        !SceneSound::chooseDevice(KELPIX_MEDIA_FROM_PROGRAM)) {
         say(hostName() + ": no sound device: the voice plays silently");
     }
     quietenTopology();

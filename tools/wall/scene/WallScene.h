@@ -2,11 +2,8 @@
 
 #include "FrameRecord.h"
 #include "RampOverlay.h"
-#include "RandomNumbers.h"
-#include "Stage.h"
+#include "StagePlay.h"
 #include "WallLayout.h"
-
-#include <memory>
 
 namespace wall {
 
@@ -20,9 +17,8 @@ public:
     /// \param voice   of the virtual clock
     WallScene(const WallLayout& layout, const WallTile& tile, Stage::Voice voice);
 
-    /// Begins anew as a process does that has just started. Frees the recording and the GL objects
-    /// of the scene before; its nodes stay until the process ends. Needs: the tile's GL context,
-    /// from the second call on. Prints what the scene prints.
+    /// Begins anew as a process does that has just started. Needs: the tile's GL context, from the
+    /// second call on. Prints what the scene prints.
     void begin(unsigned seed);
 
     /// Hands an event to the scene.
@@ -36,7 +32,7 @@ public:
     /// the whole wall, as the scene's input needs it. Needs: the tile's GL context.
     void draw();
 
-    StateHash hash() const;
+    StateHash hash() const { return play.hash(); }
 
     /// That, and the numbers of children of the water and of nodes in view.
     State state() const;
@@ -45,18 +41,14 @@ public:
     int numSteps() const;
 
     /// The step that the virtual clock has for the next update.
-    int nextStep() const { return stage->nextStep(); }
-    bool isVoiceOver() const { return stage->isVoiceOver(); }
+    int nextStep() const { return play.stage().nextStep(); }
+    bool isVoiceOver() const { return play.stage().isVoiceOver(); }
 
 private:
     const WallLayout& wall;
     const WallTile& part;
-    Stage::Voice clockVoice;
-    mutable RandomNumbers numbers;
-    std::unique_ptr<Stage> stage;
+    StagePlay play;
     RampOverlay ramps;
-
-    void end();
 };
 
 /// Throws std::runtime_error when the current GL context cannot draw the tile: its viewport, which

@@ -1,8 +1,6 @@
 #pragma once
 
-namespace wall {
-
-/// When the frames of a wall are due: evenly, and after a late one evenly from there, so that no
+/// When the frames of a show are due: evenly, and after a late one evenly from there, so that no
 /// frame makes up for another.
 class FramePace {
 public:
@@ -28,5 +26,3 @@ private:
     double due = 0;
     bool started = false;
 };
-
-} // namespace wall

@@ -2,8 +2,6 @@
 
 #include <cstdlib>
 
-namespace wall {
-
 /// Random numbers of the scene alone: what libraries draw between its updates and draws does not
 /// change them.
 class RandomNumbers {
@@ -32,5 +30,3 @@ private:
     /// As many as a process starts with, so that the numbers of a seed are the same.
     alignas(long) char state[128];
 };
-
-} // namespace wall

@@ -1,16 +1,14 @@
-#include "WallSound.h"
+#include "SceneSound.h"
 
+#include "MediaToPlay.h"
 #include "MoCap.h"
 
 #include <AL/alc.h>
 #include <cstdlib>
 #include <fcntl.h>
-#include <filesystem>
 #include <string>
 #include <sys/wait.h>
 #include <unistd.h>
-
-namespace wall {
 
 namespace {
 
@@ -45,11 +43,12 @@ bool hasDevice()
 
 } // namespace
 
-bool WallSound::chooseDevice(const char* configuration)
+bool SceneSound::chooseDevice(const std::filesystem::path& installedMedia)
 {
+    const std::filesystem::path configuration = fromProgram(installedMedia / ".." / "alsoft.conf");
     std::error_code error;
     if (!hasOwnSettings() && std::filesystem::exists(configuration, error)) {
-        setenv("ALSOFT_CONF", configuration, 1);
+        setenv("ALSOFT_CONF", configuration.c_str(), 1);
     }
     const bool found = hasDevice();
     if (!found) {
@@ -58,19 +57,19 @@ bool WallSound::chooseDevice(const char* configuration)
     return found;
 }
 
-WallSound::Device::Device()
+SceneSound::Device::Device()
 {
     OggSound::initAL(nullptr, nullptr);
 }
 
-WallSound::Device::~Device()
+SceneSound::Device::~Device()
 {
     if (alcGetCurrentContext() != nullptr) {
         OggSound::exitAL();
     }
 }
 
-WallSound::WallSound()
+SceneSound::SceneSound()
 {
     voice.load("sound/magpie_vocal.ogg");
     bubbles.load("sound/bubbles_sound.ogg");
@@ -78,23 +77,21 @@ WallSound::WallSound()
     bubbles.setVolume(0.2f);
 }
 
-WallSound::~WallSound() = default;
+SceneSound::~SceneSound() = default;
 
-void WallSound::begin()
+void SceneSound::begin()
 {
     voice.play();
     bubbles.loopyPlay();
     playing = true;
 }
 
-int WallSound::step(int numSteps)
+int SceneSound::step(int numSteps)
 {
     return MoCap::stepAt(numSteps, voice.getPlaybackOffset());
 }
 
-bool WallSound::isOver()
+bool SceneSound::isOver()
 {
     return playing && voice.getState() == AL_STOPPED;
 }
-
-} // namespace wall

@@ -2,27 +2,27 @@
 
 #include "OggSound.h"
 
-namespace wall {
+#include <filesystem>
 
-/// The voice and the sound underneath, on the one rank that is heard. The voice is the clock of the
-/// recording.
-class WallSound {
+/// The voice and the sound underneath, as they are heard. The voice is the clock of the recording.
+class SceneSound {
 public:
     /// Chooses what OpenAL plays on, before it is used for the first time in this process: a fine
     /// clock, unless the user has settings of their own, and without a sound device silence that
     /// takes its time. Starts a process for a moment.
-    /// \param configuration  OpenAL's settings for a fine clock; may be missing
+    /// \param installedMedia  as seen from the program's folder: beside them lie OpenAL's settings
+    ///                        for a fine clock, which may be missing
     /// \return whether there is a sound device
-    static bool chooseDevice(const char* configuration);
+    static bool chooseDevice(const std::filesystem::path& installedMedia);
 
     /// Opens the device and reads both sounds from the working directory. Ends the process as
     /// OggSound::load does.
-    WallSound();
-    WallSound(const WallSound&) = delete;
-    WallSound& operator=(const WallSound&) = delete;
+    SceneSound();
+    SceneSound(const SceneSound&) = delete;
+    SceneSound& operator=(const SceneSound&) = delete;
 
     /// Closes the device.
-    ~WallSound();
+    ~SceneSound();
 
     /// Plays both from the start.
     void begin();
@@ -43,5 +43,3 @@ private:
     OggSound bubbles;
     bool playing = false;
 };
-
-} // namespace wall

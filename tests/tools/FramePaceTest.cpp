@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-TEST(WallFramePaceTest, FramesAreDueAtTheirRate)
+TEST(FramePaceTest, FramesAreDueAtTheirRate)
 {
-    wall::FramePace pace(4);
+    FramePace pace(4);
     EXPECT_EQ(pace.untilNext(100), 0);
     pace.begin();
     EXPECT_EQ(pace.untilNext(100.125), 0.125);
@@ -13,9 +13,9 @@ TEST(WallFramePaceTest, FramesAreDueAtTheirRate)
     EXPECT_EQ(pace.untilNext(100.375), 0.125) << "a frame's own time does not count";
 }
 
-TEST(WallFramePaceTest, ALateFrameIsNotMadeUpFor)
+TEST(FramePaceTest, ALateFrameIsNotMadeUpFor)
 {
-    wall::FramePace pace(4);
+    FramePace pace(4);
     pace.untilNext(100);
     pace.begin();
     EXPECT_EQ(pace.untilNext(107), 0);
@@ -23,9 +23,9 @@ TEST(WallFramePaceTest, ALateFrameIsNotMadeUpFor)
     EXPECT_EQ(pace.untilNext(107), 0.25) << "no burst of frames";
 }
 
-TEST(WallFramePaceTest, AFrameThatIsALittleLateKeepsTheRhythm)
+TEST(FramePaceTest, AFrameThatIsALittleLateKeepsTheRhythm)
 {
-    wall::FramePace pace(4);
+    FramePace pace(4);
     pace.untilNext(100);
     pace.begin();
     EXPECT_EQ(pace.untilNext(100.375), 0);
