@@ -31,6 +31,9 @@ constexpr double EARLIER = 0.08; // seconds
 /// A figure at this height is not seen, neither its body nor its tentacles.
 constexpr double OUT_OF_SIGHT = 1.2;
 
+/// Fish swim 0.007 an update, of which there are 40 a second.
+constexpr double LEAVING_SPEED = 0.018 * Rates::UPDATES;
+
 /// An update of the scene passes over three records at most: so long a figure is out of sight
 /// before it goes home, or its way down would be seen.
 constexpr double UNSEEN = 3.0 / Rates::RECORDS; // seconds
@@ -150,7 +153,7 @@ Point Path::at(double now)
     } else if (!leaves && now >= coda.leave) {
         const double way = OUT_OF_SIGHT - static_cast<double>(dancer.place().y);
         const double left = coda.home - UNSEEN - now - Dancer::TURNING / 2;
-        dancer.leave(std::max(ending.speed, way / left));
+        dancer.leave(std::max(LEAVING_SPEED, way / left));
         leaves = true;
     }
     const Point place = dancer.place();

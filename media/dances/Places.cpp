@@ -1,7 +1,5 @@
 #include "Places.h"
 
-#include "Rates.h"
-
 namespace media {
 
 namespace {
@@ -41,9 +39,7 @@ constexpr Places LATE_FAREWELL_PLACES = {{{0.31f, 0.29f}, {0.0f, 0.73f}, {-0.31f
 /// Fish turn round below this height.
 constexpr float CEILING = 0.95f;
 
-/// Fish swim 0.007 an update.
-constexpr double LEAVING_SPEED = 0.018 * Rates::UPDATES;
-constexpr double LATE_LEAVING_SPEED = 0.031 * Rates::UPDATES;
+/// Then the schools sink fastest.
 constexpr double LATE_BEATS = 7.6;
 
 Point on(const Region& stage, Point place)
@@ -96,13 +92,13 @@ Ending endingIn(const Region& view)
 {
     const Region stage = stageIn(view);
     if (view.top < CEILING) {
-        return {on(stage, LATE_FAREWELL_PLACES), FAREWELL.size(), LATE_BEATS, LATE_LEAVING_SPEED};
+        return {on(stage, LATE_FAREWELL_PLACES), FAREWELL.size(), LATE_BEATS};
     }
     double beats = 0;
     for (std::size_t i = 0; i < LAST_BREATH; ++i) {
         beats += FAREWELL[i].beats;
     }
-    return {on(stage, FAREWELL_PLACES), LAST_BREATH, beats, LEAVING_SPEED};
+    return {on(stage, FAREWELL_PLACES), LAST_BREATH, beats};
 }
 
 } // namespace media

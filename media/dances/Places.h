@@ -23,7 +23,6 @@ struct Ending {
     std::array<Point, FIGURES> places; ///< where they come together, in the scene's world
     std::size_t strokes;               ///< notes of FAREWELL on which they beat before they leave
     double beats;                      ///< of the coda before they leave
-    double speed;                      ///< with which they leave: at least so much of it a second
 };
 
 /// The ending for a certain view. Fish that the leaving figures draw along come to rest right below
