@@ -98,14 +98,18 @@ void SceneGraph::updateScene(Node* node)
     if (node == nullptr) {
         return;
     }
-    ++currentStep.number;
+    // Also when a node throws, and for a traversal that a node starts within another: no later step
+    // is mistaken for the one that would have come next.
+    struct End {
+        ~End() { currentStep = {nullptr, currentStep.number + 2}; }
+    };
+    const End end;
     updateTree(node);
 }
 
 void SceneGraph::updateTree(Node* node)
 {
-    currentStep.node = node;
-    ++currentStep.number;
+    currentStep = {node->updateptr == nullptr ? node : nullptr, currentStep.number + 1};
     node->update();
     std::list<Node*>& children = *node->getChildList();
     for (auto child = children.begin(); child != children.end(); ++child) {

@@ -8,8 +8,10 @@ class UserEvent;
 
 /// A moment of the update traversals, of all scene graphs together.
 struct UpdateStep {
-    const Node* node = nullptr; ///< being updated, or updated last; only to be compared
-    std::uint64_t number = 0;   ///< goes up by 1 for each node, and for each traversal
+    /// Whose doupdate the traversal calls, or has called last; only to be compared. Null at a node
+    /// with an update function, and after a traversal.
+    const Node* node = nullptr;
+    std::uint64_t number = 0; ///< goes up by 1 for each node, and by 2 as a traversal ends
 };
 
 /// The entry points of a scene and the three traversals of its tree: drawing, updating, events.

@@ -102,6 +102,30 @@ TEST_F(UpdateRunTest, ABoidWithAnUpdateFunctionEndsTheRun)
     EXPECT_TRUE(hasSeen());
 }
 
+TEST_F(UpdateRunTest, AnUpdateFunctionThatRemovesItselfEndsTheRun)
+{
+    all[1]->setUpdateFunc([](Node* node) {
+        node->setUpdateFunc(nullptr);
+        change();
+        node->doupdate();
+    });
+    EXPECT_EQ(runs(), 3u);
+    EXPECT_TRUE(hasSeen());
+}
+
+TEST_F(UpdateRunTest, ATraversalWithinAnotherIsARunOfItsOwn)
+{
+    static Boid* inner = nullptr;
+    inner = all[1];
+    between.onUpdate = [](ProbeNode&) {
+        SceneGraph().updateScene(inner);
+        change();
+    };
+    world->children = {all[0], &between, all[2]};
+    EXPECT_EQ(runs(), 3u);
+    EXPECT_TRUE(hasSeen());
+}
+
 TEST_F(UpdateRunTest, ASpriteWithAnUpdateFunctionEndsTheRun)
 {
     all[1]->boider->setUpdateFunc([](Node*) { change(); });

@@ -9,6 +9,7 @@
 #include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <memory>
+#include <new>
 
 namespace {
 
@@ -105,27 +106,42 @@ TEST_F(SceneGraphTest, AllWalksVisitParentsFirstAndSiblingsInOrder)
                                      "a2.userEvent", "b.userEvent"));
 }
 
+/// Tells the steps that follow one another from those with something else in between.
 TEST_F(SceneGraphTest, TheUpdateStepTellsWhichNodeIsUpdatedAndCountsThemAll)
 {
     static std::vector<UpdateStep> steps;
     steps.clear();
     ProbeNode a("a", journal);
     ProbeNode b("b", journal);
-    root.children = {&a, nullptr, &b};
+    ProbeNode c("c", journal);
+    root.children = {&a, nullptr, &b, &c};
     const auto note = [](ProbeNode&) { steps.push_back(SceneGraph::updateStep()); };
     root.onUpdate = a.onUpdate = b.onUpdate = note;
+    c.setUpdateFunc([](Node*) { steps.push_back(SceneGraph::updateStep()); });
     const std::uint64_t before = SceneGraph::updateStep().number;
     graph.update();
     graph.updateScene(nullptr);
     graph.updateScene(&a);
-    const std::vector<const Node*> nodes = {&root, &a, &b, &a};
-    const std::uint64_t numbers[] = {2, 3, 4, 6};
-    ASSERT_EQ(steps.size(), 4u);
-    for (std::size_t i = 0; i < 4; ++i) {
+    const std::vector<const Node*> nodes = {&root, &a, &b, nullptr, &a};
+    const std::uint64_t numbers[] = {1, 2, 3, 4, 7};
+    ASSERT_EQ(steps.size(), 5u);
+    for (std::size_t i = 0; i < 5; ++i) {
         EXPECT_EQ(steps[i].node, nodes[i]);
-        EXPECT_EQ(steps[i].number, before + numbers[i]) << "one more for each traversal";
+        EXPECT_EQ(steps[i].number, before + numbers[i]) << "two more for the end of a traversal";
     }
-    EXPECT_EQ(SceneGraph::updateStep().number, before + 6);
+    EXPECT_EQ(SceneGraph::updateStep().node, nullptr);
+    EXPECT_EQ(SceneGraph::updateStep().number, before + 9);
+}
+
+TEST_F(SceneGraphTest, ATraversalEndsToTheUpdateStepWhenANodeThrows)
+{
+    ProbeNode a("a", journal);
+    root.children = {&a};
+    a.onUpdate = [](ProbeNode&) { throw std::bad_alloc(); };
+    const std::uint64_t before = SceneGraph::updateStep().number;
+    EXPECT_THROW(graph.update(), std::bad_alloc);
+    EXPECT_EQ(SceneGraph::updateStep().node, nullptr);
+    EXPECT_EQ(SceneGraph::updateStep().number, before + 4);
 }
 
 TEST_F(SceneGraphTest, UpdateCallsAnUpdateFunctionInPlaceOfTheStep)
