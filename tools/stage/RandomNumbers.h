@@ -3,7 +3,8 @@
 #include <cstdlib>
 
 /// Random numbers of the scene alone: what libraries draw between its updates and draws does not
-/// change them.
+/// change them. A library's thread that called rand() meanwhile would; those of OpenAL, Open MPI
+/// and Mesa do not.
 class RandomNumbers {
 public:
     RandomNumbers()

@@ -11,7 +11,8 @@ namespace wall {
 /// The ranks of an MPI job. One object in a process: it starts MPI and ends it.
 ///
 /// All operations are non-blocking ones: a blocking one of one rank would not match a non-blocking
-/// one of another.
+/// one of another. What MPI itself cannot do ends the process, and with it all ranks, with MPI's
+/// message.
 class MpiTransport final : public Transport {
 public:
     /// Starts MPI, which ends the process with its own message when it cannot.

@@ -17,7 +17,7 @@ public:
     TileWindow(int x, int y, int w, int h, int left, int top);
 
     /// Shows it, and makes its GL context current. Throws std::runtime_error when the display
-    /// cannot show it.
+    /// cannot show it, and DisplayFailure (after throwDisplayFailures) when there is none.
     void open();
 
     /// The events since the last call go into the record.

@@ -5,7 +5,8 @@
 namespace wall {
 
 /// How the ranks of a wall reach each other: collective operations, of which each rank has one
-/// under way at a time, in the same order on all ranks.
+/// under way at a time, in the same order on all ranks. A rank that is lost never comes to an
+/// operation: what is waited for then does not end, and whoever waits has to give up.
 class Transport {
 public:
     virtual int rank() const = 0;

@@ -18,7 +18,8 @@ public:
     WallScene(const WallLayout& layout, const WallTile& tile, Stage::Voice voice);
 
     /// Begins anew as a process does that has just started. Needs: the tile's GL context, from the
-    /// second call on. Prints what the scene prints.
+    /// second call on. Prints what the scene prints. The scene's readers may end the process (see
+    /// Stage).
     void begin(unsigned seed);
 
     /// Hands an event to the scene.
@@ -29,7 +30,8 @@ public:
 
     /// Draws the tile's part of the frame into the current framebuffer; what its cameras leave of
     /// the window is black. Afterwards GL's viewport is
-    /// the whole wall, as the scene's input needs it. Needs: the tile's GL context.
+    /// the whole wall, as the scene's input needs it. Needs: the tile's GL context, after begin.
+    /// Throws std::runtime_error, in the first frame, when the font cannot be used.
     void draw();
 
     StateHash hash() const { return play.hash(); }
