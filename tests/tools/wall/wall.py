@@ -297,6 +297,12 @@ class Start(Walls):
     def test_a_medium_that_cannot_be_played(self):
         media = pathlib.Path(self.path("media"))
         shutil.copytree(MEDIA, media, copy_function=os.symlink)
+        # The name of a recording and what is wrong with it are in two lines, the one of the voice is on
+        # standard error.
+        (media / "data" / "dance.txt").unlink()
+        self.expect_line(self.start(TWO, "--virtual", media=str(media)),
+                         f"{HOST}: the media cannot be played: Loading mocap file 0, data/dance.txt: "
+                         "Couldn't read file.")
         voice = media / "sound" / "magpie_vocal.ogg"
         voice.unlink()
         voice.write_bytes(b"no voice")

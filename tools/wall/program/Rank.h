@@ -34,7 +34,8 @@ struct Rank {
     bool isFirst() const { return number == 0; }
     const WallTile& tile() const { return plan.layout.tiles[static_cast<std::size_t>(number)]; }
 
-    /// What to say when the scene's readers end the process: the last line that they have printed.
+    /// What to say when the scene's readers end the process: the last line that they have printed,
+    /// with the one before it if that names the file.
     /// To be called once messages are held.
     /// \param errors  what they have printed to standard error
     std::string readersComplaint(const std::string& errors = "") const;
