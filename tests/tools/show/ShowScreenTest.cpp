@@ -1,7 +1,8 @@
+#include <gtest/gtest.h> // before the macros of Xlib
+
 #include "Screen.h"
 
 #include <cstdlib>
-#include <gtest/gtest.h>
 
 namespace {
 

@@ -2,6 +2,7 @@
 
 #include "Conductor.h"
 
+#include <gtest/gtest.h>
 #include <map>
 #include <string>
 #include <vector>
