@@ -89,8 +89,7 @@ BucketIndex::~BucketIndex()
 
 void BucketIndex::release()
 {
-    const int cells = static_cast<int>(extents[2]) * static_cast<int>(extents[3]);
-    std::for_each(index, index + cells, [](Bucket* bucket) { delete bucket; });
+    std::for_each(index, index + cells(), [](Bucket* bucket) { delete bucket; });
     delete[] index;
     index = nullptr;
     std::fill_n(extents, 4, 0.0f);
@@ -112,11 +111,15 @@ void BucketIndex::initialize(int c, int r, Environment*)
     extents[3] = static_cast<float>(rows);
 }
 
+std::ptrdiff_t BucketIndex::cells() const
+{
+    return static_cast<std::ptrdiff_t>(extents[2]) * static_cast<std::ptrdiff_t>(extents[3]);
+}
+
 Bucket* BucketIndex::cell(int column, int row)
 {
-    const int rows = static_cast<int>(extents[3]);
-    const int number = rows * row + column;
-    return number < static_cast<int>(extents[2]) * rows ? index[number] : nullptr;
+    const std::ptrdiff_t number = static_cast<std::ptrdiff_t>(extents[3]) * row + column;
+    return number < cells() ? index[number] : nullptr;
 }
 
 Bucket* BucketIndex::query(float x, float y)
@@ -133,11 +136,11 @@ void BucketIndex::query(std::vector<Bucket*>* blist, float x0, float y0, float x
     const int r0 = std::max(truncate(y0), 0);
     const int c1 = std::min(truncate(x1), static_cast<int>(extents[2]));
     const int r1 = std::min(truncate(y1), static_cast<int>(extents[3]));
-    const int rows = static_cast<int>(extents[3]);
-    const int cells = static_cast<int>(extents[2]) * rows;
+    const auto rows = static_cast<std::ptrdiff_t>(extents[3]);
+    const std::ptrdiff_t end = cells();
     for (int i = c0; i < c1; ++i) {
-        int number = rows * r0 + i;
-        for (int j = r0; j < r1 && number < cells; ++j) {
+        std::ptrdiff_t number = rows * r0 + i;
+        for (int j = r0; j < r1 && number < end; ++j) {
             blist->push_back(index[number]);
             number += rows;
         }

@@ -3,6 +3,8 @@
 #include "NodeStack.h"
 #include "PackedBoids.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <vector>
 
 class Boid;
@@ -99,6 +101,9 @@ public:
     float* getExtents() { return extents; }
 
 private:
+    /// The number of cells. Like the number of a cell it may be too large for an int: in a grid of
+    /// few columns and many rows, points have numbers far beyond the last cell.
+    std::ptrdiff_t cells() const;
     Bucket* cell(int column, int row);
     void release();
 };

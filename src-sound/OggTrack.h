@@ -8,8 +8,10 @@
 /// An Ogg Vorbis file, decoded whole and without OpenAL: what OggSound plays.
 ///
 /// Decoding touches nothing that other threads could see, so that tracks can be decoded at once,
-/// and beside other work: \code std::future<OggTrack> track = std::async([] { return
-/// OggTrack::decode("voice.ogg"); });
+/// and beside other work:
+///
+/// \code
+/// std::future<OggTrack> track = std::async([] { return OggTrack::decode("voice.ogg"); });
 /// // ...
 /// sound.load(track.get());
 /// \endcode

@@ -292,6 +292,21 @@ TEST(BucketIndexShapesTest, TheStrideIsTheNumberOfRows)
     EXPECT_THAT(cells, ElementsAre(tall.index[0], tall.index[4], tall.index[1], tall.index[5]));
 }
 
+TEST(BucketIndexShapesTest, AColumnOfManyRowsFindsNothingBeyondItsLastCell)
+{
+    // With this stride the numbers of these cells are 2^31 and 2^32.
+    BucketIndex column;
+    column.initialize(1, 65536, nullptr);
+    EXPECT_EQ(column.query(0.5f, 0), column.index[0]);
+    EXPECT_THAT(column.query(0.5f, 32768), IsNull());
+    EXPECT_THAT(column.query(0.5f, 65536), IsNull());
+    std::vector<Bucket*> cells;
+    column.query(&cells, 0, 32768, 1, 65536);
+    EXPECT_THAT(cells, IsEmpty());
+    column.query(&cells, 0, 0, 1, 65536);
+    EXPECT_THAT(cells, ElementsAre(column.index[0]));
+}
+
 TEST(BucketIndexShapesTest, AGridWithoutCellsFindsNothing)
 {
     const std::pair<int, int> sizes[] = {{0, 0}, {0, 5}, {5, 0}, {-3, 4}, {4, -3}, {-1, -1}};
