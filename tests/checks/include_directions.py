@@ -31,8 +31,8 @@ ALLOWED = {
     "tools/steer": ["src-math", "src-rates", "src-core", "src-sound", "kelpix"],
     "tools/commandline": [],
     "tools/record": ["src-math", "src-rates", "src-image", "src-core", "src-sound", "kelpix",
-                     "tools/stage", "tools/commandline", "src-cluster", "tools/wall/layout",
-                     "tools/wall/protocol", "tools/wall/scene"],
+                     "tools/stage", "tools/steer", "tools/commandline", "src-cluster",
+                     "tools/wall/layout", "tools/wall/protocol", "tools/wall/scene"],
     "tools/live": ["src-math", "src-rates", "src-core", "src-sound", "kelpix", "tools/stage",
                    "tools/steer", "tools/osc", "tools/record", "tools/status", "tools/commandline"],
     "tools/desktop": [],
@@ -46,9 +46,9 @@ ALLOWED = {
     "tools/wall/protocol": [],
     "tools/wall/scene": ["src-math", "src-rates", "src-image", "src-core", "src-sound", "kelpix",
                          "tools/stage", "tools/commandline", "src-cluster", "tools/wall/layout",
-                         "tools/wall/drawing", "tools/wall/protocol"],
-    "tools/wall/program": ["src-core", "src-sound", "kelpix", "tools/stage", "tools/commandline",
-                           "tools/record", "tools/status", "src-cluster", "tools/wall/layout",
+                         "tools/wall/drawing", "tools/wall/protocol", "tools/steer"],
+    "tools/wall/program": ["src-core", "src-sound", "kelpix", "tools/stage", "tools/steer", "tools/osc",
+                           "tools/commandline", "tools/record", "tools/status", "src-cluster", "tools/wall/layout",
                            "tools/wall/drawing", "tools/wall/protocol", "tools/wall/scene"],
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"')

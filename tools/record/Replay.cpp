@@ -74,7 +74,7 @@ void Replay::playStep()
     for (const wall::InputEvent& event : frame->inputs) {
         scene.give(event);
     }
-    scene.update(frame->step);
+    scene.update(frame->step, frame->poses);
     scene.draw();
     if (hash().whole() != frame->state) {
         throw std::runtime_error("frame " + std::to_string(frame->frame) +

@@ -102,6 +102,28 @@ TEST_F(ShowLogTest, WhatWasWrittenIsReadAgain)
     EXPECT_FALSE(reader.next().has_value());
 }
 
+TEST_F(ShowLogTest, PlacesOfFiguresAreReadAgainToTheBit)
+{
+    const auto third = static_cast<double>(1.0F / 3);
+    write({{1, 0, 17, std::nullopt, {}, Poses()},
+           {2, 3, 18, 8U, {{19, 1, 2, 3, -1}}, Poses{Place{third, -0.5}, {}, Place{1e-30F, 1}}},
+           {3, 5, 19, std::nullopt, {}}});
+    ShowReader reader("show.log");
+    EXPECT_EQ(reader.next()->poses, Poses());
+    const auto led = reader.next();
+    ASSERT_TRUE(led->poses.has_value());
+    EXPECT_EQ((*led->poses)[0], (Place{third, -0.5}));
+    EXPECT_EQ((*led->poses)[1], std::nullopt);
+    EXPECT_EQ((*led->poses)[2], (Place{static_cast<double>(1e-30F), 1}));
+    EXPECT_EQ(led->inputs.size(), 1U);
+    EXPECT_FALSE(reader.next()->poses.has_value());
+    for (const char* bad : {" figure 0 0 0", " figure 4 0 0", " figure 1 nan 0", " figure 1 0",
+                            " figure 1 0 2000", " figure 1 x 0"}) {
+        EXPECT_THAT(complaint(" figure 3 1e-30 1", bad), HasSubstr("the frame after")) << bad;
+    }
+    EXPECT_THAT(complaint(" steered figure 1", " figure 1"), HasSubstr("the frame after"));
+}
+
 TEST_F(ShowLogTest, TheScaleIsReadAgainToTheBit)
 {
     head.simulated = 1.0 / 3;

@@ -48,6 +48,21 @@ TEST(WallOptionsTest, TakesAllOptions)
     EXPECT_THAT(options.shotFrames, ElementsAre(1, 20, 300));
 }
 
+TEST(WallOptionsTest, MessagesComeToAPortOfThisMachineUnlessAnAddressIsGiven)
+{
+    const auto heard = [](const char* text) { return parseOptions({"a", "--osc", text}).osc; };
+    EXPECT_EQ(heard("9000")->host, "127.0.0.1");
+    EXPECT_EQ(heard("9000")->port, 9000);
+    EXPECT_EQ(heard("0.0.0.0:57120")->host, "0.0.0.0");
+    EXPECT_EQ(heard("0.0.0.0:57120")->port, 57120);
+    EXPECT_EQ(heard("[::1]:9000")->host, "::1");
+    EXPECT_FALSE(parseOptions({"a"}).osc.has_value());
+    for (const char* bad : {"0", "65536", "reef", "reef:", ":9000", "[]:9000", "9000 "}) {
+        EXPECT_THAT(complaint({"a", "--osc", bad}), HasSubstr("--osc takes [ADDRESS:]PORT")) << bad;
+    }
+    EXPECT_EQ(complaint({"a", "--osc", "9000", "--pattern"}), "--pattern does not go with --osc");
+}
+
 TEST(WallOptionsTest, RefusesWhatMakesNoSense)
 {
     EXPECT_EQ(complaint({}), "the wall's description is missing");

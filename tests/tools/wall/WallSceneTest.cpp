@@ -1,5 +1,6 @@
 #include "WallScene.h"
 
+#include "LedFigures.h"
 #include "NullGL.h"
 
 #include <GL/glew.h>
@@ -101,6 +102,51 @@ TEST_F(WallSceneTest, ABeginningIsThatOfANewProcessAndLeavesNoGLObjects)
     EXPECT_EQ(statesOf(scene, SEED), first);
     EXPECT_EQ(nullgl::lists(), lists);
     EXPECT_EQ(nullgl::textures(), textures);
+}
+
+TEST_F(WallSceneTest, FiguresAreLedOnAllTilesAsInTheWholeScene)
+{
+    const auto posesAt = [](int frame) {
+        return Poses{Place{static_cast<double>(0.25F + 0.001F * static_cast<float>(frame)), 0.5}};
+    };
+    Stage stage(200, 200, SEED, VOICE);
+    SteeredRecording recording(*stage.recording);
+    std::vector<std::uint64_t> expected;
+    for (int i = 0; i < FRAMES; ++i) {
+        recording.write(i / 3, posesAt(i)); // each step three times
+        stage.update(i / 3);
+        stage.draw();
+        expected.push_back(stage.hash().whole());
+    }
+    const WallLayout layout = twoTiles();
+    for (const WallTile& tile : layout.tiles) {
+        nullgl::reset();
+        wall::WallScene scene(layout, tile, VOICE);
+        scene.begin(SEED);
+        for (int i = 0; i < FRAMES; ++i) {
+            wall::Lead lead; // in which they travel
+            wall::setPoses(lead, posesAt(i));
+            scene.update(i / 3, wall::posesOf(lead));
+            scene.draw();
+            ASSERT_EQ(scene.hash().whole(), expected[static_cast<std::size_t>(i)]) << i;
+        }
+    }
+}
+
+TEST_F(WallSceneTest, ThePictureIsThatOfTheWholeWall)
+{
+    WallLayout layout = twoTiles();
+    layout.width = 400; // twice as wide as high
+    wall::WallScene scene(layout, layout.tiles[0], VOICE);
+    scene.begin(SEED);
+    const auto place = scene.view().placeAt(0.6, 0.5);
+    ASSERT_TRUE(place);
+    EXPECT_NEAR(place->x, 0.5 + 0.2 * 0.9622504, 1e-6);
+    layout.fit = Fit::cover; // enlarged to that width
+    const auto covered = scene.view().placeAt(0.6, 0.75);
+    ASSERT_TRUE(covered);
+    EXPECT_NEAR(covered->x, 0.5 + 0.1 * 0.9622504, 1e-6);
+    EXPECT_NEAR(covered->y, 0.5 + 0.125 * 0.9622504, 1e-6);
 }
 
 TEST_F(WallSceneTest, InputFindsTheViewportOfTheWholeWall)

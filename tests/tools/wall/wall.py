@@ -11,6 +11,7 @@ import re
 import shutil
 import signal
 import socket
+import struct
 import subprocess
 import sys
 import tempfile
@@ -19,6 +20,7 @@ import unittest
 
 WALL, RECORD, MEDIA, FOREIGN_RAND = (str(pathlib.Path(name).resolve()) for name in sys.argv[1:5])
 HOST = socket.gethostname()[:31]
+HAS_OSC = os.environ.get("KELPIX_OSC") == "1"
 SEED = "7"
 SIDE = 204  # pixels of the whole wall, of each of the walls below
 PATIENCE = 240  # seconds
@@ -162,9 +164,37 @@ class Input(Walls):
     def xdotool(*words):
         subprocess.run(["xdotool", *map(str, words)], check=True)
 
-    def test_the_second_tile_s_mouse_and_keys_act_on_the_whole_scene(self):
-        process = self.start(TWO, "--seed", SEED, "--log", "show.log")
+    def lead(self, process, port):
+        """Leads a figure by messages, and lets the scene begin anew. The log has where it is in the
+        water, of which 0.9622504 is in the picture."""
+        def is_there(line):
+            found = re.search(r" steered figure 1 (\S+) (\S+)$", line)
+            return found and (abs(float(found.group(1)) - (0.5 - 0.2 * 0.9622504)) < 1e-6
+                              and abs(float(found.group(2)) - (0.5 + 0.1 * 0.9622504)) < 1e-6)
+
+        def message(address, *numbers):
+            texts = (text.encode() + bytes(4 - len(text) % 4)
+                     for text in (address, "," + "f" * len(numbers)))
+            return b"".join(texts) + struct.pack(f">{len(numbers)}f", *numbers)
+
+        with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as sender:
+            def send_and_look(lines):
+                sender.sendto(message("/figure/1", 0.3, 0.6), ("127.0.0.1", port))
+                return any(map(is_there, lines))
+            self.await_lines(process, "show.log", send_and_look, "a figure in its place")
+            sender.sendto(message("/restart"), ("127.0.0.1", port))
+            self.await_lines(process, "show.log", lambda lines: any(
+                line.endswith(f" anew {SEED} steered") for line in lines), "a beginning")
+
+    def test_messages_mouse_and_keys_at_the_second_tile_act_on_the_whole_scene(self):
+        with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as probe:
+            probe.bind(("127.0.0.1", 0))
+            port = probe.getsockname()[1]
+        osc = ["--osc", str(port)] if HAS_OSC else []
+        process = self.start(TWO, "--seed", SEED, "--log", "show.log", *osc)
         self.await_lines(process, "show.log", lambda lines: len(lines) > 20, "a frame")
+        if osc:
+            self.lead(process, port)
         self.xdotool("mousemove", 150, 30, "click", 4)
         self.await_lines(process, "show.log", lambda lines: any(
             re.search(r" event 19 150 30 \d+ -1", line) for line in lines), "a turn of the wheel")

@@ -5,6 +5,7 @@
 #include "ExitGuard.h"
 #include "Launch.h"
 #include "Leader.h"
+#include "LedFigures.h"
 #include "Notes.h"
 #include "Protocol.h"
 #include "Rank.h"
@@ -112,7 +113,7 @@ void FrameLoop::playScene(const Orders& orders)
     for (const InputEvent& event : orders.inputs) {
         scene.give(event);
     }
-    scene.update(orders.lead.step);
+    scene.update(orders.lead.step, posesOf(orders.lead));
     scene.draw();
     own.state = scene.state();
     if (first != nullptr) {

@@ -1,5 +1,6 @@
 #include "Leader.h"
 
+#include "LedFigures.h"
 #include "Options.h"
 #include "Rank.h"
 
@@ -9,7 +10,7 @@
 namespace wall {
 
 Leader::Leader(const Options& given, Rank& rank)
-    : options(given), first(rank), pace(rank.plan.layout.rate)
+    : options(given), first(rank), pace(rank.plan.layout.rate), seed(rank.plan.seed)
 {
 }
 
@@ -29,15 +30,36 @@ Lead Leader::decide(std::uint32_t frame)
     if (first.scene) {
         lead.step = options.isVirtual ? first.scene->nextStep()
                                       : first.sound->step(first.scene->numSteps());
-        lead.seed = first.plan.seed + beginnings;
         if (options.loop && isVoiceOver()) {
             lead.flags |= Lead::ANEW;
         }
+        if (first.figures) {
+            followMessages(lead);
+        }
+        lead.seed = seed + beginnings;
     }
     if (options.frames != 0 && frame > options.frames) {
         lead.flags |= Lead::QUIT;
     }
     return lead;
+}
+
+/// Decides where the figures are, and whether the scene begins anew because a message asks for it.
+void Leader::followMessages(Lead& lead)
+{
+    const FigureInput::Renewal renewal = first.figures->take(steering);
+    if (renewal.asked) {
+        lead.flags |= Lead::ANEW;
+        const unsigned present = seed + beginnings - (beginnings > 0 ? 1 : 0);
+        seed = renewal.seed.value_or(present) - beginnings;
+    }
+    if ((lead.flags & Lead::ANEW) != 0) {
+        setPoses(lead, {});
+        return;
+    }
+    SteeredRecording& recording = first.scene->recording();
+    lead.step = recording.nearestStep(lead.step);
+    setPoses(lead, steering.next(recording, lead.step, first.scene->view()));
 }
 
 bool Leader::isVoiceOver() const
@@ -51,6 +73,9 @@ void Leader::shown(bool beginsScene)
         return;
     }
     ++beginnings;
+    if (beginnings > 1) {
+        steering = {};
+    }
     if (first.sound) {
         first.sound->begin();
     }

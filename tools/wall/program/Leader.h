@@ -2,6 +2,7 @@
 
 #include "FramePace.h"
 #include "FrameRecord.h"
+#include "Steering.h"
 
 namespace wall {
 
@@ -29,9 +30,12 @@ private:
     const Options& options;
     Rank& first;
     FramePace pace;
+    Steering steering;
     unsigned beginnings = 0; ///< of scenes whose first frame has been shown
+    unsigned seed;           ///< of the scene that begins next, less the beginnings before it
 
     bool isVoiceOver() const;
+    void followMessages(Lead& lead);
 };
 
 } // namespace wall

@@ -1,5 +1,6 @@
 #include "Notes.h"
 
+#include "LedFigures.h"
 #include "Options.h"
 #include "Protocol.h"
 #include "Rank.h"
@@ -67,9 +68,10 @@ void Notes::addFrame(const FrameRecord& own, const Orders& orders)
     if (!log) {
         return;
     }
-    const ShowFrame frame = {own.frame, orders.lead.step, numberOf(own.state),
-                             orders.anew ? std::optional(orders.lead.seed) : std::nullopt,
-                             orders.inputs};
+    const ShowFrame frame = {
+        own.frame,           orders.lead.step,
+        numberOf(own.state), orders.anew ? std::optional(orders.lead.seed) : std::nullopt,
+        orders.inputs,       posesOf(orders.lead)};
     if (!log->add(frame)) {
         giveUp(options.log);
         log.reset();

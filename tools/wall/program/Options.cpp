@@ -28,6 +28,14 @@ Value seed(std::optional<unsigned>& target)
             }};
 }
 
+Value address(std::optional<FigureAddress>& target)
+{
+    return {"[ADDRESS:]PORT, such as 9000 or 0.0.0.0:9000", [&target](const std::string& text) {
+                target = figureAddressOf(text);
+                return target.has_value();
+            }};
+}
+
 /// Numbers of frames with commas between them, added to those of earlier options.
 Value frameList(std::vector<std::uint32_t>& target)
 {
@@ -67,6 +75,10 @@ std::vector<commandline::Option> tableOf(Options& options)
          "plays without sound, as fast as the machines can; one frame is\n"
          "1/40 s of the voice",
          commandline::flag(options.isVirtual)},
+        {"--osc", "[ADDRESS:]PORT",
+         "OSC messages lead the figures: listens on the first host, at\n"
+         "127.0.0.1 unless another address is given",
+         address(options.osc)},
         {"--log", "FILE", "writes down the whole show, for kelpix-record to play again",
          commandline::text(options.log)},
         {"--status", "FILE",
@@ -98,7 +110,7 @@ void check(const Options& options, const std::vector<std::string>& given,
         throw UsageError("--shots and --shot-at go together");
     }
     if (options.pattern) {
-        for (const char* name : {"--loop", "--log", "--hash"}) {
+        for (const char* name : {"--loop", "--osc", "--log", "--hash"}) {
             if (isGiven(name)) {
                 throw UsageError(std::string("--pattern does not go with ") + name);
             }

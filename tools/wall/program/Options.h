@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CommandLine.h"
+#include "FigureAddress.h"
 #include "WallLayout.h"
 
 #include <filesystem>
@@ -23,7 +24,8 @@ struct Options {
     std::optional<unsigned> seed;      ///< none: as the wall's files say, else the time
     std::uint32_t frames = 0;          ///< after so many frames the wall ends; 0: never
     std::filesystem::path media; ///< empty: as the wall's files say, else as mediaToPlay chooses
-    std::filesystem::path log;   ///< empty, like those below: not asked for
+    std::optional<FigureAddress> osc; ///< where messages lead the figures
+    std::filesystem::path log;        ///< empty, like those below: not asked for
     std::filesystem::path status;
     std::filesystem::path hash;
     std::filesystem::path shots;           ///< the folder of pictures

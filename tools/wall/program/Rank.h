@@ -1,5 +1,6 @@
 #pragma once
 
+#include "FigureInput.h"
 #include "HeldMessages.h"
 #include "Plan.h"
 #include "SceneSound.h"
@@ -8,6 +9,7 @@
 #include "WallScene.h"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -26,6 +28,8 @@ struct Rank {
     std::optional<WallScene> scene;       ///< none for a test pattern
     std::optional<TilePattern> pattern;   ///< instead of the scene, if it is asked for
     std::optional<SceneSound> sound;      ///< of rank 0, unless the clock is virtual
+
+    std::unique_ptr<FigureInput> figures; ///< of rank 0, if messages lead the figures
 
     Rank() = default;
     Rank(const Rank&) = delete;

@@ -54,6 +54,9 @@ int play(const Options& given, MpiTransport& net)
         shots.emplace(options, rank.tile());
         if (rank.isFirst()) {
             notes.emplace(options, rank);
+            if (options.osc) {
+                rank.figures = listenForFigures(*options.osc);
+            }
         }
         return std::uint64_t{0};
     });

@@ -26,12 +26,16 @@ inline constexpr std::array<const char*, 6> STATE_PARTS = {"random", "boids", "f
 /// What rank 0 decides for a frame, for all ranks. It travels in its record, and reaches them as it
 /// is, in Orders.
 struct Lead {
-    static constexpr std::uint32_t QUIT = 1; ///< there is no further frame
-    static constexpr std::uint32_t ANEW = 2; ///< the scene begins again
+    static constexpr std::uint32_t QUIT = 1;    ///< there is no further frame
+    static constexpr std::uint32_t ANEW = 2;    ///< the scene begins again
+    static constexpr std::uint32_t STEERED = 4; ///< figures can be led, in each frame of the show
+    static constexpr std::uint32_t LED = 8;     ///< figure 1 is at its place; figures 2 and 3: the
+                                                ///< next two bits; else it is as recorded
 
     std::uint32_t flags = 0;
-    std::int32_t step = 0;  ///< of the recording
-    std::uint32_t seed = 0; ///< of the scene, should it begin again
+    std::int32_t step = 0;            ///< of the recording
+    std::uint32_t seed = 0;           ///< of the scene, should it begin again
+    std::array<float, 6> places = {}; ///< x and y of each figure that is led, water units
 
     bool operator==(const Lead&) const = default;
 };
@@ -55,6 +59,6 @@ struct FrameRecord {
     bool operator==(const FrameRecord&) const = default;
 };
 static_assert(std::is_trivially_copyable_v<FrameRecord>);
-static_assert(sizeof(FrameRecord) <= 256, "docs/performance.md says so");
+static_assert(sizeof(FrameRecord) <= 272, "docs/performance.md says so");
 
 } // namespace wall

@@ -4,6 +4,7 @@
 #include "Printable.h"
 
 #include <cerrno>
+#include <charconv>
 #include <cinttypes>
 #include <cstring>
 #include <limits>
@@ -20,6 +21,9 @@ constexpr int LONGEST_FILE = 1 << 20;         // of the wall's two
 /// Pixels from a wall's corner: a pointer can be on a desktop beside the largest one. The scene
 /// takes differences of two places.
 constexpr int FARTHEST_POINTER = 1 << 22;
+
+/// Water units.
+constexpr float FARTHEST_FIGURE = 1000;
 
 template<typename Number>
 bool read(const std::string& text, Number& value)
@@ -56,9 +60,30 @@ public:
                commandline::readNumber(word, -FARTHEST_POINTER, FARTHEST_POINTER, value);
     }
 
+    bool takeCoordinate(float& value)
+    {
+        std::string word;
+        return take(word) &&
+               commandline::readNumber(word, -FARTHEST_FIGURE, FARTHEST_FIGURE, value);
+    }
+
 private:
     std::istringstream text;
 };
+
+/// What follows the word figure.
+bool readFigure(Words& words, Poses& poses)
+{
+    std::size_t number = 0;
+    float x = 0;
+    float y = 0;
+    if (!words.take(number) || number < 1 || number > FIGURES || !words.takeCoordinate(x) ||
+        !words.takeCoordinate(y)) {
+        return false;
+    }
+    poses[number - 1] = Place{static_cast<double>(x), static_cast<double>(y)};
+    return true;
+}
 
 bool readFrame(const std::string& line, ShowFrame& frame)
 {
@@ -77,11 +102,24 @@ bool readFrame(const std::string& line, ShowFrame& frame)
         } else if (word == "event" && words.take(event.kind) && words.takePlace(event.x) &&
                    words.takePlace(event.y) && words.take(event.key) && words.take(event.wheel)) {
             frame.inputs.push_back(event);
+        } else if (word == "steered") {
+            frame.poses.emplace();
+        } else if (word == "figure" && frame.poses && readFigure(words, *frame.poses)) {
+            continue;
         } else {
             return false;
         }
     }
     return true;
+}
+
+/// A coordinate of single precision, in the digits that bring it back.
+std::string textOf(double coordinate)
+{
+    char digits[32];
+    const auto [end, error] =
+        std::to_chars(digits, digits + sizeof digits, static_cast<float>(coordinate));
+    return " " + std::string(digits, error == std::errc() ? end : digits);
 }
 
 } // namespace
@@ -114,6 +152,14 @@ bool ShowWriter::add(const ShowFrame& frame)
     std::string line = numbers;
     if (frame.anew) {
         line += " anew " + std::to_string(*frame.anew);
+    }
+    if (frame.poses) {
+        line += " steered";
+        for (std::size_t k = 0; k < FIGURES; ++k) {
+            if (const auto& place = (*frame.poses)[k]) {
+                line += " figure " + std::to_string(k + 1) + textOf(place->x) + textOf(place->y);
+            }
+        }
     }
     for (const InputEvent& event : frame.inputs) {
         line += " event";

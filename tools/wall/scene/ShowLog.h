@@ -3,6 +3,7 @@
 #include "FrameRecord.h"
 #include "LineFile.h"
 #include "OpenFile.h"
+#include "SteeredRecording.h"
 #include "WallLayout.h"
 
 #include <filesystem>
@@ -29,6 +30,8 @@ namespace wall {
 ///     1 0 0123456789abcdef          frame, step, state as one number (numberOf)
 ///     2 1 0123456789abcdef anew 8   the scene began again with this seed
 ///     3 3 0123456789abcdef event 5 100 200 118 0    kind, x, y, key, wheel; as often as there are
+///     4 5 0123456789abcdef steered figure 1 0.25 0.5    in each frame of a show whose figures can
+///                                   be led: where those are that were, in the water's units
 struct ShowHead {
     std::string version;
     std::uint64_t media = 0;
@@ -42,9 +45,10 @@ struct ShowHead {
 struct ShowFrame {
     std::uint32_t frame = 0;
     int step = 0;
-    std::uint64_t state = 0;        ///< after it
-    std::optional<unsigned> anew;   ///< the seed with which the scene began again before it
-    std::vector<InputEvent> inputs; ///< before its update
+    std::uint64_t state = 0;         ///< after it
+    std::optional<unsigned> anew;    ///< the seed with which the scene began again before it
+    std::vector<InputEvent> inputs;  ///< before its update
+    std::optional<Poses> poses = {}; ///< in its update, where figures can be led
 };
 
 /// Writes a show down. Throws std::runtime_error when the file cannot be written.

@@ -5,6 +5,8 @@
 #include "Environment.h"
 #include "FitProjection.h"
 #include "MoCap.h"
+#include "PivotNode.h"
+#include "RootNode.h"
 
 #include <stdexcept>
 #include <string>
@@ -34,6 +36,7 @@ WallScene::WallScene(const WallLayout& layout, const WallTile& tile, Stage::Voic
 void WallScene::begin(unsigned seed)
 {
     ramps.clean();
+    steered.reset();
     play.begin(wall.width, wall.height, seed);
 }
 
@@ -42,9 +45,29 @@ void WallScene::give(const InputEvent& event)
     play.give({event.kind, event.x, event.y, event.key, event.wheel});
 }
 
-void WallScene::update(int step)
+void WallScene::update(int step, const std::optional<Poses>& poses)
 {
+    if (poses) {
+        step = recording().nearestStep(step);
+        recording().write(step, *poses);
+    }
     play.update(step);
+}
+
+SteeredRecording& WallScene::recording()
+{
+    if (!steered) {
+        steered.emplace(*play.stage().recording);
+    }
+    return *steered;
+}
+
+WaterView WallScene::view() const
+{
+    const Stage& stage = play.stage();
+    return {stage.scene.root->transformmat, stage.scene.pivot->transformmat,
+            stage.water->transformmat, static_cast<double>(wall.width) / wall.height,
+            static_cast<double>(wall.projectionScale())};
 }
 
 void WallScene::draw()

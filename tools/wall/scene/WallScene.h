@@ -3,7 +3,11 @@
 #include "FrameRecord.h"
 #include "RampOverlay.h"
 #include "StagePlay.h"
+#include "SteeredRecording.h"
 #include "WallLayout.h"
+#include "WaterView.h"
+
+#include <optional>
 
 namespace wall {
 
@@ -26,7 +30,8 @@ public:
     void give(const InputEvent& event);
 
     /// One update, with this step of the recording.
-    void update(int step);
+    /// \param poses  where figures are led, in all updates of a scene; none: in no update
+    void update(int step, const std::optional<Poses>& poses = std::nullopt);
 
     /// Draws the tile's part of the frame into the current framebuffer; what its cameras leave of
     /// the window is black. Afterwards GL's viewport is
@@ -46,10 +51,18 @@ public:
     int nextStep() const { return play.stage().nextStep(); }
     bool isVoiceOver() const { return play.stage().isVoiceOver(); }
 
+    /// The recording in which figures can be led. The first call for a scene comes before its first
+    /// update. Throws std::runtime_error for a recording without three figures.
+    SteeredRecording& recording();
+
+    /// How the whole wall shows the water now.
+    WaterView view() const;
+
 private:
     const WallLayout& wall;
     const WallTile& part;
     StagePlay play;
+    std::optional<SteeredRecording> steered; ///< none before it is needed
     RampOverlay ramps;
 };
 
