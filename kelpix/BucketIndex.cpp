@@ -65,7 +65,7 @@ void Bucket::put(std::size_t slot, Node* node)
     }
     packed.put(slot, boid);
     if (4 * packed.all().size() < boidList.size()) {
-        packedRun = 0;
+        packedRun = 0; // the slot is beyond the copies
     }
 }
 

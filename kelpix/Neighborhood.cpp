@@ -16,7 +16,7 @@ namespace {
 // rounded on its own, like a single number. A comparison gives -1 for true and 0 for false.
 using Four = float __attribute__((vector_size(16)));
 using FourInts = std::int32_t __attribute__((vector_size(16)));
-using TwoAddresses = std::int64_t __attribute__((vector_size(16)));
+using TwoAddresses = std::intptr_t __attribute__((vector_size(2 * sizeof(std::intptr_t))));
 
 template<typename Vector, typename Element>
 Vector load(const Element* elements)
@@ -101,7 +101,7 @@ const Reach& reachOf(float radius, float closeBy)
 
 /// Which lanes of a group have their bit set.
 struct alignas(64) Lanes {
-    std::int64_t offset[4]; ///< of each of them in its order, in bytes
+    std::intptr_t offset[4]; ///< of each of them in its order, in bytes
     std::size_t count;
 };
 
@@ -169,6 +169,8 @@ void Search::searchIn(const std::vector<PackedBoids::Group>& groups, Node* const
         const Four dz = load<Four>(group.z) - z;
         const Four square = dx * dx + dy * dy + dz * dz;
         const FourInts near = (square <= outer) & ~(load<FourInts>(group.id) == id);
+        // To be decided in double precision: which is the closest, and whether what is at about the
+        // search radius is within it.
         const FourInts unsure = near & ((square <= notFarther) | ~(square < inner));
         unsigned bits = bitsOf(near);
         if (bitsOf(unsure) != 0) {
@@ -177,7 +179,7 @@ void Search::searchIn(const std::vector<PackedBoids::Group>& groups, Node* const
         // Those that are near are listed without a branch, which the processor could not predict:
         // four are written, and the end advances by as many as there are.
         const Lanes& lanes = LANES_OF[bits];
-        const TwoAddresses start = TwoAddresses{} + std::bit_cast<std::int64_t>(&group.x[0]);
+        const TwoAddresses start = TwoAddresses{} + std::bit_cast<std::intptr_t>(&group.x[0]);
         const TwoAddresses first = start + load<TwoAddresses>(lanes.offset);
         const TwoAddresses second = start + load<TwoAddresses>(lanes.offset + 2);
         std::memcpy(end, &first, sizeof first);

@@ -15,7 +15,7 @@ class Node;
 /// The copies do not follow the boids. See UpdateRun for how long they are true.
 class PackedBoids {
 public:
-    /// Four slots of the cell. In an empty slot all is NaN but the id, which may be anything.
+    /// Four slots of the cell. In an empty slot x is NaN, and the rest may be anything.
     struct alignas(64) Group {
         float x[4], y[4], z[4]; ///< positions
         std::int32_t id[4];
@@ -26,7 +26,9 @@ public:
     const std::vector<Group>& all() const { return groups; }
 
     /// Copies all boids of the slots.
-    /// \return whether \p cell is the cell of each of them, in this very slot and no other
+    /// \return whether each of them is registered in \p cell, and in this very slot: only then is
+    /// it
+    ///         copied again after its own update
     bool fill(const std::vector<Node*>& slots, const Bucket* cell);
 
     /// Copies one boid, null for an empty slot. Does nothing for a slot beyond the last group.

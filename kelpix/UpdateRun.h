@@ -8,7 +8,7 @@ class Boid;
 /// their sprites, whose update does nothing. No other code runs during a run, so nothing but the
 /// boids' own updates can change them, and what was copied out of them earlier in the run is true
 /// still. Any other update of a boid is a run of its own: by a direct call, after another node, or
-/// of a boid that has an update function or more children.
+/// of a boid that is of a derived class or has an update function or more children.
 namespace UpdateRun {
 
 /// To be called at the start of each update of a boid.

@@ -65,7 +65,8 @@ OggSound* loadSound(std::future<OggTrack>& track)
 int runScene(int argc, char** argv)
 {
     std::srand(static_cast<unsigned>(std::time(nullptr)));
-    // Static: however the process ends, their destructors wait until the decoders have ended.
+    // Static: std::exit waits in their destructors, too, so that no decoder runs on while it ends
+    // the process.
     static std::future<OggTrack> voiceTrack = decodeAhead("sound/magpie_vocal.ogg");
     static std::future<OggTrack> bubblesTrack = decodeAhead("sound/bubbles_sound.ogg");
     OggSound::initAL(&argc, argv);

@@ -25,7 +25,7 @@ struct OggTrack {
 
     /// Decodes the file at \p path. Prints nothing, whatever is wrong with it. A track that memory
     /// cannot hold counts as damaged.
-    /// \param path    borrows, longer than the track lives; null is no file
+    /// \param path    borrows: must outlive the track; null is no file
     /// \param before  what the track is appended to
     static OggTrack decode(const char* path, std::vector<char> before = {});
 };

@@ -163,7 +163,7 @@ bool read_line_indices(const char*& text, iset& corner)
 /// Adds a store vertex for a corner with these indices.
 int add_vertex(int fi, int _vi, int _ti, int _ni)
 {
-    // Not by obj_add_vert: a file that is being read has no vertex buffer to invalidate.
+    // Without obj_add_vert: a file that is being read has no vertex buffer to invalidate.
     obj_file& f = *file(fi);
     const int vi = grow(f.vv, f.vc, f.vm);
     if (vi >= 0) {
