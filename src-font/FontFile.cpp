@@ -44,10 +44,14 @@ unsigned long readStream(FT_Stream stream, unsigned long offset, unsigned char* 
                          unsigned long count)
 {
     auto* file = static_cast<std::FILE*>(stream->descriptor.pointer);
-    if (offset > stream->size || fseeko(file, static_cast<off_t>(offset), SEEK_SET) != 0) {
-        return count == 0 ? 1 : 0;
+    if (count == 0) {
+        return offset > stream->size ? 1 : 0;
     }
-    return count == 0 ? 0 : std::fread(buffer, 1, count, file);
+    const auto at = static_cast<off_t>(offset);
+    if (offset > stream->size || (ftello(file) != at && fseeko(file, at, SEEK_SET) != 0)) {
+        return 0;
+    }
+    return std::fread(buffer, 1, count, file);
 }
 
 /// Describes an open file as a stream that FreeType can read.
