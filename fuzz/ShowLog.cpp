@@ -4,6 +4,8 @@
 
 #include "Harness.h"
 
+#include <cmath>
+
 namespace {
 
 using wall::ShowFrame;
@@ -28,13 +30,17 @@ void check(const std::vector<ShowFrame>& frames)
             fuzz::expect(std::abs(event.x) <= FARTHEST && std::abs(event.y) <= FARTHEST,
                          "a pointer is near the wall");
         }
+        for (const auto& place : frame.poses.value_or(Poses())) {
+            fuzz::expect(!place || std::hypot(place->x, place->y) <= 1500,
+                         "a figure is near the water");
+        }
     }
 }
 
 bool isSame(const ShowFrame& one, const ShowFrame& other)
 {
     return one.frame == other.frame && one.step == other.step && one.state == other.state &&
-           one.anew == other.anew && one.inputs == other.inputs;
+           one.anew == other.anew && one.inputs == other.inputs && one.poses == other.poses;
 }
 
 void writeAndReadAgain(const wall::ShowHead& head, const std::vector<ShowFrame>& frames)

@@ -64,7 +64,8 @@ void enterMedia(Options& options)
     std::error_code error;
     fs::current_path(folder, error);
     if (error) {
-        throw std::runtime_error("no media in " + folder.string() + ": " + error.message());
+        throw std::runtime_error("no media in " + folder.string() + ": " + error.message() +
+                                 "; \"kelpix-media --out DIR\" makes some, --media DIR plays them");
     }
     const std::vector<std::string> missing = MediaFolder::missingFiles();
     if (!missing.empty()) {
