@@ -1,6 +1,7 @@
 #include "SensorRep.h"
 
 #include <GL/glew.h>
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
@@ -124,7 +125,24 @@ void SensorRep::initialize()
     glEndList();
 
     genBaseAnim();
+    endInitialization();
+}
 
+void SensorRep::initializeWith(unsigned square, const unsigned* frames)
+{
+    sensorGeom = square;
+    baseAnimFrames = FRAMES;
+    baseAnim = new unsigned[FRAMES];
+    std::copy_n(frames, FRAMES, baseAnim);
+    for (int f = 0; f < FRAMES; ++f) {
+        std::rand(); // as genBaseAnim does
+    }
+    counter = std::rand() % FRAMES;
+    endInitialization();
+}
+
+void SensorRep::endInitialization()
+{
     // Fixed behavior: the formula of pre_angle leaves only a rounding residue of the random number.
     // Pinned by SensorRepDrawTest.TheFirstCullCompilesTheBody; do not correct.
     const auto r = static_cast<float>(std::rand());

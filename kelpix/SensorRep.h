@@ -35,6 +35,11 @@ public:
     /// Makes all display lists. Draws 242 numbers of rand(). Needs: current GL context.
     void initialize();
 
+    /// As initialize, with display lists that were made for another body in this GL context: all
+    /// bodies have the same. Draws the same numbers of rand(). Makes no GL call, prints nothing.
+    /// \param square,frames  sensorGeom and baseAnim of that body; unsigned[240]
+    void initializeWith(unsigned square, const unsigned* frames);
+
     /// Draws and returns 1. Needs: current GL context.
     int cull() override;
 
@@ -74,4 +79,7 @@ public:
     /// shown, x and z are not finite.
     /// \param frame  0..239
     Vec3 get_mod_p(float x, float y, float z, int frame);
+
+private:
+    void endInitialization();
 };

@@ -27,7 +27,7 @@ public:
     static constexpr std::chrono::seconds FARTHEST{60};
     /// The scene begins anew at most once in this time; the newest seed or restart waits for its
     /// end.
-    static constexpr std::chrono::seconds RENEWAL_PAUSE{5};
+    static constexpr std::chrono::seconds RENEWAL_PAUSE{1};
 
     Inbox();
 

@@ -2,10 +2,14 @@
 
 #include "StagePlay.h"
 
+#include "Environment.h"
 #include "MoCap.h"
+#include "Sensor.h"
+#include "SensorRep.h"
 
 #include <FL/Fl.H>
 #include <algorithm>
+#include <set>
 
 namespace {
 
@@ -58,11 +62,16 @@ void forEachName(GLuint newest, Is is, Work work)
 }
 
 /// Deletes all display lists and textures of the current GL context.
-void deleteGLObjects()
+/// \param kept  lists that are not
+void deleteGLObjects(const std::set<GLuint>& kept)
 {
     forEachName(
         glGenLists(1), [](GLuint name) { return glIsList(name); },
-        [](GLuint name) { glDeleteLists(name, 1); });
+        [&kept](GLuint name) {
+            if (!kept.contains(name)) {
+                glDeleteLists(name, 1);
+            }
+        });
     GLuint newest = 0;
     glGenTextures(1, &newest);
     forEachName(
@@ -76,14 +85,46 @@ void deleteGLObjects()
 void StagePlay::begin(int width, int height, unsigned seed)
 {
     if (scene != nullptr) {
-        scene->freeNodes();
-        scene.reset();
-        deleteGLObjects();
+        end();
     }
     const RandomNumbers::Use use(numbers);
     scene = std::make_unique<Stage>(width, height, seed, clockVoice);
     // The clock of a program with a sound of its own would set the step to 0.
     Fl::remove_timeout(dataTimer, scene->recording);
+}
+
+void StagePlay::end()
+{
+    if (isDrawn && bodies.empty()) {
+        noteBodies();
+    }
+    scene->freeNodes();
+    scene.reset();
+    isDrawn = false;
+    std::set<GLuint> kept;
+    for (const Body& body : bodies) {
+        kept.insert(body.square);
+        kept.insert(body.frames.begin(), body.frames.end());
+    }
+    deleteGLObjects(kept);
+}
+
+void StagePlay::noteBodies()
+{
+    for (Node* node : scene->water->sensorList) {
+        const SensorRep& rep = *static_cast<Sensor*>(node)->rep;
+        bodies.push_back({rep.sensorGeom, {rep.baseAnim, rep.baseAnim + rep.baseAnimFrames}});
+    }
+}
+
+/// To be called where the first draw would make them.
+void StagePlay::giveBodies()
+{
+    for (std::size_t k = 0; k < bodies.size(); ++k) {
+        const Body& body = bodies[k];
+        static_cast<Sensor*>(scene->water->sensorList[k])
+            ->rep->initializeWith(body.square, body.frames.data());
+    }
 }
 
 void StagePlay::give(const SceneInput& input)
@@ -102,7 +143,11 @@ void StagePlay::update(int step)
 void StagePlay::draw()
 {
     const RandomNumbers::Use use(numbers);
+    if (!isDrawn) {
+        giveBodies();
+    }
     scene->draw();
+    isDrawn = true;
 }
 
 StateHash StagePlay::hash() const
