@@ -121,8 +121,9 @@ class Packages(unittest.TestCase):
         folders = ["src-math", "src-rates", "src-image", "src-sound", "src-font", "src-cluster",
                    "src-core", "kelpix"]
         private = {"Column.h", "ImageDecoder.h", "ImageFile.h", "JPEGErrors.h", "MediaFolder.h",
-                   "Neighborhood.h", "ObjLibrary.h", "ObjStore.h", "ObjText.h", "ScreenPosition.h",
-                   "StandardStreams.h", "TileReader.h", "WindowIcon.h", "WindowIconRows.h"}
+                   "Neighborhood.h", "ObjLibrary.h", "ObjStore.h", "ObjText.h", "Prefetch.h",
+                   "ScreenPosition.h", "StandardStreams.h", "TileReader.h", "UpdateRun.h",
+                   "WindowIcon.h", "WindowIconRows.h"}
         headers = {path.name for folder in folders for path in (ROOT / folder).rglob("*.h")}
         self.assertEqual({path.name for path in (USR / "include/kelpix").iterdir()}, headers - private)
 
