@@ -197,19 +197,22 @@ void LiveShow::await()
 
 void LiveShow::obey()
 {
-    bool again = options.loop && sound->isOver();
+    using Kind = osc::Command::Kind;
     const auto commands = input ? input->take() : std::vector<osc::Command>();
+    const bool isRenewed = std::ranges::any_of(commands, [](const osc::Command& command) {
+        return command.kind == Kind::SEED || command.kind == Kind::RESTART;
+    });
+    if (options.loop && sound->isOver() && !isRenewed) {
+        begin();
+    }
     for (const osc::Command& command : commands) {
         oldest = oldest.count() == 0 ? command.due : std::min(oldest, command.due);
-        again = again || command.kind == osc::Command::Kind::RESTART;
-        if (command.kind == osc::Command::Kind::SEED) {
-            seed = command.seed;
-            again = true;
+        if (command.kind == Kind::SEED || command.kind == Kind::RESTART) {
+            seed = command.kind == Kind::SEED ? command.seed : seed;
+            begin();
+        } else {
+            scene.obey(command);
         }
-        scene.obey(command);
-    }
-    if (again) {
-        begin();
     }
 }
 
@@ -219,8 +222,8 @@ void LiveShow::playFrame()
         scene.resize(window.w(), window.h());
     }
     obey();
-    // After its end the voice has no place in the recording.
-    if (sound->isOver()) {
+    // After its end the voice has no place in the recording. That of a fresh scene has not begun.
+    if (!isFresh && sound->isOver()) {
         endTake();
     }
     scene.update(isFresh ? 0 : sound->step(scene.numSteps())); // its voice has not begun

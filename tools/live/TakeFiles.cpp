@@ -11,6 +11,10 @@ namespace fs = std::filesystem;
 
 TakeFiles::TakeFiles(fs::path name, bool force) : first(std::move(name)), mayReplace(force)
 {
+    // --force replaces no pipe, no device and no folder.
+    if (fs::exists(first) && !fs::is_regular_file(first)) {
+        throw std::runtime_error("cannot write " + first.string() + ": not a file");
+    }
     if (!force && fs::exists(first)) {
         throw std::runtime_error(first.string() + " is there already; --force replaces it");
     }

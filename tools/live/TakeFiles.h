@@ -9,7 +9,7 @@ namespace live {
 /// a file beside it, dance-2.txt, dance-3.txt ... A file that is there already is passed over.
 class TakeFiles {
 public:
-    /// Throws std::runtime_error when no file can be written there, or there is one already.
+    /// Throws std::runtime_error when no file can be written there, or something is there already.
     /// \param first  replaced by the first take if \p force
     TakeFiles(std::filesystem::path first, bool force);
 

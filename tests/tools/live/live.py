@@ -30,6 +30,12 @@ def message(address, *numbers):
             + b"".join(struct.pack(">f", number) for number in numbers))
 
 
+def bundle(*messages):
+    """What is to be done at once, together."""
+    return b"#bundle\0" + struct.pack(">Q", 1) + b"".join(struct.pack(">I", len(m)) + m
+                                                         for m in messages)
+
+
 def is_figure(red, green, blue):
     return blue > 180 and blue > red + 60 and abs(red - green) < 40
 
@@ -195,6 +201,28 @@ class Live(unittest.TestCase):
                                 text=True, timeout=PATIENCE)
         self.assertEqual(result.returncode, 0, result.stdout + result.stderr)
 
+    def test_a_scene_that_begins_anew_after_its_voice_is_recorded_and_hears_its_first_message(self):
+        media = self.folder / "media"
+        shutil.copytree(MEDIA, media)
+        voice = media / "sound" / "magpie_vocal.ogg"
+        sound = voice.read_bytes()
+        voice.write_bytes(sound[:sound.index(b"OggS", 20000)])  # about a second
+        self.other.close()
+        with Program(LIVE, "--media", str(media), "--port", str(self.port), "--seed", "7",
+                     "--record", "dance.txt", cwd=self.folder) as self.program:
+            subprocess.run(["xdotool", "windowsize", self.program.window, "100", "100"], check=True)
+
+            def dance(name, *packets):
+                for packet in packets:
+                    self.sender.send(packet)
+                return (self.folder / name).exists()
+            self.program.await_value(lambda: dance("dance.txt", message("/figure/1", 0.5, 0.5)),
+                                     "a recording of the first voice")
+            self.sender.send(bundle(message("/restart"), message("/figure/2", 0.25, 0.5)))
+            self.program.await_value(lambda: dance("dance-2.txt"),
+                                     "a recording of the second voice")
+            self.program.quit()
+
     def test_what_cannot_be_is_told_in_a_line(self):
         def refusal(*options):
             result = subprocess.run([LIVE, "--media", MEDIA, *options], cwd=self.folder,
@@ -208,6 +236,9 @@ class Live(unittest.TestCase):
         self.assertEqual(refusal("--record", "mine.txt"),
                          f"kelpix-live: {self.folder}/mine.txt is there already; "
                          "--force replaces it\n")
+        os.mkfifo(self.folder / "pipe.txt")
+        self.assertEqual(refusal("--record", "pipe.txt", "--force"),
+                         f"kelpix-live: cannot write {self.folder}/pipe.txt: not a file\n")
         self.assertIn("kelpix-live: no media in", refusal("--media", "nowhere"))
         self.assertEqual((self.folder / "mine.txt").read_text(), "mine")
 
