@@ -103,6 +103,11 @@ std::vector<Command> Inbox::take(nanoseconds steady)
         waiting.pop_back();
     }
 
+    if (isRenewing) {
+        // The scene has begun anew since, however long that took.
+        lastRenewal = steady;
+        isRenewing = false;
+    }
     std::vector<Command> commands;
     commands.reserve(MOST_TAKEN);
     for (std::optional<Item>& figure : figures) {
@@ -114,7 +119,7 @@ std::vector<Command> Inbox::take(nanoseconds steady)
     if (renewal && mayRenew(steady)) {
         queue.push_back(*renewal);
         renewal.reset();
-        lastRenewal = steady;
+        isRenewing = true;
     }
     std::ranges::sort(queue, isBefore);
     for (const Item& item : queue) {

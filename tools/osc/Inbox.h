@@ -25,8 +25,8 @@ public:
     static constexpr std::size_t MOST_TAKEN = MOST_QUEUED + 4;
     /// No bundle may be for a later time.
     static constexpr std::chrono::seconds FARTHEST{60};
-    /// The scene begins anew at most once in this time; the newest seed or restart waits for its
-    /// end.
+    /// The scene plays so long before it begins anew again: from the take that follows one with a
+    /// seed or restart. The newest of them waits.
     static constexpr std::chrono::seconds RENEWAL_PAUSE{1};
 
     Inbox();
@@ -58,6 +58,7 @@ private:
 
     std::array<std::optional<Item>, 3> figures;
     std::optional<Item> renewal;
+    bool isRenewing = false; ///< the latest take had a seed or restart
     std::optional<std::chrono::nanoseconds> lastRenewal;
     std::vector<Item> queue;
     std::vector<Item> waiting; ///< a heap; what is due first is its front

@@ -41,8 +41,9 @@ public:
 
     /// \return what is due now, oldest first: for each figure at most one FIGURE or RELEASE, the
     /// newest; at most
-    ///         one SEED or RESTART, and none for Inbox::RENEWAL_PAUSE after it; of all others at
-    ///         most 256. Messages of one bundle come together. It never waits for the network.
+    ///         one SEED or RESTART, and none for Inbox::RENEWAL_PAUSE from the call after; of all
+    ///         others at most 256. Messages of one bundle come together. It never waits for the
+    ///         network.
     std::vector<Command> take();
 
     /// \param line  what /status is answered with; at most 400 bytes of it

@@ -239,19 +239,24 @@ TEST(OscInboxTest, ASeedWinsOverARestart)
     Inbox inbox;
     inbox.add(packet({RESTART, RESTART}), at(0));
     EXPECT_THAT(taken(inbox, 0s), ElementsAre("restart"));
+    EXPECT_THAT(taken(inbox, 1s), IsEmpty());
     inbox.add(packet({seed(1), seed(7), RESTART}), at(10));
     EXPECT_THAT(taken(inbox, 10s), ElementsAre("seed 7"));
+    EXPECT_THAT(taken(inbox, 11s), IsEmpty());
     inbox.add(packet({RESTART, seed(8)}), at(20));
     EXPECT_THAT(taken(inbox, 20s), ElementsAre("seed 8"));
     EXPECT_EQ(inbox.counts().dropped, 0U);
 }
 
-TEST(OscInboxTest, TheSceneBeginsAnewOnceASecond)
+TEST(OscInboxTest, TheScenePlaysASecondBeforeItBeginsAnewAgain)
 {
     Inbox inbox;
-    inbox.add(packet({seed(1)}), at(5));
-    EXPECT_THAT(taken(inbox, 5s), ElementsAre("seed 1"));
-    inbox.add(packet({seed(2), click(0.1F)}), at(5));
+    inbox.add(packet({seed(1)}), at(0));
+    EXPECT_THAT(taken(inbox, 0s), ElementsAre("seed 1"));
+    // Which took five seconds.
+    inbox.add(packet({seed(2), click(0.1F)}), at(4));
+    EXPECT_THAT(taken(inbox, 5s), ElementsAre("click 0.1"));
+    inbox.add(packet({click(0.1F)}), at(5));
     inbox.add(packet({seed(3)}), at(5));
     EXPECT_THAT(taken(inbox, 6s - 1ns), ElementsAre("click 0.1"));
     inbox.add(packet({place(0, 0.5F)}), at(6));
