@@ -168,7 +168,7 @@ Options parseOptions(const std::vector<std::string>& arguments)
     refuseWords(options, parsed.rest);
     checkTogether(options, parsed.given);
     if (options.check.empty() && options.out.empty()) {
-        throw UsageError("--out DIR is missing");
+        throw UsageError("--out DIR or --check DIR is missing");
     }
     const auto isGiven = [&parsed](const char* option) {
         return std::find(parsed.given.begin(), parsed.given.end(), option) != parsed.given.end();

@@ -250,7 +250,7 @@ TEST_F(MediaProgramTest, LeavesFilesOfTheSameContentAsTheyAre)
 TEST_F(MediaProgramTest, SaysWhatIsWrongWithTheCommandLine)
 {
     const std::vector<std::pair<std::string, std::string>> lines = {
-        {"", "--out DIR is missing"},
+        {"", "--out DIR or --check DIR is missing"},
         {"--color red", "unknown option \"--color\""},
         {"set", "--out set makes media there, --check set looks at them"},
         {"--out set reef", "\"reef\" is one word too many"},

@@ -239,7 +239,9 @@ class Live(unittest.TestCase):
         os.mkfifo(self.folder / "pipe.txt")
         self.assertEqual(refusal("--record", "pipe.txt", "--force"),
                          f"kelpix-live: cannot write {self.folder}/pipe.txt: not a file\n")
-        self.assertIn("kelpix-live: no media in", refusal("--media", "nowhere"))
+        self.assertEqual(refusal("--media", "nowhere"),
+                         "kelpix-live: no media in nowhere: No such file or directory; "
+                         '"kelpix-media --out DIR" makes some, --media DIR plays them\n')
         self.assertEqual((self.folder / "mine.txt").read_text(), "mine")
 
 
