@@ -25,8 +25,9 @@ public:
     virtual Renewal take(Steering& steering) = 0;
 };
 
-/// Listens for OSC messages over UDP. Throws std::runtime_error, with a line for the user, when it
-/// cannot, or when this program was built without OSC.
+/// Listens for OSC messages over UDP. While another program listens there, which a line says, it
+/// tries again each second. Throws std::runtime_error, with a line for the user, when it cannot
+/// listen for another reason, or when this program was built without OSC.
 std::unique_ptr<FigureInput> listenForFigures(const FigureAddress& address);
 
 } // namespace wall
