@@ -76,3 +76,17 @@ TEST(WallOptionsTest, RefusesWhatMakesNoSense)
     EXPECT_THAT(complaint({"a", "--seed", "-1"}), HasSubstr("--seed takes"));
     EXPECT_THAT(complaint({"a", "--simulate", "--scale", "0"}), HasSubstr("--scale takes"));
 }
+
+TEST(WallOptionsTest, NoFileReplacesAnother)
+{
+    EXPECT_EQ(complaint({"a.cfg", "--log", "./a.cfg"}),
+              "--log would replace the wall's description");
+    EXPECT_EQ(complaint({"a.cfg", "--hash", "a.cfg.more"}),
+              "--hash would replace the wall's second file");
+    EXPECT_EQ(complaint({"a.cfg", "--hash", "notes", "--log", "b/../notes"}),
+              "--hash would replace --log");
+    for (const char* log : {"/dev/null", "notes.log"}) {
+        const char* const hash = *log == '/' ? log : "notes";
+        EXPECT_EQ(parseOptions({"a.cfg", "--hash", hash, "--log", log, "--status", "s"}).log, log);
+    }
+}

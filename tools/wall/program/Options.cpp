@@ -1,6 +1,9 @@
 #include "Options.h"
 
 #include <limits>
+#include <map>
+#include <system_error>
+#include <utility>
 
 namespace wall {
 
@@ -93,6 +96,30 @@ std::vector<commandline::Option> tableOf(Options& options)
     };
 }
 
+/// Refuses to write two files, or one and the wall's description, in one place: one of them would
+/// be lost.
+void checkFiles(const Options& options)
+{
+    namespace fs = std::filesystem;
+    const auto placeOf = [](const fs::path& path) { return fs::absolute(path).lexically_normal(); };
+    std::map<fs::path, std::string> names = {
+        {placeOf(options.description), "the wall's description"},
+        {placeOf(options.description.string() + ".more"), "the wall's second file"}};
+    for (const auto& [name, path] : {std::pair{"--log", &options.log},
+                                     {"--status", &options.status},
+                                     {"--hash", &options.hash}}) {
+        std::error_code error;
+        const fs::file_status there = fs::status(*path, error);
+        if (path->empty() || (fs::exists(there) && !fs::is_regular_file(there))) {
+            continue; // such as a terminal, which takes the lines of both
+        }
+        const auto [other, isNew] = names.emplace(placeOf(*path), name);
+        if (!isNew) {
+            throw UsageError(std::string(name) + " would replace " + other->second);
+        }
+    }
+}
+
 void check(const Options& options, const std::vector<std::string>& given,
            const std::vector<std::string>& words)
 {
@@ -129,6 +156,7 @@ Options parseOptions(const std::vector<std::string>& arguments)
     if (options.action == commandline::Action::work) {
         check(options, parsed.given, parsed.rest);
         options.description = parsed.rest.front();
+        checkFiles(options);
     }
     return options;
 }
