@@ -182,9 +182,16 @@ class Input(Walls):
                 sender.sendto(message("/figure/1", 0.3, 0.6), ("127.0.0.1", port))
                 return any(map(is_there, lines))
             self.await_lines(process, "show.log", send_and_look, "a figure in its place")
-            sender.sendto(message("/restart"), ("127.0.0.1", port))
-            self.await_lines(process, "show.log", lambda lines: any(
-                line.endswith(f" anew {SEED} steered") for line in lines), "a beginning")
+            # What comes with the beginning acts on the new scene.
+            packet = b"#bundle\0" + struct.pack(">Q", 1) + b"".join(
+                struct.pack(">I", len(part)) + part
+                for part in (message("/restart"), message("/figure/2", 0.5, 0.5)))
+            sender.sendto(packet, ("127.0.0.1", port))
+
+            def begins_with_a_figure(lines):
+                anew = [i for i, line in enumerate(lines) if line.endswith(f" anew {SEED} steered")]
+                return anew and any(" figure 2 " in line for line in lines[anew[0]:])
+            self.await_lines(process, "show.log", begins_with_a_figure, "a beginning with a figure")
 
     def test_messages_mouse_and_keys_at_the_second_tile_act_on_the_whole_scene(self):
         # As when kelpix-show starts it beside a wall that hangs, and which has the port.

@@ -22,6 +22,7 @@ public:
     virtual ~FigureInput() = default;
 
     /// Does what has arrived since the last call.
+    /// \param steering  is as new where the scene begins anew, but for what came after that
     virtual Renewal take(Steering& steering) = 0;
 };
 

@@ -32,6 +32,7 @@ Lead Leader::decide(std::uint32_t frame)
                                       : first.sound->step(first.scene->numSteps());
         if (options.loop && isVoiceOver()) {
             lead.flags |= Lead::ANEW;
+            steering = {};
         }
         if (first.figures) {
             followMessages(lead);
@@ -53,7 +54,8 @@ void Leader::followMessages(Lead& lead)
         const unsigned present = seed + beginnings - (beginnings > 0 ? 1 : 0);
         seed = renewal.seed.value_or(present) - beginnings;
     }
-    if ((lead.flags & Lead::ANEW) != 0) {
+    isSteeringNew = (lead.flags & Lead::ANEW) != 0;
+    if (isSteeringNew) {
         setPoses(lead, {});
         return;
     }
@@ -73,7 +75,7 @@ void Leader::shown(bool beginsScene)
         return;
     }
     ++beginnings;
-    if (beginnings > 1) {
+    if (beginnings > 1 && !isSteeringNew) {
         steering = {};
     }
     if (first.sound) {

@@ -31,8 +31,9 @@ private:
     Rank& first;
     FramePace pace;
     Steering steering;
-    unsigned beginnings = 0; ///< of scenes whose first frame has been shown
-    unsigned seed;           ///< of the scene that begins next, less the beginnings before it
+    bool isSteeringNew = false; ///< for the scene that the next frame begins
+    unsigned beginnings = 0;    ///< of scenes whose first frame has been shown
+    unsigned seed;              ///< of the scene that begins next, less the beginnings before it
 
     bool isVoiceOver() const;
     void followMessages(Lead& lead);

@@ -41,8 +41,10 @@ public:
                 steering.release(command.figure);
             } else if (command.kind == Kind::SEED) {
                 renewal = {true, command.seed};
+                steering = {};
             } else if (command.kind == Kind::RESTART) {
                 renewal.asked = true;
+                steering = {};
             }
         }
         return renewal;
