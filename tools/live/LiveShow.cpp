@@ -178,8 +178,9 @@ void LiveShow::begin()
     endTake();
     messages.emplace();
     take.reset();
-    scene.begin(window.w(), window.h(), seed);
+    // FLTK tells the window of the pointer in it while the scene before is deleted.
     isFresh = true;
+    scene.begin(window.w(), window.h(), seed);
     if (files) {
         take.emplace(scene.recorded());
     }

@@ -218,6 +218,9 @@ class Live(unittest.TestCase):
                 return (self.folder / name).exists()
             self.program.await_value(lambda: dance("dance.txt", message("/figure/1", 0.5, 0.5)),
                                      "a recording of the first voice")
+            # A pointer in the window moves for FLTK when the scene before is deleted.
+            subprocess.run(["xdotool", "mousemove", "--window", self.program.window, "50", "50"],
+                           check=True)
             self.sender.send(bundle(message("/restart"), message("/figure/2", 0.25, 0.5)))
             self.program.await_value(lambda: dance("dance-2.txt"),
                                      "a recording of the second voice")
