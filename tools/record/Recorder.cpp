@@ -348,9 +348,11 @@ Schedule scheduleFor(const Options& options, const Script& script)
 {
     Schedule schedule(options.at, options.isFilm() ? options.seconds : 1, options.fps);
     if (!options.replay.empty()) {
-        schedule.endBefore(Replay::length(options.replay));
+        const auto length = Replay::length(options.replay);
+        schedule.endBefore(length);
         if (schedule.frames() == 0) {
-            throw std::runtime_error("the show ends before the time of --at");
+            throw std::runtime_error("the show ends before the time of --at: it has " +
+                                     std::to_string(length) + " frames");
         }
     }
     if (script.endStep) {
