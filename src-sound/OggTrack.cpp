@@ -25,5 +25,8 @@ OggTrack OggTrack::decode(const char* path, std::vector<char> before)
     } catch (const std::bad_alloc&) {
         track.state = OggFile::State::damaged;
     }
+    if (track.state != OggFile::State::whole) {
+        track.data = std::vector<char>(); // its memory, too
+    }
     return track;
 }

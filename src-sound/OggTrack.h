@@ -21,7 +21,7 @@ struct OggTrack {
     int channels = 0;
     long rate = 0;           ///< samples per second
     ogg_int64_t samples = 0; ///< per channel, of all links of a chain, as the file claims
-    std::vector<char> data;  ///< signed 16-bit little-endian, interleaved
+    std::vector<char> data;  ///< signed 16-bit little-endian, interleaved; none if it is not whole
 
     /// Decodes the file at \p path. Prints nothing, whatever is wrong with it. A track that memory
     /// cannot hold counts as damaged.

@@ -68,6 +68,10 @@ void Replay::playStep()
     if (!frame) {
         throw std::runtime_error("the show is over");
     }
+    if (frame->step < 0 || frame->step >= scene.numSteps()) {
+        throw std::runtime_error("frame " + std::to_string(frame->frame) +
+                                 " is of a step that the recording does not have");
+    }
     if (frame->anew) {
         scene.begin(*frame->anew);
     }

@@ -144,6 +144,12 @@ class Show(Walls):
         self.record("--replay", "show.log", "--tile", "1", "0", "--png", "tile.png",
                     "--at", str((self.FRAMES - 1) / 40))
         self.expect_alike("tile.png", f"1-0-{self.FRAMES}.png", 0, 0)
+        log = pathlib.Path(self.path("show.log"))
+        log.write_text(re.sub("^6 [0-9]+ ", "6 2147483647 ", log.read_text(), flags=re.MULTILINE))
+        refused = subprocess.run([RECORD, "--media", MEDIA, "--replay", "show.log", "--png", "no.png",
+                                  "--at", "1"], cwd=self.folder.name, capture_output=True, text=True)
+        self.assertEqual(refused.returncode, 1)
+        self.assertIn("frame 6 is of a step that the recording does not have", refused.stderr)
 
 
 class Input(Walls):

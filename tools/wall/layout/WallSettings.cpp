@@ -63,8 +63,8 @@ public:
 private:
     Files::MemoryWords words_;
     WallSettings& settings_;
-    WindowSettings* window_ = nullptr; ///< that is being read; null = still the wall
-    std::set<std::string> given_;      ///< keywords of that window or of the wall
+    WindowSettings* window_ = nullptr;         ///< that is being read; null = still the wall
+    std::set<std::string, std::less<>> given_; ///< keywords of that window or of the wall
     std::array<char, WORD_SIZE> word_{};
 
     bool next();
