@@ -121,6 +121,17 @@ Arguments parse(const std::vector<std::string>& arguments, const std::vector<Opt
     return result;
 }
 
+void takeFolder(const std::vector<std::string>& words, std::filesystem::path& media)
+{
+    for (const std::string& word : words) {
+        if (!media.empty()) {
+            throw UsageError("two folders of media: \"" + media.string() + "\" and \"" + word +
+                             "\"");
+        }
+        media = word;
+    }
+}
+
 std::string describe(const std::vector<Option>& options)
 {
     const std::string help = std::string(SHORT_HELP) + ", " + HELP;

@@ -58,6 +58,10 @@ enum class Rest { refused, allowed, anywhere };
 Arguments parse(const std::vector<std::string>& arguments, const std::vector<Option>& options,
                 Rest rest = Rest::refused);
 
+/// Takes words alone as the folder of media that --media names, too.
+/// \throws UsageError at a second folder
+void takeFolder(const std::vector<std::string>& words, std::filesystem::path& media);
+
 /// The lines of --help about the options, --help and --version among them.
 std::string describe(const std::vector<Option>& options);
 

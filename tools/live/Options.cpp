@@ -31,8 +31,8 @@ std::vector<commandline::Option> tableOf(Options& options)
          commandline::flag(options.fullscreen)},
         {"--loop", "", "begins anew at the end of the voice", commandline::flag(options.loop)},
         {"--media", "DIR",
-         "the media to play (default: this folder if it holds\n"
-         "data/mocap.txt, else the installed media)",
+         "the media to play, as DIR alone (default: this folder if\n"
+         "it holds data/mocap.txt, else the installed media)",
          commandline::text(options.media)},
         {"--seed", "N", "another school of fish (default: the time)", seed(options.seed)},
         {"--record", "FILE",
@@ -52,8 +52,10 @@ std::vector<commandline::Option> tableOf(Options& options)
 Options parseOptions(const std::vector<std::string>& arguments)
 {
     Options options;
-    const commandline::Arguments parsed = commandline::parse(arguments, tableOf(options));
+    const commandline::Arguments parsed =
+        commandline::parse(arguments, tableOf(options), commandline::Rest::anywhere);
     options.action = parsed.action;
+    commandline::takeFolder(parsed.rest, options.media);
     if (options.action == commandline::Action::work && options.force && options.record.empty()) {
         throw commandline::UsageError("--force goes with --record");
     }
@@ -63,7 +65,7 @@ Options parseOptions(const std::vector<std::string>& arguments)
 std::string usage()
 {
     Options unused;
-    return "usage: kelpix-live [option ...]\n"
+    return "usage: kelpix-live [option ...] [DIR]\n"
            "\n"
            "Plays the scene in a window. Its figures follow a person: whatever sends their\n"
            "places as OSC messages over UDP, such as /figure/1 0.5 0.5.\n"

@@ -64,13 +64,7 @@ Options parseOptions(const std::vector<std::string>& arguments)
     if (parsed.action != commandline::Action::work) {
         return options;
     }
-    for (const std::string& word : parsed.rest) {
-        if (!options.media.empty()) {
-            throw commandline::UsageError("two folders of media: \"" + options.media.string() +
-                                          "\" and \"" + word + "\"");
-        }
-        options.media = word;
-    }
+    commandline::takeFolder(parsed.rest, options.media);
     if (options.look.monitor && !options.look.fullscreen) {
         throw commandline::UsageError("--screen needs --fullscreen");
     }

@@ -39,6 +39,7 @@ TEST(LiveOptionsTest, TakesEachOption)
     EXPECT_EQ(options.media, "m");
     EXPECT_EQ(options.record, "d.txt");
     EXPECT_EQ(options.status, "s");
+    EXPECT_EQ(live::parseOptions({"m"}).media, "m");
 }
 
 TEST(LiveOptionsTest, SaysWhatMakesNoSense)
@@ -47,5 +48,5 @@ TEST(LiveOptionsTest, SaysWhatMakesNoSense)
     EXPECT_EQ(refusal({"--port", "65536"}),
               "--port takes a whole number from 1 to 65535, not \"65536\"");
     EXPECT_EQ(refusal({"--force"}), "--force goes with --record");
-    EXPECT_EQ(refusal({"scene"}), "\"scene\" is one word too many");
+    EXPECT_EQ(refusal({"a", "--media", "b"}), "two folders of media: \"b\" and \"a\"");
 }
