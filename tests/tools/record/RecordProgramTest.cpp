@@ -329,8 +329,9 @@ TEST_F(RecordProgramTest, SaysWhereItCannotWrite)
     EXPECT_EQ(err,
               "kelpix-record: cannot write " + (work / "film.mp4").string() + ": Is a directory\n");
     EXPECT_EQ(run("--png nowhere/picture.png --at 30000"), 1);
-    EXPECT_EQ(err, "kelpix-record: cannot write " + (work / "nowhere/picture.png").string() +
-                       ": No such file or directory\n");
+    EXPECT_EQ(err, "kelpix-record: the dance is over by then: the voice lasts 120 s\n"
+                   "kelpix-record: cannot write " +
+                       (work / "nowhere/picture.png").string() + ": No such file or directory\n");
     EXPECT_THAT(filesLeft(), ElementsAre("film.mp4"));
 }
 
