@@ -56,17 +56,7 @@ std::string lastLineOf(std::string text)
 void enterMedia(Options& options)
 {
     const fs::path folder = mediaToPlay(options.media, KELPIX_MEDIA_FROM_PROGRAM);
-    for (fs::path* path : {&options.record, &options.status}) {
-        if (!path->empty()) {
-            *path = fs::absolute(*path);
-        }
-    }
-    std::error_code error;
-    fs::current_path(folder, error);
-    if (error) {
-        throw std::runtime_error("no media in " + folder.string() + ": " + error.message() +
-                                 "; \"kelpix-media --out DIR\" makes some, --media DIR plays them");
-    }
+    enterFolder(folder, {&options.record, &options.status});
     const std::vector<std::string> missing = MediaFolder::missingFiles();
     if (!missing.empty()) {
         throw std::runtime_error("the medium " + missing.front() + " is missing in " +

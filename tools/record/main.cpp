@@ -19,17 +19,7 @@ constexpr int FLASHES = 3; // the exit status of a film that flashes too much
 void enterMedia(Options& options)
 {
     const fs::path folder = mediaToPlay(options.media, KELPIX_MEDIA_FROM_PROGRAM);
-    for (fs::path* path : {&options.out, &options.png, &options.sheet, &options.replay}) {
-        if (!path->empty()) {
-            *path = fs::absolute(*path);
-        }
-    }
-    std::error_code error;
-    fs::current_path(folder, error);
-    if (error) {
-        throw std::runtime_error("no media in " + folder.string() + ": " + error.message() +
-                                 "; \"kelpix-media --out DIR\" makes some, --media DIR plays them");
-    }
+    enterFolder(folder, {&options.out, &options.png, &options.sheet, &options.replay});
     const std::vector<std::string> missing = MediaFolder::missingFiles();
     if (!missing.empty()) {
         std::string names;

@@ -1,5 +1,8 @@
 #include "MediaToPlay.h"
 
+#include <stdexcept>
+#include <system_error>
+
 namespace fs = std::filesystem;
 
 fs::path fromProgram(const fs::path& path)
@@ -19,4 +22,19 @@ fs::path mediaToPlay(const fs::path& named, const fs::path& installed)
         return ".";
     }
     return fromProgram(installed);
+}
+
+void enterFolder(const fs::path& folder, std::initializer_list<fs::path*> files)
+{
+    for (fs::path* file : files) {
+        if (!file->empty()) {
+            *file = fs::absolute(*file);
+        }
+    }
+    std::error_code error;
+    fs::current_path(folder, error);
+    if (error) {
+        throw std::runtime_error("no media in " + folder.string() + ": " + error.message() +
+                                 "; \"kelpix-media --out DIR\" makes some, --media DIR plays them");
+    }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <initializer_list>
 
 /// \return a path that is given as seen from the folder of this process's program
 std::filesystem::path fromProgram(const std::filesystem::path& path);
@@ -12,3 +13,9 @@ std::filesystem::path fromProgram(const std::filesystem::path& path);
 ///         media, which may be missing
 std::filesystem::path mediaToPlay(const std::filesystem::path& named,
                                   const std::filesystem::path& installed);
+
+/// Enters the folder of the media. Names of files that are not empty are made absolute before, so
+/// that they mean the same there.
+/// \throws std::runtime_error when it cannot be entered
+void enterFolder(const std::filesystem::path& folder,
+                 std::initializer_list<std::filesystem::path*> files);
